@@ -1,0 +1,37 @@
+# brightmere_add_library(<target> EXPORT_NAME <name>)
+#
+# Makes one of the kit's shared libraries with its Brightmere:: ALIAS, the
+# public include root src/ (installed as include/Brightmere) and install rules
+# in the package's export set. Areas add their files with
+# brightmere_target_sources(), so each folder lists only its own classes.
+function(brightmere_add_library target)
+    cmake_parse_arguments(ARG "" "EXPORT_NAME" "" ${ARGN})
+    add_library(${target} SHARED)
+    add_library(Brightmere::${ARG_EXPORT_NAME} ALIAS ${target})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${ARG_EXPORT_NAME}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+    target_include_directories(${target} PUBLIC
+        $<INSTALL_INTERFACE:${BRIGHTMERE_INCLUDE_DIR}>)
+    target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src)
+    install(TARGETS ${target} EXPORT ${BRIGHTMERE_EXPORT_NAME}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        FILE_SET HEADERS DESTINATION ${BRIGHTMERE_INCLUDE_DIR})
+endfunction()
+
+# brightmere_target_sources(<target> <Class> ...)
+#
+# Adds <Class>.h (public, installed) and <Class>.cpp, when it exists, from the
+# calling folder for every class named.
+function(brightmere_target_sources target)
+    foreach(class IN LISTS ARGN)
+        target_sources(${target} PUBLIC FILE_SET HEADERS FILES
+            ${CMAKE_CURRENT_SOURCE_DIR}/${class}.h)
+        if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${class}.cpp)
+            target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${class}.cpp)
+        endif()
+    endforeach()
+endfunction()

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDataStream>
+
+// A latitude/longitude pair in degrees.
+struct BMLocationCoordinate2D
+{
+    double latitude = 0.0;
+    double longitude = 0.0;
+
+    bool isValid() const
+    {
+        return latitude >= -90.0 && latitude <= 90.0 && longitude >= -180.0 && longitude <= 180.0;
+    }
+
+    friend bool operator==(const BMLocationCoordinate2D &, const BMLocationCoordinate2D &) = default;
+};
+
+inline QDataStream &operator<<(QDataStream &stream, const BMLocationCoordinate2D &c)
+{
+    return stream << c.latitude << c.longitude;
+}
+
+inline QDataStream &operator>>(QDataStream &stream, BMLocationCoordinate2D &c)
+{
+    return stream >> c.latitude >> c.longitude;
+}

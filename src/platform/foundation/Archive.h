@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDataStream>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace Brightmere {
+
+// Keyed archiving on this platform: a value written with QDataStream behind a
+// fixed header (magic, archive format version, body length and a digest of
+// the body). Reading checks the header before a single byte of the body is
+// parsed, so a truncated, foreign or garbled blob is refused with an error
+// and never yields a partial object.
+class Archive
+{
+public:
+    static constexpr quint32 kMagic = 0x424D4152; // "BMAR"
+    static constexpr quint16 kFormatVersion = 1;
+    static constexpr QDataStream::Version kStreamVersion = QDataStream::Qt_6_0;
+
+    enum class Error {
+        None,
+        Empty,         // no bytes at all
+        Foreign,       // not an archive of ours (wrong magic)
+        FutureVersion, // written by a newer format than this build reads
+        Truncated,     // shorter than its header says
+        Corrupt,       // digest mismatch, trailing bytes, or a body that does not parse
+    };
+
+    using Writer = std::function<void(QDataStream &)>;
+    // Reads the body; returns false when the content makes no sense.
+    using Reader = std::function<bool(QDataStream &)>;
+
+    static QByteArray write(const Writer &body);
+    static Error read(const QByteArray &blob, const Reader &body);
+
+    template<typename T>
+    static QByteArray archive(const T &value)
+    {
+        return write([&value](QDataStream &stream) { stream << value; });
+    }
+
+    template<typename T>
+    static std::optional<T> unarchive(const QByteArray &blob, Error *error = nullptr)
+    {
+        T value{};
+        const Error result = read(blob, [&value](QDataStream &stream) {
+            stream >> value;
+            return true;
+        });
+        if (error)
+            *error = result;
+        if (result != Error::None)
+            return std::nullopt;
+        return value;
+    }
+
+    static QString errorString(Error error);
+};
+
+} // namespace Brightmere

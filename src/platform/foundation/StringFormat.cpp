@@ -1,0 +1,220 @@
+#include "StringFormat.h"
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QLocale>
+
+#include <cmath>
+
+namespace Brightmere {
+
+namespace {
+
+struct Spec
+{
+    bool leftAlign = false;
+    bool plusSign = false;
+    bool space = false;
+    bool zeroPad = false;
+    bool alternate = false;
+    int width = -1;
+    int precision = -1;
+};
+
+QString pad(QString text, const Spec &spec)
+{
+    if (spec.width <= text.size())
+        return text;
+    const int fill = int(spec.width - text.size());
+    if (spec.leftAlign)
+        return text + QString(fill, u' ');
+    if (spec.zeroPad) {
+        int signLength = (text.startsWith(u'-') || text.startsWith(u'+') || text.startsWith(u' ')) ? 1 : 0;
+        return text.left(signLength) + QString(fill, u'0') + text.mid(signLength);
+    }
+    return QString(fill, u' ') + text;
+}
+
+QString withSign(const QString &digits, bool negative, const Spec &spec)
+{
+    if (negative)
+        return u'-' + digits;
+    if (spec.plusSign)
+        return u'+' + digits;
+    if (spec.space)
+        return u' ' + digits;
+    return digits;
+}
+
+QString formatInteger(const QVariant &value, QChar conversion, const Spec &spec)
+{
+    if (conversion == u'd' || conversion == u'i') {
+        const qlonglong n = value.toLongLong();
+        const qulonglong magnitude = n < 0 ? qulonglong(0) - qulonglong(n) : qulonglong(n);
+        QString digits = QString::number(magnitude);
+        if (spec.precision >= 0 && digits.size() < spec.precision)
+            digits.prepend(QString(spec.precision - digits.size(), u'0'));
+        return withSign(digits, n < 0, spec);
+    }
+    const qulonglong n = value.typeId() == QMetaType::Double ? qulonglong(value.toDouble())
+                                                             : value.toULongLong();
+    int base = 10;
+    if (conversion == u'x' || conversion == u'X')
+        base = 16;
+    else if (conversion == u'o')
+        base = 8;
+    QString digits = QString::number(n, base);
+    if (conversion == u'X')
+        digits = digits.toUpper();
+    if (spec.precision >= 0 && digits.size() < spec.precision)
+        digits.prepend(QString(spec.precision - digits.size(), u'0'));
+    if (spec.alternate && n != 0 && base == 16)
+        digits.prepend(conversion == u'X' ? QStringLiteral("0X") : QStringLiteral("0x"));
+    return digits;
+}
+
+QString formatFloating(double value, QChar conversion, const Spec &spec)
+{
+    const int precision = spec.precision >= 0 ? spec.precision : 6;
+    const char qtFormat = conversion.toLatin1() == 'F' ? 'f' : conversion.toLatin1();
+    QString digits = QString::number(std::abs(value), qtFormat, precision);
+    if (qIsNaN(value))
+        digits = QStringLiteral("nan");
+    else if (qIsInf(value))
+        digits = QStringLiteral("inf");
+    return withSign(digits, std::signbit(value) && !qIsNaN(value), spec);
+}
+
+} // namespace
+
+QString StringFormat::describe(const QVariant &value)
+{
+    if (!value.isValid() || value.isNull()) {
+        // A null QString or QByteArray is still "nothing".
+        if (value.typeId() != QMetaType::QString || value.toString().isNull())
+            return QStringLiteral("(null)");
+    }
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest);
+    case QMetaType::QVariantMap:
+    case QMetaType::QVariantHash:
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList:
+        return QString::fromUtf8(QJsonDocument::fromVariant(value).toJson(QJsonDocument::Compact));
+    case QMetaType::QByteArray:
+        return u'<' + QString::fromLatin1(value.toByteArray().toHex()) + u'>';
+    default:
+        break;
+    }
+    if (value.canConvert<QString>())
+        return value.toString();
+    return QStringLiteral("<%1>").arg(QString::fromLatin1(value.typeName()));
+}
+
+QString StringFormat::format(const QString &format, const QVariantList &arguments)
+{
+    QString out;
+    out.reserve(format.size() + 16 * arguments.size());
+    int nextArgument = 0;
+    const qsizetype n = format.size();
+    qsizetype i = 0;
+    while (i < n) {
+        const QChar c = format.at(i);
+        if (c != u'%') {
+            out += c;
+            ++i;
+            continue;
+        }
+        const qsizetype start = i++;
+        if (i < n && format.at(i) == u'%') {
+            out += u'%';
+            ++i;
+            continue;
+        }
+        Spec spec;
+        int position = -1;
+        // Positional argument "n$".
+        qsizetype j = i;
+        int number = 0;
+        while (j < n && format.at(j).isDigit())
+            number = number * 10 + format.at(j++).digitValue();
+        if (j > i && j < n && format.at(j) == u'$') {
+            position = number - 1;
+            i = j + 1;
+        }
+        for (; i < n; ++i) {
+            const QChar f = format.at(i);
+            if (f == u'-') spec.leftAlign = true;
+            else if (f == u'+') spec.plusSign = true;
+            else if (f == u' ') spec.space = true;
+            else if (f == u'0') spec.zeroPad = true;
+            else if (f == u'#') spec.alternate = true;
+            else break;
+        }
+        auto readNumber = [&](int &target) {
+            if (i < n && format.at(i) == u'*') {
+                target = nextArgument < arguments.size() ? arguments.at(nextArgument).toInt() : 0;
+                ++nextArgument;
+                ++i;
+                return;
+            }
+            if (i < n && format.at(i).isDigit()) {
+                target = 0;
+                while (i < n && format.at(i).isDigit())
+                    target = target * 10 + format.at(i++).digitValue();
+            }
+        };
+        readNumber(spec.width);
+        if (i < n && format.at(i) == u'.') {
+            ++i;
+            spec.precision = 0;
+            readNumber(spec.precision);
+        }
+        while (i < n && QStringView(u"hlLqjzt").contains(format.at(i)))
+            ++i;
+        if (i >= n) {
+            out += format.mid(start);
+            break;
+        }
+        const QChar conversion = format.at(i++);
+        const int index = position >= 0 ? position : nextArgument++;
+        const bool present = index >= 0 && index < arguments.size();
+        const QVariant argument = present ? arguments.at(index) : QVariant();
+        QString text;
+        switch (conversion.unicode()) {
+        case u'@':
+            text = describe(argument);
+            if (spec.precision >= 0)
+                text.truncate(spec.precision);
+            break;
+        case u's':
+            text = present ? argument.toString() : QStringLiteral("(null)");
+            if (spec.precision >= 0)
+                text.truncate(spec.precision);
+            break;
+        case u'c':
+            text = present ? QString(QChar(char16_t(argument.toUInt()))) : QString();
+            break;
+        case u'd': case u'i': case u'u': case u'x': case u'X': case u'o':
+            text = formatInteger(argument, conversion, spec);
+            break;
+        case u'f': case u'F': case u'e': case u'E': case u'g': case u'G':
+            text = formatFloating(argument.toDouble(), conversion, spec);
+            break;
+        default:
+            // Not a conversion we know: keep the text as written.
+            out += format.mid(start, i - start);
+            if (position < 0)
+                --nextArgument;
+            continue;
+        }
+        out += pad(text, spec);
+    }
+    return out;
+}
+
+} // namespace Brightmere
