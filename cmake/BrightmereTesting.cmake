@@ -13,5 +13,5 @@ function(brightmere_add_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=*.debug=false")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

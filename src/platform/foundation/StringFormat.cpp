@@ -4,7 +4,9 @@
 #include <QJsonDocument>
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace Brightmere {
 
@@ -75,13 +77,13 @@ QString formatInteger(const QVariant &value, QChar conversion, const Spec &spec)
 
 QString formatFloating(double value, QChar conversion, const Spec &spec)
 {
-    const int precision = spec.precision >= 0 ? spec.precision : 6;
-    const char qtFormat = conversion.toLatin1() == 'F' ? 'f' : conversion.toLatin1();
-    QString digits = QString::number(std::abs(value), qtFormat, precision);
-    if (qIsNaN(value))
-        digits = QStringLiteral("nan");
-    else if (qIsInf(value))
-        digits = QStringLiteral("inf");
+    // The C library's own rounding (to the nearest binary value, ties to
+    // even), so "%.2f" prints exactly what the platform's formatter prints.
+    const int precision = spec.precision >= 0 ? std::min(spec.precision, 60) : 6;
+    char format[8] = {'%', '.', '*', char(conversion.toLatin1()), '\0'};
+    char buffer[512];
+    const int length = std::snprintf(buffer, sizeof buffer, format, precision, std::abs(value));
+    QString digits = QString::fromLatin1(buffer, std::clamp(length, 0, int(sizeof buffer) - 1));
     return withSign(digits, std::signbit(value) && !qIsNaN(value), spec);
 }
 

@@ -1,0 +1,63 @@
+#include "platform/foundation/StringFormat.h"
+
+#include <QtTest>
+
+using Brightmere::StringFormat;
+
+class tst_StringFormat : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void format_data();
+    void format();
+    void printConvertsArguments();
+};
+
+void tst_StringFormat::format_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("objects") << "'%@' %@" << QVariantList{QStringLiteral("Home"), QStringLiteral("already exists")} << "'Home' already exists";
+    QTest::newRow("integer placeholder") << "Spot %d" << QVariantList{8} << "Spot 8";
+    QTest::newRow("long unsigned") << "Added plot %lu" << QVariantList{qulonglong(3)} << "Added plot 3";
+    QTest::newRow("two decimals rounded") << "%.2f %@" << QVariantList{12.345678, QStringLiteral("Mbps")} << "12.35 Mbps";
+    QTest::newRow("default precision") << "%f" << QVariantList{1.5} << "1.500000";
+    QTest::newRow("negative") << "%d|%.1f" << QVariantList{-4, -0.25} << "-4|-0.2";
+    QTest::newRow("percent") << "100%% %@" << QVariantList{QStringLiteral("done")} << "100% done";
+    QTest::newRow("line feed kept") << "%@\n%@" << QVariantList{QStringLiteral("a"), QStringLiteral("b")} << "a\nb";
+    QTest::newRow("missing object") << "%@ and %@" << QVariantList{QStringLiteral("one")} << "one and (null)";
+    QTest::newRow("missing integer") << "n=%d" << QVariantList{} << "n=0";
+    QTest::newRow("null object") << "x=%@" << QVariantList{QVariant()} << "x=(null)";
+    QTest::newRow("number as object") << "%@" << QVariantList{2.5} << "2.5";
+    QTest::newRow("boolean as object") << "%@" << QVariantList{true} << "1";
+    QTest::newRow("map as object") << "%@" << QVariantList{QVariantMap{{QStringLiteral("code"), 200}}} << "{\"code\":200}";
+    QTest::newRow("text where a number goes") << "%d" << QVariantList{QStringLiteral("7")} << "7";
+    QTest::newRow("positional") << "%2$@ %1$@" << QVariantList{QStringLiteral("world"), QStringLiteral("hello")} << "hello world";
+    QTest::newRow("width and zero padding") << "[%5d][%-4d][%03d]" << QVariantList{42, 7, 5} << "[   42][7   ][005]";
+    QTest::newRow("hexadecimal") << "%x %X %#x" << QVariantList{255, 255, 255} << "ff FF 0xff";
+    QTest::newRow("unknown conversion kept") << "%k and %@" << QVariantList{QStringLiteral("x")} << "%k and x";
+    QTest::newRow("dangling percent") << "50%" << QVariantList{} << "50%";
+    QTest::newRow("non-ASCII") << "%@ – ñ" << QVariantList{QStringLiteral("Cocina")} << "Cocina – ñ";
+}
+
+void tst_StringFormat::format()
+{
+    QFETCH(QString, format);
+    QFETCH(QVariantList, arguments);
+    QFETCH(QString, expected);
+    QCOMPARE(StringFormat::format(format, arguments), expected);
+}
+
+void tst_StringFormat::printConvertsArguments()
+{
+    const std::size_t count = 4;
+    QCOMPARE(StringFormat::print(QStringLiteral("%@ %lu %d %@ %.1f"), "text", count, -2,
+                                 QStringLiteral("q"), 2.79f),
+             QStringLiteral("text 4 -2 q 2.8"));
+}
+
+QTEST_GUILESS_MAIN(tst_StringFormat)
+#include "tst_StringFormat.moc"

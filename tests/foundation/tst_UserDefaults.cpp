@@ -1,0 +1,145 @@
+#include "platform/foundation/UserDefaults.h"
+
+#include "TestEnvironment.h"
+
+#include <QFile>
+#include <QtTest>
+
+#include <memory>
+#include <thread>
+
+using Brightmere::UserDefaults;
+
+class tst_UserDefaults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_env = std::make_unique<TestEnvironment>(); }
+    void cleanup() { m_env.reset(); }
+
+    void valueSurvivesNewInstance_data();
+    void valueSurvivesNewInstance();
+    void typedGettersOfMissingKeys();
+    void removeAndInvalidValueDeleteTheKey();
+    void standardStoreFollowsItsFile();
+    void synchronizeReportsUnwritableFile();
+    void concurrentWritersLoseNothing();
+
+private:
+    std::unique_ptr<TestEnvironment> m_env;
+};
+
+void tst_UserDefaults::valueSurvivesNewInstance_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("plain string") << QVariant(QStringLiteral("Kitchen"));
+    QTest::newRow("string that looks like a setting") << QVariant(QStringLiteral("@Variant(x), a=b; [c]"));
+    QTest::newRow("empty string") << QVariant(QString(""));
+    QTest::newRow("boolean true") << QVariant(true);
+    QTest::newRow("one-name list") << QVariant(QStringList{QStringLiteral("Garage")});
+    QTest::newRow("empty list") << QVariant(QStringList{});
+    QTest::newRow("names with commas") << QVariant(QStringList{QStringLiteral("a,b"), QStringLiteral(""), QStringLiteral("c")});
+    QTest::newRow("binary blob") << QVariant(QByteArray("\0\x01\xff\n=[]", 8));
+    QTest::newRow("nested dictionary") << QVariant(QVariantMap{
+        {QStringLiteral("kI18NTimeStampKey"), QVariantMap{{QStringLiteral("en"), 7}, {QStringLiteral("es"), 5.5}}},
+        {QStringLiteral("kI18NLanguageKey"), QStringLiteral("es")}});
+}
+
+void tst_UserDefaults::valueSurvivesNewInstance()
+{
+    QFETCH(QVariant, value);
+    const QString path = m_env->filePath(QStringLiteral("store.ini"));
+    {
+        UserDefaults writer(path);
+        writer.setObject(value, QStringLiteral("key"));
+        QVERIFY(writer.synchronize());
+    }
+    UserDefaults reader(path);
+    const QVariant read = reader.objectForKey(QStringLiteral("key"));
+    if (value.typeId() == QMetaType::Bool)
+        QCOMPARE(read.toBool(), value.toBool());
+    else
+        QCOMPARE(read, value);
+    if (value.typeId() == QMetaType::QStringList)
+        QCOMPARE(reader.stringArrayForKey(QStringLiteral("key")), value.toStringList());
+}
+
+void tst_UserDefaults::typedGettersOfMissingKeys()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    QVERIFY(!defaults.objectForKey(QStringLiteral("nothing")).isValid());
+    QCOMPARE(defaults.boolForKey(QStringLiteral("nothing")), false);
+    QVERIFY(defaults.stringForKey(QStringLiteral("nothing")).isNull());
+    QVERIFY(defaults.stringArrayForKey(QStringLiteral("nothing")).isEmpty());
+    QVERIFY(defaults.dataForKey(QStringLiteral("nothing")).isEmpty());
+    QVERIFY(defaults.dictionaryForKey(QStringLiteral("nothing")).isEmpty());
+
+    // A value of another kind reads as empty, not as a mangled conversion.
+    defaults.setObject(QStringLiteral("text"), QStringLiteral("text"));
+    QVERIFY(defaults.dataForKey(QStringLiteral("text")).isEmpty());
+    QVERIFY(defaults.stringArrayForKey(QStringLiteral("text")).isEmpty());
+    defaults.setBool(false, QStringLiteral("flag"));
+    QVERIFY(defaults.contains(QStringLiteral("flag")));
+    QCOMPARE(defaults.boolForKey(QStringLiteral("flag")), false);
+}
+
+void tst_UserDefaults::removeAndInvalidValueDeleteTheKey()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.setObject(1, QStringLiteral("a"));
+    defaults.setObject(2, QStringLiteral("b"));
+    defaults.removeObjectForKey(QStringLiteral("a"));
+    defaults.setObject(QVariant(), QStringLiteral("b"));
+    QVERIFY(defaults.synchronize());
+    UserDefaults reader(m_env->defaultsFilePath());
+    QVERIFY(!reader.contains(QStringLiteral("a")));
+    QVERIFY(!reader.contains(QStringLiteral("b")));
+}
+
+void tst_UserDefaults::standardStoreFollowsItsFile()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    QCOMPARE(QFileInfo(defaults.filePath()), QFileInfo(m_env->defaultsFilePath()));
+    defaults.setObject(QStringLiteral("first"), QStringLiteral("where"));
+
+    const QString other = m_env->filePath(QStringLiteral("nested/other.ini"));
+    UserDefaults::setStandardFilePath(other);
+    QVERIFY(!defaults.contains(QStringLiteral("where")));
+    defaults.setObject(QStringLiteral("second"), QStringLiteral("where"));
+    QVERIFY(defaults.synchronize());
+
+    // What was written before the move reached the first file.
+    QCOMPARE(UserDefaults(m_env->defaultsFilePath()).stringForKey(QStringLiteral("where")), QStringLiteral("first"));
+    QCOMPARE(UserDefaults(other).stringForKey(QStringLiteral("where")), QStringLiteral("second"));
+}
+
+void tst_UserDefaults::synchronizeReportsUnwritableFile()
+{
+    // A folder where the file should be: nothing can be written there.
+    const QString path = m_env->filePath(QStringLiteral("blocked.ini"));
+    QVERIFY(QDir().mkpath(path));
+    UserDefaults defaults(path);
+    defaults.setObject(QStringLiteral("v"), QStringLiteral("k"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("synchronising .* failed")));
+    QVERIFY(!defaults.synchronize());
+}
+
+void tst_UserDefaults::concurrentWritersLoseNothing()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    auto writer = [&defaults](int base) {
+        for (int i = 0; i < 200; ++i)
+            defaults.setObject(i, QStringLiteral("t%1/%2").arg(base).arg(i));
+    };
+    std::thread a(writer, 1), b(writer, 2);
+    a.join();
+    b.join();
+    QVERIFY(defaults.synchronize());
+    UserDefaults reader(m_env->defaultsFilePath());
+    QCOMPARE(reader.allKeys().size(), 400);
+    QCOMPARE(reader.integerForKey(QStringLiteral("t2/199")), 199);
+}
+
+QTEST_GUILESS_MAIN(tst_UserDefaults)
+#include "tst_UserDefaults.moc"
