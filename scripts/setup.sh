@@ -7,9 +7,9 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BRIGHTMERE_BUILD_DIR:-"$root/build"}
 
 packages=(
-    g++ cmake ninja-build pkg-config
+    g++ cmake ninja-build
     qt6-base-dev qt6-charts-dev qt6-multimedia-dev qt6-httpserver-dev qt6-svg-dev
-    libqt6svg6 qt6-image-formats-plugins fonts-dejavu-core
+    libqt6svg6 fonts-dejavu-core
 )
 
 missing=()
@@ -28,7 +28,7 @@ if ((${#missing[@]})); then
     fi
     export DEBIAN_FRONTEND=noninteractive
     "${sudo[@]}" apt-get update -qq
-    "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+    "${sudo[@]}" apt-get install -y -qq "${missing[@]}"
 fi
 
 cmake -S "$root" -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
