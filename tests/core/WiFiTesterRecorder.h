@@ -3,7 +3,6 @@
 #include "core/BMWiFiTester.h"
 #include "core/BMWiFiTesterDelegate.h"
 
-#include <QList>
 #include <QStringList>
 #include <QThread>
 
@@ -19,24 +18,19 @@ struct WiFiTesterRecorder : BMWiFiTesterDelegate
     QList<QThread *> threads;
     std::function<void(BMWiFiTester *, const QString &)> onEvent;
 
-    void wiFiTesterDidFinishSetupWithError(BMWiFiTester *tester, const std::optional<BMError> &error) override
+    void wiFiTesterDidFinishSetupWithError(BMWiFiTester *t, const std::optional<BMError> &error) override
     {
-        if (error)
-            errors << *error;
-        note(tester, error ? QStringLiteral("setup-error") : QStringLiteral("setup"));
+        note(t, error ? "setup-error" : "setup", error);
     }
-    void wiFiTesterDidUpdateWithTestResult(BMWiFiTester *tester, const WifiTestResult::Ptr &result) override
+    void wiFiTesterDidUpdateWithTestResult(BMWiFiTester *t, const WifiTestResult::Ptr &result) override
     {
         results << result;
-        note(tester, QStringLiteral("result"));
+        note(t, "result", std::nullopt);
     }
-    void wiFiTesterDidFinishWithError(BMWiFiTester *tester, const std::optional<BMError> &error) override
+    void wiFiTesterDidFinishWithError(BMWiFiTester *t, const std::optional<BMError> &error) override
     {
-        if (error)
-            errors << *error;
-        note(tester, QStringLiteral("finish"));
+        note(t, "finish", error);
     }
-
     QList<double> speeds() const
     {
         QList<double> list;
@@ -46,8 +40,10 @@ struct WiFiTesterRecorder : BMWiFiTesterDelegate
     }
 
 private:
-    void note(BMWiFiTester *tester, const QString &event)
+    void note(BMWiFiTester *tester, const QString &event, const std::optional<BMError> &error)
     {
+        if (error)
+            errors << *error;
         events << event;
         threads << QThread::currentThread();
         if (onEvent)
