@@ -12,6 +12,8 @@ private Q_SLOTS:
     void ticksFireInTimeOrder();
     void tickMayStopAndStartTimers();
     void startOnceFiresOnce();
+    void noTickLostAtTodaysDates_data();
+    void noTickLostAtTodaysDates();
     void systemClockCountsFromReferenceDate();
 };
 
@@ -60,6 +62,28 @@ void tst_ManualClock::startOnceFiresOnce()
     clock.advance(2.0);
     QCOMPARE(runs, 1);
     QCOMPARE(clock.activeTimerCount(), 0);
+}
+
+void tst_ManualClock::noTickLostAtTodaysDates_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("interval");
+    QTest::newRow("zero, tenths") << 0.0 << 0.1;
+    QTest::newRow("today, tenths") << 785000000.0 << 0.1;
+    QTest::newRow("today, hundredths") << 785000000.123 << 0.01;
+    QTest::newRow("today, thirds") << 785000000.7 << 1.0 / 3.0;
+}
+
+void tst_ManualClock::noTickLostAtTodaysDates()
+{
+    QFETCH(double, start);
+    QFETCH(double, interval);
+    ManualClock clock(start);
+    int ticks = 0;
+    clock.startRepeating(interval, [&] { ++ticks; });
+    for (int i = 0; i < 300; ++i)
+        clock.advance(interval);
+    QCOMPARE(ticks, 300);
 }
 
 void tst_ManualClock::systemClockCountsFromReferenceDate()

@@ -1,6 +1,7 @@
 #include "ManualClock.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace Brightmere {
@@ -20,7 +21,7 @@ int ManualClock::startRepeating(double intervalSeconds, std::function<void()> ti
     // A zero interval would never let time pass; treat it as the smallest step.
     const double interval = std::max(intervalSeconds, 1e-6);
     const int id = ++m_lastId;
-    m_timers[id] = Timer{interval, m_now + interval, std::move(tick)};
+    m_timers[id] = Timer{interval, m_now, 1, std::move(tick)};
     return id;
 }
 
@@ -36,16 +37,17 @@ void ManualClock::advance(double seconds)
         int nextId = 0;
         double nextDue = std::numeric_limits<double>::infinity();
         for (const auto &[id, timer] : m_timers) {
-            if (timer.due < nextDue) {
-                nextDue = timer.due;
+            if (timer.due() < nextDue) {
+                nextDue = timer.due();
                 nextId = id;
             }
         }
-        if (nextId == 0 || nextDue > target + 1e-9)
+        // Times near today's date (~7e8 s) carry rounding far above 1e-9 s.
+        if (nextId == 0 || nextDue > target + 1e-9 + std::abs(target) * 1e-12)
             break;
         m_now = std::max(m_now, nextDue);
         auto it = m_timers.find(nextId);
-        it->second.due += it->second.interval;
+        ++it->second.ticks;
         // The tick may start or stop timers, this one included.
         auto tick = it->second.tick;
         tick();

@@ -2,6 +2,8 @@
 
 #include "Clock.h"
 
+#include <QtGlobal>
+
 #include <map>
 
 namespace Brightmere {
@@ -25,7 +27,9 @@ private:
     struct Timer
     {
         double interval = 0.0;
-        double due = 0.0;
+        double start = 0.0;
+        quint64 ticks = 1; // due = start + ticks * interval, so no error accumulates
+        double due() const { return start + double(ticks) * interval; }
         std::function<void()> tick;
     };
 
