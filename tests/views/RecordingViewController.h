@@ -17,36 +17,33 @@ public:
     using Journal = std::shared_ptr<QStringList>;
 
     RecordingViewController(const QString &name, Journal journal, QWidget *parent = nullptr)
-        : ViewController(parent)
-        , m_name(name)
-        , m_journal(std::move(journal))
+        : ViewController(parent), m_name(name), m_journal(std::move(journal))
     {
         setTitle(name);
     }
 
-    int loadCount = 0;
     int layoutCount = 0;
     bool hadNavigationControllerAtLoad = false;
-    std::function<void()> onDidAppear;
-    std::function<void()> onLayout;
+    std::function<void()> onLoad, onDidAppear, onLayout;
     std::function<void(Brightmere::StoryboardSegue &, QObject *)> onPrepare;
 
 protected:
     void viewDidLoad() override
     {
-        ++loadCount;
         hadNavigationControllerAtLoad = navigationController() != nullptr;
-        record(QStringLiteral("didLoad"));
+        record("didLoad");
+        if (onLoad)
+            onLoad();
     }
-    void viewWillAppear(bool) override { record(QStringLiteral("willAppear")); }
+    void viewWillAppear(bool) override { record("willAppear"); }
     void viewDidAppear(bool) override
     {
-        record(QStringLiteral("didAppear"));
+        record("didAppear");
         if (onDidAppear)
             onDidAppear();
     }
-    void viewWillDisappear(bool) override { record(QStringLiteral("willDisappear")); }
-    void viewDidDisappear(bool) override { record(QStringLiteral("didDisappear")); }
+    void viewWillDisappear(bool) override { record("willDisappear"); }
+    void viewDidDisappear(bool) override { record("didDisappear"); }
     void viewWillLayoutSubviews() override
     {
         ++layoutCount;
@@ -55,13 +52,13 @@ protected:
     }
     void prepareForSegue(Brightmere::StoryboardSegue &segue, QObject *sender) override
     {
-        record(QStringLiteral("prepare:") + segue.identifier());
+        record("prepare:" + segue.identifier());
         if (onPrepare)
             onPrepare(segue, sender);
     }
 
 private:
-    void record(const QString &call) { m_journal->append(m_name + QLatin1Char('.') + call); }
+    void record(const QString &call) { m_journal->append(m_name + '.' + call); }
 
     QString m_name;
     Journal m_journal;

@@ -2,7 +2,6 @@
 #include "RecordingViewController.h"
 #include "TestEnvironment.h"
 #include "platform/views/Alert.h"
-#include "platform/views/NavigationItem.h"
 
 #include <QLabel>
 #include <QPointer>
@@ -11,128 +10,69 @@
 
 using namespace Brightmere;
 
-namespace {
-
-// Asks for its own view from inside viewDidLoad, as a screen that calls a
-// helper which loads "if needed" would.
-class ReentrantController : public ViewController
-{
-public:
-    int loads = 0;
-    bool loadedFlagInside = false;
-
-protected:
-    void viewDidLoad() override
-    {
-        ++loads;
-        loadedFlagInside = isViewLoaded();
-        loadViewIfNeeded();
-    }
-};
-
-} // namespace
-
 class tst_ViewController : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
-    void viewDidLoadRunsOnce_data();
-    void viewDidLoadRunsOnce();
-    void viewDidLoadMayAskForTheViewAgain();
-    void aWindowOfItsOwnAppearsWhenShown();
-    void appearanceCallsAreNeverDoubled();
+    void init() { m_env = std::make_unique<TestEnvironment>(); }
+    void cleanup()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_env.reset();
+    }
+    void lifecycleOfAScreenOfItsOwn_data();
+    void lifecycleOfAScreenOfItsOwn();
     void layoutPasses_data();
     void layoutPasses();
-    void titleReachesTheNavigationItem();
     void presentsOneAlertAtATime();
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
-    RecordingViewController::Journal m_journal;
 };
 
-void tst_ViewController::init()
-{
-    m_env = std::make_unique<TestEnvironment>();
-    m_journal = std::make_shared<QStringList>();
-}
-
-void tst_ViewController::cleanup()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_env.reset();
-}
-
-void tst_ViewController::viewDidLoadRunsOnce_data()
+void tst_ViewController::lifecycleOfAScreenOfItsOwn_data()
 {
     QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<int>("loads");
-    QTest::newRow("never asked") << QStringList{} << 0;
-    QTest::newRow("load if needed, twice") << QStringList{"load", "load"} << 1;
-    QTest::newRow("shown, hidden, shown") << QStringList{"show", "hide", "show"} << 1;
-    QTest::newRow("loaded, then shown") << QStringList{"load", "show"} << 1;
-    QTest::newRow("appearance transitions only") << QStringList{"appear", "disappear", "appear"} << 1;
+    QTest::addColumn<QStringList>("expected");
+    const QStringList shown{"A.didLoad", "A.willAppear", "A.didAppear"};
+    QTest::newRow("never asked: nothing") << QStringList{} << QStringList{};
+    QTest::newRow("load if needed twice: loads once") << QStringList{"load", "load"} << QStringList{"A.didLoad"};
+    QTest::newRow("asked for again inside viewDidLoad: loads once")
+        << QStringList{"reentrant"} << QStringList{"A.didLoad"};
+    QTest::newRow("shown as a window: load, then appear") << QStringList{"show"} << shown;
+    QTest::newRow("shown, hidden, shown: one load")
+        << QStringList{"show", "hide", "show"}
+        << shown + QStringList{"A.willDisappear", "A.didDisappear", "A.willAppear", "A.didAppear"};
+    QTest::newRow("asked to appear twice: appears once") << QStringList{"appear", "appear"} << shown;
+    QTest::newRow("asked to disappear when not shown: nothing") << QStringList{"disappear"} << QStringList{};
 }
 
-void tst_ViewController::viewDidLoadRunsOnce()
+void tst_ViewController::lifecycleOfAScreenOfItsOwn()
 {
     QFETCH(QStringList, steps);
-    QFETCH(int, loads);
-    RecordingViewController screen("A", m_journal);
+    QFETCH(QStringList, expected);
+    auto journal = std::make_shared<QStringList>();
+    RecordingViewController screen("A", journal);
     for (const QString &step : steps) {
         if (step == "load")
             screen.loadViewIfNeeded();
-        else if (step == "show")
+        else if (step == "reentrant") {
+            screen.onLoad = [&screen] {
+                QVERIFY(screen.isViewLoaded());
+                screen.loadViewIfNeeded();
+            };
+            screen.loadViewIfNeeded();
+        } else if (step == "show")
             screen.show();
         else if (step == "hide")
             screen.hide();
-        else if (step == "appear" || step == "disappear") {
+        else {
             screen.beginAppearanceTransition(step == "appear", false);
             screen.endAppearanceTransition();
         }
     }
-    QCOMPARE(screen.loadCount, loads);
-    QCOMPARE(screen.isViewLoaded(), loads > 0);
-    // Loading always comes before the first appearance.
-    if (m_journal->contains("A.willAppear"))
-        QVERIFY(m_journal->indexOf("A.didLoad") < m_journal->indexOf("A.willAppear"));
-}
-
-void tst_ViewController::viewDidLoadMayAskForTheViewAgain()
-{
-    ReentrantController screen;
-    screen.loadViewIfNeeded();
-    QCOMPARE(screen.loads, 1);
-    QVERIFY(screen.loadedFlagInside);
-}
-
-void tst_ViewController::aWindowOfItsOwnAppearsWhenShown()
-{
-    RecordingViewController screen("A", m_journal);
-    screen.show();
-    screen.hide();
-    QCOMPARE(*m_journal,
-             (QStringList{"A.didLoad", "A.willAppear", "A.didAppear", "A.willDisappear", "A.didDisappear"}));
-}
-
-void tst_ViewController::appearanceCallsAreNeverDoubled()
-{
-    RecordingViewController screen("A", m_journal);
-    screen.beginAppearanceTransition(true, true);
-    screen.beginAppearanceTransition(true, true);
-    screen.endAppearanceTransition();
-    screen.endAppearanceTransition();
-    screen.beginAppearanceTransition(false, true);
-    screen.endAppearanceTransition();
-    screen.beginAppearanceTransition(false, true);
-    screen.endAppearanceTransition();
-    QCOMPARE(*m_journal,
-             (QStringList{"A.didLoad", "A.willAppear", "A.didAppear", "A.willDisappear", "A.didDisappear"}));
-    QCOMPARE(screen.appearance(), ViewController::Appearance::Disappeared);
+    QCOMPARE(*journal, expected);
 }
 
 void tst_ViewController::layoutPasses_data()
@@ -153,10 +93,9 @@ void tst_ViewController::layoutPasses()
     QFETCH(QString, trigger);
     QFETCH(int, passes);
 
-    RecordingViewController screen("A", m_journal);
-    auto *layout = new QVBoxLayout(&screen);
+    RecordingViewController screen("A", std::make_shared<QStringList>());
     auto *label = new QLabel("short", &screen);
-    layout->addWidget(label);
+    (new QVBoxLayout(&screen))->addWidget(label);
     screen.resize(200, 200);
     if (loaded) {
         screen.show();
@@ -164,35 +103,26 @@ void tst_ViewController::layoutPasses()
     }
     QCoreApplication::processEvents();
     screen.layoutCount = 0;
-
     if (trigger == "self-resize")
         screen.onLayout = [&screen] { screen.resize(screen.width() + 10, screen.height()); };
 
-    if (trigger == "resize" || trigger == "self-resize") {
-        screen.resize(300, 240);
-    } else if (trigger == "request") {
+    if (trigger == "request") {
         QEvent request(QEvent::LayoutRequest);
         QCoreApplication::sendEvent(&screen, &request);
     } else if (trigger == "child") {
         label->setText("a longer text");
         QCoreApplication::sendPostedEvents(&screen, QEvent::LayoutRequest);
+    } else {
+        screen.resize(300, 240);
     }
     QCOMPARE(screen.layoutCount, passes);
-}
-
-void tst_ViewController::titleReachesTheNavigationItem()
-{
-    RecordingViewController screen("A", m_journal);
-    screen.setTitle("Saved sets");
-    QCOMPARE(screen.title(), QStringLiteral("Saved sets"));
-    QCOMPARE(screen.navigationItem()->title(), QStringLiteral("Saved sets"));
 }
 
 void tst_ViewController::presentsOneAlertAtATime()
 {
     QWidget window;
     window.resize(390, 600);
-    auto *screen = new RecordingViewController("A", m_journal, &window);
+    auto *screen = new RecordingViewController("A", std::make_shared<QStringList>(), &window);
     window.show();
 
     int completions = 0;
@@ -200,8 +130,7 @@ void tst_ViewController::presentsOneAlertAtATime()
     screen->presentAlert(first, false, [&] { ++completions; });
     QCOMPARE(completions, 1);
     QCOMPARE(screen->presentedAlert(), first.data());
-    QCOMPARE(first->parentWidget(), &window);
-    QCOMPARE(first->geometry(), window.rect());
+    QCOMPARE(first->geometry(), window.rect()); // over the whole window, not just the screen
 
     LogCapture log;
     QPointer<Alert> second = new Alert("Second");
@@ -209,14 +138,11 @@ void tst_ViewController::presentsOneAlertAtATime()
     QVERIFY(log.contains("already presents the alert 'First'"));
     QCOMPARE(completions, 1);
     QCOMPARE(Alert::shownAlert(&window), first.data());
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!second);
 
     first->dismiss(false);
     QCOMPARE(screen->presentedAlert(), nullptr);
-    QPointer<Alert> third = new Alert("Third");
-    screen->presentAlert(third, false);
-    QCOMPARE(screen->presentedAlert(), third.data());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!second && !first);
 }
 
 QTEST_MAIN(tst_ViewController)

@@ -141,7 +141,11 @@ void NavigationController::setNavigationBarHidden(bool hidden, bool animated)
 QSize NavigationController::sizeHint() const
 {
     const int barHeight = m_bar->isHidden() ? 0 : m_bar->sizeHint().height();
-    return m_content->sizeHint() + QSize(0, barHeight);
+    // Screens without a layout have no size hint; a phone-sized stack then.
+    QSize content = m_content->sizeHint();
+    if (!content.isValid())
+        content = QSize(390, 800);
+    return content.expandedTo(QSize(m_bar->sizeHint().width(), 0)) + QSize(0, barHeight);
 }
 
 void NavigationController::showEvent(QShowEvent *event)
