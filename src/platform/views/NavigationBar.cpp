@@ -1,0 +1,346 @@
+#include "NavigationBar.h"
+
+#include "BarButtonItem.h"
+#include "NavigationItem.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace Brightmere {
+
+namespace {
+
+constexpr int kSideMargin = 8;
+constexpr int kButtonSpacing = 8;
+constexpr int kBackTitleMaxWidth = 100;
+constexpr int kButtonFontPixels = 17;
+
+QIcon backChevron(const QColor &color)
+{
+    // Drawn rather than bundled, so it takes the bar's tint.
+    QPixmap pixmap(QSize(13, 22) * 2);
+    pixmap.setDevicePixelRatio(2.0);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPen pen(color, 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter.setPen(pen);
+    QPainterPath path;
+    path.moveTo(10.5, 2.5);
+    path.lineTo(2.5, 11.0);
+    path.lineTo(10.5, 19.5);
+    painter.drawPath(path);
+    return QIcon(pixmap);
+}
+
+QString buttonStyleSheet(const QColor &tint, bool bold)
+{
+    QColor pressed = tint;
+    pressed.setAlphaF(0.4f);
+    QColor disabled = tint;
+    disabled.setAlphaF(0.35f);
+    return QStringLiteral("QToolButton { border: none; background: transparent; color: %1;"
+                          " font-size: %2px; font-weight: %3; padding: 0px 2px; }"
+                          "QToolButton:pressed { color: %4; }"
+                          "QToolButton:disabled { color: %5; }")
+        .arg(tint.name(QColor::HexArgb))
+        .arg(kButtonFontPixels)
+        .arg(bold ? QStringLiteral("bold") : QStringLiteral("normal"))
+        .arg(pressed.name(QColor::HexArgb), disabled.name(QColor::HexArgb));
+}
+
+} // namespace
+
+NavigationBar::NavigationBar(QWidget *parent)
+    : QWidget(parent)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+
+    m_titleLabel = new QLabel(this);
+    m_titleLabel->setObjectName(QStringLiteral("navigationBarTitle"));
+    m_titleLabel->setAlignment(Qt::AlignCenter);
+    QFont titleFont = m_titleLabel->font();
+    titleFont.setPixelSize(17);
+    titleFont.setBold(true);
+    m_titleLabel->setFont(titleFont);
+
+    m_backButton = new QToolButton(this);
+    m_backButton->setObjectName(QStringLiteral("navigationBarBack"));
+    m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_backButton->setIconSize(QSize(13, 22));
+    m_backButton->setFocusPolicy(Qt::NoFocus);
+    m_backButton->hide();
+    connect(m_backButton, &QToolButton::clicked, this, &NavigationBar::backRequested);
+
+    applyColors();
+    refresh();
+}
+
+NavigationBar::~NavigationBar()
+{
+    // The title widget belongs to its item, not to the bar.
+    releaseTitleView();
+}
+
+void NavigationBar::setTopItem(NavigationItem *topItem, NavigationItem *backItem)
+{
+    if (m_topItem)
+        disconnect(m_topItem, nullptr, this, nullptr);
+    if (m_backItem)
+        disconnect(m_backItem, nullptr, this, nullptr);
+    m_topItem = topItem;
+    m_backItem = backItem;
+    if (m_topItem)
+        connect(m_topItem, &NavigationItem::changed, this, &NavigationBar::refresh);
+    if (m_backItem)
+        connect(m_backItem, &NavigationItem::changed, this, &NavigationBar::refresh);
+    refresh();
+}
+
+NavigationItem *NavigationBar::topItem() const
+{
+    return m_topItem.data();
+}
+
+NavigationItem *NavigationBar::backItem() const
+{
+    return m_backItem.data();
+}
+
+void NavigationBar::setBackgroundColor(const QColor &color)
+{
+    m_backgroundColor = color;
+    update();
+}
+
+void NavigationBar::setTintColor(const QColor &color)
+{
+    m_tintColor = color;
+    applyColors();
+    refresh();
+}
+
+void NavigationBar::setTitleColor(const QColor &color)
+{
+    m_titleColor = color;
+    applyColors();
+}
+
+void NavigationBar::setTransparent(bool transparent)
+{
+    if (m_transparent == transparent)
+        return;
+    m_transparent = transparent;
+    update();
+    Q_EMIT placementChanged();
+}
+
+void NavigationBar::setTranslucent(bool translucent)
+{
+    if (m_translucent == translucent)
+        return;
+    m_translucent = translucent;
+    update();
+    Q_EMIT placementChanged();
+}
+
+void NavigationBar::setVisible(bool visible)
+{
+    const bool wasHidden = isHidden();
+    QWidget::setVisible(visible);
+    if (wasHidden != isHidden())
+        Q_EMIT placementChanged();
+}
+
+bool NavigationBar::isBackButtonShown() const
+{
+    return !m_backButton->isHidden();
+}
+
+QWidget *NavigationBar::shownTitleWidget() const
+{
+    if (m_titleView)
+        return m_titleView.data();
+    return m_titleLabel->isHidden() ? nullptr : m_titleLabel;
+}
+
+QToolButton *NavigationBar::leftButton() const
+{
+    return m_leftButton;
+}
+
+QList<QToolButton *> NavigationBar::rightButtons() const
+{
+    return m_rightButtons;
+}
+
+QSize NavigationBar::sizeHint() const
+{
+    return QSize(320, kDefaultHeight);
+}
+
+QSize NavigationBar::minimumSizeHint() const
+{
+    return QSize(0, kDefaultHeight);
+}
+
+void NavigationBar::paintEvent(QPaintEvent *)
+{
+    if (m_transparent)
+        return;
+    QPainter painter(this);
+    QColor background = m_backgroundColor;
+    if (m_translucent)
+        background.setAlphaF(background.alphaF() * 0.92f);
+    painter.fillRect(rect(), background);
+    // The hairline under the bar.
+    painter.fillRect(QRect(0, height() - 1, width(), 1), QColor(0, 0, 0, 70));
+}
+
+void NavigationBar::resizeEvent(QResizeEvent *)
+{
+    relayout();
+}
+
+void NavigationBar::applyColors()
+{
+    QPalette palette = m_titleLabel->palette();
+    palette.setColor(QPalette::WindowText, m_titleColor);
+    m_titleLabel->setPalette(palette);
+    m_backButton->setStyleSheet(buttonStyleSheet(m_tintColor, false));
+    m_backButton->setIcon(backChevron(m_tintColor));
+}
+
+void NavigationBar::releaseTitleView()
+{
+    if (QWidget *view = m_titleView.data()) {
+        view->hide();
+        view->setParent(nullptr);
+    }
+    m_titleView.clear();
+}
+
+QToolButton *NavigationBar::makeButton(BarButtonItem *item)
+{
+    auto *button = new QToolButton(this);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setText(item->title());
+    button->setIcon(item->icon());
+    button->setIconSize(QSize(24, 24));
+    button->setEnabled(item->isEnabled());
+    if (!item->icon().isNull() && !item->title().isEmpty())
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    else if (!item->icon().isNull())
+        button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    else
+        button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    button->setStyleSheet(buttonStyleSheet(m_tintColor, item->style() == BarButtonItem::Style::Done));
+    QPointer<BarButtonItem> guard(item);
+    connect(button, &QToolButton::clicked, this, [guard] {
+        if (guard)
+            guard->trigger();
+    });
+    button->show();
+    return button;
+}
+
+void NavigationBar::clearButtons()
+{
+    // A button's own click may have caused this refresh: delete later.
+    if (m_leftButton) {
+        m_leftButton->hide();
+        m_leftButton->deleteLater();
+        m_leftButton = nullptr;
+    }
+    for (QToolButton *button : std::as_const(m_rightButtons)) {
+        button->hide();
+        button->deleteLater();
+    }
+    m_rightButtons.clear();
+}
+
+void NavigationBar::refresh()
+{
+    clearButtons();
+
+    NavigationItem *item = m_topItem.data();
+    QWidget *wantedTitleView = item ? item->titleView() : nullptr;
+    if (m_titleView != wantedTitleView) {
+        releaseTitleView();
+        if (wantedTitleView) {
+            m_titleView = wantedTitleView;
+            wantedTitleView->setParent(this);
+            wantedTitleView->show();
+        }
+    }
+    m_titleLabel->setVisible(!m_titleView && item);
+
+    if (item) {
+        if (BarButtonItem *left = item->leftBarButtonItem())
+            m_leftButton = makeButton(left);
+        for (BarButtonItem *right : item->rightBarButtonItems())
+            m_rightButtons.append(makeButton(right));
+    }
+
+    const bool showBack = item && m_backItem && !item->leftBarButtonItem() && !item->hidesBackButton();
+    if (showBack) {
+        const QString backTitle = m_backItem->title();
+        m_backButton->setText(m_backButton->fontMetrics().elidedText(backTitle, Qt::ElideRight,
+                                                                      kBackTitleMaxWidth));
+        m_backButton->setToolButtonStyle(backTitle.isEmpty() ? Qt::ToolButtonIconOnly
+                                                             : Qt::ToolButtonTextBesideIcon);
+    }
+    m_backButton->setVisible(showBack);
+    relayout();
+    update();
+}
+
+void NavigationBar::relayout()
+{
+    const int w = width();
+    const int h = height();
+
+    int leftEdge = kSideMargin;
+    QWidget *leftWidget = !m_backButton->isHidden() ? static_cast<QWidget *>(m_backButton)
+                                                    : static_cast<QWidget *>(m_leftButton);
+    if (leftWidget) {
+        const int bw = std::min(leftWidget->sizeHint().width(), std::max(0, w / 3));
+        leftWidget->setGeometry(kSideMargin, 0, bw, h);
+        leftEdge = kSideMargin + bw + kButtonSpacing;
+    }
+
+    int rightEdge = w - kSideMargin;
+    for (QToolButton *button : std::as_const(m_rightButtons)) {
+        const int bw = std::min(button->sizeHint().width(), std::max(0, w / 3));
+        rightEdge -= bw;
+        button->setGeometry(rightEdge, 0, bw, h);
+        rightEdge -= kButtonSpacing;
+    }
+    if (!m_rightButtons.isEmpty())
+        rightEdge += kButtonSpacing - kSideMargin;
+
+    // The title is centred on the bar, and only moves or shrinks to stay
+    // clear of the buttons.
+    const int available = std::max(0, rightEdge - leftEdge);
+    if (QWidget *titleView = m_titleView.data()) {
+        QSize size = titleView->sizeHint().isValid() ? titleView->sizeHint() : titleView->size();
+        const int tw = std::min(size.width(), available);
+        const int th = std::min(size.height() > 0 ? size.height() : h, h);
+        const int x = std::clamp((w - tw) / 2, leftEdge, std::max(leftEdge, rightEdge - tw));
+        titleView->setGeometry(x, (h - th) / 2, tw, th);
+    }
+    if (!m_titleLabel->isHidden()) {
+        const QString title = m_topItem ? m_topItem->title() : QString();
+        const int full = m_titleLabel->fontMetrics().horizontalAdvance(title) + 4;
+        const int tw = std::min(full, available);
+        m_titleLabel->setText(m_titleLabel->fontMetrics().elidedText(title, Qt::ElideRight, tw));
+        const int x = std::clamp((w - tw) / 2, leftEdge, std::max(leftEdge, rightEdge - tw));
+        m_titleLabel->setGeometry(x, 0, tw, h);
+    }
+}
+
+} // namespace Brightmere

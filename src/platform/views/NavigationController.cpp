@@ -1,0 +1,282 @@
+#include "NavigationController.h"
+
+#include "NavigationBar.h"
+#include "ViewController.h"
+#include "core/BMLogger.h"
+
+#include <QPointer>
+#include <QShowEvent>
+#include <QStackedWidget>
+
+namespace Brightmere {
+
+namespace {
+const QString kModule = QStringLiteral("NavigationController");
+
+QString nameOf(const QObject *object)
+{
+    return object ? QString::fromUtf8(object->metaObject()->className()) : QStringLiteral("(null)");
+}
+} // namespace
+
+NavigationController::NavigationController(ViewController *rootViewController, QWidget *parent)
+    : QWidget(parent)
+{
+    m_content = new QStackedWidget(this);
+    m_bar = new NavigationBar(this);
+    connect(m_bar, &NavigationBar::backRequested, this, [this] { popViewControllerAnimated(true); });
+    connect(m_bar, &NavigationBar::placementChanged, this, &NavigationController::layoutContent);
+
+    if (!rootViewController) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "created without a root screen");
+    } else if (rootViewController->navigationController()) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "the root screen %@ is already in a navigation stack",
+                                                 nameOf(rootViewController));
+    } else {
+        adopt(rootViewController);
+        m_stack.append(rootViewController);
+    }
+    showTop();
+    layoutContent();
+}
+
+NavigationController::~NavigationController()
+{
+    // The controllers die with the content widget after this object's
+    // members are gone; they must not call back into it.
+    for (ViewController *viewController : std::as_const(m_stack))
+        disconnect(viewController, nullptr, this, nullptr);
+    m_stack.clear();
+}
+
+void NavigationController::pushViewController(ViewController *viewController, bool animated)
+{
+    if (!viewController) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "asked to push no screen");
+        return;
+    }
+    QPointer<ViewController> guard(viewController);
+    if (deferIfBusy([this, guard, animated] {
+            if (guard)
+                pushViewController(guard.data(), animated);
+        }))
+        return;
+    if (m_stack.contains(viewController) || viewController->navigationController()) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "%@ is already in a navigation stack; not pushed",
+                                                 nameOf(viewController));
+        return;
+    }
+
+    m_inTransition = true;
+    ViewController *old = topViewController();
+    adopt(viewController);
+    m_stack.append(viewController);
+    viewController->loadViewIfNeeded();
+    if (m_shown) {
+        if (old)
+            old->beginAppearanceTransition(false, animated);
+        viewController->beginAppearanceTransition(true, animated);
+        showTop();
+        if (old)
+            old->endAppearanceTransition();
+        if (guard)
+            viewController->endAppearanceTransition();
+    } else {
+        showTop();
+    }
+    finishTransition();
+}
+
+ViewController *NavigationController::popViewControllerAnimated(bool animated)
+{
+    if (deferIfBusy([this, animated] { popViewControllerAnimated(animated); }))
+        return nullptr;
+    if (m_stack.size() <= 1) {
+        BMLogger::sharedInstance().logFromModule(kModule, 1, "nothing to pop: the root screen stays");
+        return nullptr;
+    }
+    const QList<ViewController *> popped = popTo(int(m_stack.size()) - 2, animated);
+    return popped.isEmpty() ? nullptr : popped.last();
+}
+
+QList<ViewController *> NavigationController::popToRootViewControllerAnimated(bool animated)
+{
+    if (deferIfBusy([this, animated] { popToRootViewControllerAnimated(animated); }))
+        return {};
+    if (m_stack.size() <= 1)
+        return {};
+    return popTo(0, animated);
+}
+
+QList<ViewController *> NavigationController::popToViewController(ViewController *viewController, bool animated)
+{
+    QPointer<ViewController> guard(viewController);
+    if (deferIfBusy([this, guard, animated] {
+            if (guard)
+                popToViewController(guard.data(), animated);
+        }))
+        return {};
+    const int index = int(m_stack.indexOf(viewController));
+    if (index < 0) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "cannot pop to %@: it is not on the stack",
+                                                 nameOf(viewController));
+        return {};
+    }
+    if (index == m_stack.size() - 1)
+        return {};
+    return popTo(index, animated);
+}
+
+bool NavigationController::isNavigationBarHidden() const
+{
+    return m_bar->isHidden();
+}
+
+void NavigationController::setNavigationBarHidden(bool hidden, bool animated)
+{
+    Q_UNUSED(animated)
+    m_bar->setHidden(hidden);
+}
+
+QSize NavigationController::sizeHint() const
+{
+    const int barHeight = m_bar->isHidden() ? 0 : m_bar->sizeHint().height();
+    // Screens without a layout have no size hint; a phone-sized stack then.
+    QSize content = m_content->sizeHint();
+    if (!content.isValid())
+        content = QSize(390, 800);
+    return content.expandedTo(QSize(m_bar->sizeHint().width(), 0)) + QSize(0, barHeight);
+}
+
+void NavigationController::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (event->spontaneous() || m_shown)
+        return;
+    m_shown = true;
+    if (ViewController *top = topViewController()) {
+        top->beginAppearanceTransition(true, false);
+        top->endAppearanceTransition();
+    }
+}
+
+void NavigationController::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    if (event->spontaneous() || !m_shown)
+        return;
+    m_shown = false;
+    if (ViewController *top = topViewController()) {
+        top->beginAppearanceTransition(false, false);
+        top->endAppearanceTransition();
+    }
+}
+
+void NavigationController::resizeEvent(QResizeEvent *)
+{
+    layoutContent();
+}
+
+bool NavigationController::deferIfBusy(std::function<void()> operation)
+{
+    if (!m_inTransition)
+        return false;
+    BMLogger::sharedInstance().logFromModule(kModule, 1, "a transition is running; the next one waits for it");
+    m_pending.push_back(std::move(operation));
+    return true;
+}
+
+void NavigationController::finishTransition()
+{
+    m_inTransition = false;
+    while (!m_pending.empty() && !m_inTransition) {
+        auto operation = std::move(m_pending.front());
+        m_pending.pop_front();
+        operation();
+    }
+}
+
+QList<ViewController *> NavigationController::popTo(int index, bool animated)
+{
+    m_inTransition = true;
+    QPointer<ViewController> top = topViewController();
+    QPointer<ViewController> newTop = m_stack.at(index);
+    QList<QPointer<ViewController>> popped;
+    for (ViewController *viewController : m_stack.mid(index + 1))
+        popped.append(viewController);
+    m_stack.resize(index + 1);
+    if (m_shown) {
+        top->beginAppearanceTransition(false, animated);
+        if (newTop)
+            newTop->beginAppearanceTransition(true, animated);
+        showTop();
+        if (top)
+            top->endAppearanceTransition();
+        if (newTop)
+            newTop->endAppearanceTransition();
+    } else {
+        showTop();
+    }
+    // A lifecycle call may have deleted one of them already.
+    QList<ViewController *> released;
+    for (const QPointer<ViewController> &viewController : popped) {
+        if (viewController) {
+            released.append(viewController.data());
+            release(viewController.data());
+        }
+    }
+    finishTransition();
+    return released;
+}
+
+void NavigationController::adopt(ViewController *viewController)
+{
+    viewController->setNavigationController(this);
+    m_content->addWidget(viewController);
+    connect(viewController, &QObject::destroyed, this, &NavigationController::forget);
+}
+
+void NavigationController::release(ViewController *viewController)
+{
+    disconnect(viewController, &QObject::destroyed, this, &NavigationController::forget);
+    m_content->removeWidget(viewController);
+    viewController->hide();
+    viewController->setNavigationController(nullptr);
+    viewController->deleteLater();
+}
+
+void NavigationController::showTop()
+{
+    ViewController *top = topViewController();
+    if (!top) {
+        m_bar->setTopItem(nullptr);
+        return;
+    }
+    m_content->setCurrentWidget(top);
+    ViewController *under = m_stack.size() > 1 ? m_stack.at(m_stack.size() - 2) : nullptr;
+    m_bar->setTopItem(top->navigationItem(), under ? under->navigationItem() : nullptr);
+}
+
+void NavigationController::layoutContent()
+{
+    const int barHeight = m_bar->isHidden() ? 0 : m_bar->sizeHint().height();
+    m_bar->setGeometry(0, 0, width(), barHeight);
+    // A translucent bar lies over the content, as on the phone.
+    const int top = (m_bar->isHidden() || m_bar->isTranslucent()) ? 0 : barHeight;
+    m_content->setGeometry(0, top, width(), std::max(0, height() - top));
+    m_bar->raise();
+}
+
+void NavigationController::forget(QObject *viewController)
+{
+    for (qsizetype i = 0; i < m_stack.size(); ++i) {
+        if (static_cast<QObject *>(m_stack.at(i)) == viewController) {
+            m_stack.removeAt(i);
+            BMLogger::sharedInstance().logFromModule(kModule, 2, "a screen on the stack was deleted from outside");
+            showTop();
+            return;
+        }
+    }
+}
+
+} // namespace Brightmere

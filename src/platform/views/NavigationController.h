@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+#include <deque>
+#include <functional>
+
+class QStackedWidget;
+
+namespace Brightmere {
+
+class NavigationBar;
+class ViewController;
+
+// A stack of screens under a navigation bar. It owns the controllers on its
+// stack and drives their lifecycle in the platform's order:
+//
+//   push:        new did load (once), old will disappear, new will appear,
+//                old did disappear, new did appear
+//   pop:         top will disappear, new top will appear, top did
+//                disappear, new top did appear
+//   pop to root: as pop, with only the top and the root told; the screens
+//                in between leave silently
+//
+// The top controller appears when this widget is shown and disappears when
+// it is hidden; while hidden, pushes and pops change the stack only. Popped
+// controllers are released (deleteLater) after their did disappear. The
+// animated flag is passed through; transitions are instant. A push or pop
+// asked for from inside a lifecycle call runs once the current transition
+// has finished.
+class NavigationController : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit NavigationController(ViewController *rootViewController, QWidget *parent = nullptr);
+    ~NavigationController() override;
+
+    void pushViewController(ViewController *viewController, bool animated);
+    // Each returns what left the stack (nothing at the root, or when the
+    // call had to wait for a running transition).
+    ViewController *popViewControllerAnimated(bool animated);
+    QList<ViewController *> popToRootViewControllerAnimated(bool animated);
+    QList<ViewController *> popToViewController(ViewController *viewController, bool animated);
+
+    QList<ViewController *> viewControllers() const { return m_stack; }
+    ViewController *topViewController() const { return m_stack.isEmpty() ? nullptr : m_stack.last(); }
+    NavigationBar *navigationBar() const { return m_bar; }
+
+    bool isNavigationBarHidden() const;
+    void setNavigationBarHidden(bool hidden, bool animated);
+
+    QSize sizeHint() const override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    bool deferIfBusy(std::function<void()> operation);
+    void finishTransition();
+    QList<ViewController *> popTo(int index, bool animated);
+    void adopt(ViewController *viewController);
+    void release(ViewController *viewController);
+    void showTop();
+    void layoutContent();
+    void forget(QObject *viewController);
+
+    NavigationBar *m_bar = nullptr;
+    QStackedWidget *m_content = nullptr;
+    QList<ViewController *> m_stack;
+    bool m_shown = false;
+    bool m_inTransition = false;
+    std::deque<std::function<void()>> m_pending;
+};
+
+} // namespace Brightmere
