@@ -20,6 +20,27 @@ function(brightmere_add_library target)
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         FILE_SET HEADERS DESTINATION ${BRIGHTMERE_INCLUDE_DIR})
+    # Deferred arguments are expanded only when the call runs: pass the name as text.
+    cmake_language(EVAL CODE
+        "cmake_language(DEFER DIRECTORY [[${PROJECT_SOURCE_DIR}]] CALL _brightmere_refresh_autogen [[${target}]])")
+endfunction()
+
+# With Ninja, moc's step reruns only when a file it saw last time changes, so
+# a class added to an area's list would never be moc'ed in an existing build
+# tree. When a library's file list changes, drop the step's stamp so it runs.
+function(_brightmere_refresh_autogen target)
+    get_target_property(sources ${target} SOURCES)
+    get_target_property(headers ${target} HEADER_SET)
+    get_target_property(binary_dir ${target} BINARY_DIR)
+    string(SHA1 hash "${sources};${headers}")
+    set(record "${binary_dir}/CMakeFiles/${target}_sources.sha1")
+    if(EXISTS "${record}")
+        file(READ "${record}" previous)
+        if(NOT previous STREQUAL hash)
+            file(REMOVE "${binary_dir}/${target}_autogen/timestamp")
+        endif()
+    endif()
+    file(WRITE "${record}" "${hash}")
 endfunction()
 
 # brightmere_target_sources(<target> <Class> ...)
