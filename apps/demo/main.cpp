@@ -1,15 +1,19 @@
 // The demo host: how a newcomer runs the kit. It embeds the kit the way a
-// customer's application does. With --screenshot it renders its window to a
-// PNG and exits, which is how it runs where there is no display.
-#include "resources/FrameworkBundle.h"
+// customer's application does: a navigation stack with the kit's screen on
+// top, a Wi-Fi tester from the core library's factory (the simulated home
+// network unless BRIGHTMERE_DOWNLOAD_URL names a file to measure for real).
+// With --screenshot it renders its window to a PNG and exits, which is how
+// it runs where there is no display.
+#include "DemoHomeViewController.h"
+
+#include "core/BMSDKBackend.h"
+#include "platform/views/NavigationController.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QLabel>
-#include <QMainWindow>
 #include <QTextStream>
 #include <QTimer>
-#include <QVBoxLayout>
+#include <QUrl>
 
 int main(int argc, char *argv[])
 {
@@ -21,38 +25,28 @@ int main(int argc, char *argv[])
     parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
     parser.addHelpOption();
     QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                  QStringLiteral("Render the window to <file> (PNG) and exit."),
+                                  QStringLiteral("Run a few seconds, render the window to <file> (PNG) and exit."),
                                   QStringLiteral("file"));
     parser.addOption(screenshot);
     parser.process(app);
 
-    QMainWindow window;
-    window.setWindowTitle(QStringLiteral("Brightmere demo"));
-    auto *central = new QWidget(&window);
-    auto *layout = new QVBoxLayout(central);
-    auto *name = new QLabel(QStringLiteral("BrightmereMobileSDKUI"), central);
-    QFont font = name->font();
-    font.setPointSize(20);
-    font.setBold(true);
-    name->setFont(font);
-    name->setAlignment(Qt::AlignCenter);
-    auto *version = new QLabel(QStringLiteral("version %1 (build %2)")
-                                   .arg(Brightmere::FrameworkBundle::shortVersion(),
-                                        Brightmere::FrameworkBundle::buildVersion()),
-                               central);
-    version->setAlignment(Qt::AlignCenter);
-    layout->addStretch();
-    layout->addWidget(name);
-    layout->addWidget(version);
-    layout->addStretch();
-    window.setCentralWidget(central);
-    window.resize(390, 844);
-    window.show();
+    const QString downloadUrl = qEnvironmentVariable("BRIGHTMERE_DOWNLOAD_URL");
+    if (!downloadUrl.isEmpty()) {
+        BMSDKBackend::setKind(BMSDKBackend::Kind::System);
+        BMSDKBackend::setSystemDownloadUrl(QUrl(downloadUrl));
+    }
+
+    auto *home = new DemoHomeViewController;
+    Brightmere::NavigationController navigation(home);
+    navigation.setWindowTitle(QStringLiteral("Brightmere demo"));
+    navigation.resize(390, 700);
+    navigation.show();
 
     if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
-        QTimer::singleShot(0, &window, [&window, path] {
-            const bool saved = window.grab().save(path);
+        // Long enough for the tester to set up and deliver a few results.
+        QTimer::singleShot(3000, &navigation, [&navigation, path] {
+            const bool saved = navigation.grab().save(path);
             QTextStream(stdout) << (saved ? "Saved the demo window to " : "Could not save ") << path << '\n';
             QApplication::exit(saved ? 0 : 1);
         });
