@@ -8,7 +8,7 @@ build_dir=${BRIGHTMERE_BUILD_DIR:-"$root/build"}
 
 packages=(
     g++ cmake ninja-build pkg-config
-    qt6-base-dev qt6-charts-dev qt6-multimedia-dev qt6-httpserver-dev qt6-svg-dev
+    qt6-base-dev qt6-charts-dev qt6-multimedia-dev qt6-httpserver-dev qt6-websockets-dev qt6-svg-dev
     libqt6svg6 qt6-image-formats-plugins fonts-dejavu-core
 )
 
