@@ -257,6 +257,7 @@ private:
     void onReadyRead();
     void onTimeout();
     void onFinished();
+    void stopTooLarge();
     void fail(int statusCode, const BMError &error, bool connectivity);
     QString address() const { return url.toString(QUrl::RemoveQuery | QUrl::RemoveUserInfo); }
 
@@ -297,10 +298,23 @@ void BMSDKHTTPSessionManager::Request::onMetaDataChanged()
     const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
     if (length.isValid() && length.toLongLong() > maximumResponseSize) {
         // Stop before reading a body that would be refused anyway.
-        m_abort = Abort::TooLarge;
         m_declaredSize = length.toLongLong();
-        m_reply->abort();
+        stopTooLarge();
     }
+}
+
+void BMSDKHTTPSessionManager::Request::stopTooLarge()
+{
+    m_abort = Abort::TooLarge;
+    m_body.clear();
+    if (m_reply->error() == QNetworkReply::NoError) {
+        m_reply->abort();
+        return;
+    }
+    // A reply that already failed with its HTTP status cannot be aborted
+    // again; the outcome is known, so finish now and let deleting the reply
+    // cancel the transfer.
+    onFinished();
 }
 
 void BMSDKHTTPSessionManager::Request::onReadyRead()
@@ -308,11 +322,8 @@ void BMSDKHTTPSessionManager::Request::onReadyRead()
     if (m_abort != Abort::None || m_done)
         return;
     m_body += m_reply->readAll();
-    if (m_body.size() > maximumResponseSize) {
-        m_abort = Abort::TooLarge;
-        m_body.clear();
-        m_reply->abort();
-    }
+    if (m_body.size() > maximumResponseSize)
+        stopTooLarge();
 }
 
 void BMSDKHTTPSessionManager::Request::onTimeout()
@@ -320,7 +331,10 @@ void BMSDKHTTPSessionManager::Request::onTimeout()
     if (m_abort != Abort::None || m_done)
         return;
     m_abort = Abort::TimedOut;
-    m_reply->abort();
+    if (m_reply->error() == QNetworkReply::NoError)
+        m_reply->abort();
+    else
+        onFinished();
 }
 
 void BMSDKHTTPSessionManager::Request::onFinished()
