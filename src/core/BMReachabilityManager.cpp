@@ -140,12 +140,16 @@ void BMReachabilityManager::attachSystemBackend()
 {
     if (!m_systemConnections.isEmpty())
         return;
-    if (!QNetworkInformation::instance() && !QNetworkInformation::loadDefaultBackend()) {
+    // The platform's default first; where that one cannot run (no
+    // NetworkManager on the system bus, say), any that knows reachability.
+    if (!QNetworkInformation::instance() && !QNetworkInformation::loadDefaultBackend()
+        && !QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability)) {
         if (!m_systemUnavailableLogged) {
             m_systemUnavailableLogged = true;
             BMLogger::sharedInstance().logFromModule(
-                kModule, 2, "no network information backend could be loaded (available: %@); reachability reads as not reachable",
-                QNetworkInformation::availableBackends().join(QStringLiteral(", ")));
+                kModule, 2, "no network information backend could be loaded (available: %@); %@",
+                QNetworkInformation::availableBackends().join(QStringLiteral(", ")),
+                "reachability reads as not reachable");
         }
         return;
     }

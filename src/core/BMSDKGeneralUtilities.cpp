@@ -4,7 +4,6 @@
 
 #include <QLocale>
 #include <QMutex>
-#include <QUrl>
 
 namespace {
 
@@ -74,9 +73,26 @@ QString BMSDKGeneralUtilities::language()
 
 QString BMSDKGeneralUtilities::urlEncode(const QString &text)
 {
-    // Unreserved characters are never encoded; these are kept besides them.
-    static const QByteArray kKept = QByteArrayLiteral(":/?#[]@!$&'()*+,;=%");
-    return QString::fromLatin1(QUrl::toPercentEncoding(text, kKept));
+    // QUrl::toPercentEncoding always encodes "%", which would encode again
+    // what a caller already encoded; hence a loop of our own.
+    static const QByteArray kKept = QByteArrayLiteral(":/?#[]@!$&'()*+,;=%-._~");
+    static const char kHex[] = "0123456789ABCDEF";
+    const QByteArray utf8 = text.toUtf8();
+    QString encoded;
+    encoded.reserve(utf8.size());
+    for (const char c : utf8) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool alphanumeric =
+            (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        if (alphanumeric || (byte < 0x80 && kKept.contains(c))) {
+            encoded += QLatin1Char(c);
+        } else {
+            encoded += u'%';
+            encoded += QLatin1Char(kHex[byte >> 4]);
+            encoded += QLatin1Char(kHex[byte & 0x0f]);
+        }
+    }
+    return encoded;
 }
 
 QString BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(const QDateTime &date)

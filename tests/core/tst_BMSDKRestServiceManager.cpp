@@ -145,7 +145,8 @@ private:
             socket->write(QByteArray(64 * 1024, ' '));
             break;
         case Behaviour::CutMidBody:
-            socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 1000\r\n\r\n{\"code\":");
+            socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 1000\r\n\r\n"
+                          "{\"code\":");
             socket->flush();
             socket->disconnectFromHost();
             break;
@@ -328,7 +329,8 @@ void tst_BMSDKRestServiceManager::tokenThenGetDeliversTheEnvelopeWithTheBearerTo
     QCOMPARE(outcome.task->url().path(), QStringLiteral("/api/v2/message/info"));
     QCOMPARE(outcome.response.value(kRestServiceResponseCodeKey).toInt(), kRestServiceResponseCodeSuccessValue);
     QCOMPARE(outcome.response.value(kRestServiceResponseMessageKey).toString(), QStringLiteral("OK"));
-    const QVariantList bundles = outcome.response.value(kRestServiceResponseDataKey).toMap().value("bundleArray").toList();
+    const QVariantMap data = outcome.response.value(kRestServiceResponseDataKey).toMap();
+    const QVariantList bundles = data.value("bundleArray").toList();
     QCOMPARE(bundles.size(), 1);
     QCOMPARE(bundles.first().toMap().value("_id").toString(), QStringLiteral("en"));
     QCOMPARE(bundles.first().toMap().value("ts").toInt(), 7);
