@@ -16,8 +16,8 @@ class QThread;
 // The HTTP client of the core library. Requests run on one network thread
 // shared by the whole process, where the one QNetworkAccessManager lives;
 // requests may be started from any thread, and their handlers run on the
-// network thread (as the phone core library calls its handlers on its own
-// network callback thread), each request's exactly once.
+// network thread, each request's exactly once. Callers that touch the UI
+// from a handler move to the main thread first.
 //
 // A reply is handled in a fixed order: transport error or timeout, HTTP
 // status (non-2xx fails with the status as code), size cap (checked against
