@@ -8,8 +8,9 @@ build_dir=${BRIGHTMERE_BUILD_DIR:-"$root/build"}
 
 packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-charts-dev qt6-multimedia-dev qt6-httpserver-dev qt6-svg-dev
-    libqt6svg6 fonts-dejavu-core
+    qt6-base-dev qt6-charts-dev qt6-multimedia-dev qt6-svg-dev libqt6svg6 fonts-dejavu-core
+    # Qt HttpServer's CMake package needs Qt WebSockets but does not pull it in.
+    qt6-httpserver-dev qt6-websockets-dev
 )
 
 missing=()

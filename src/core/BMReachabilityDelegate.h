@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+// What a subscriber of BMReachabilityManager implements. Called on the main
+// thread each time the reachability status changes, with the new status
+// (0 not reachable, 1 Wi-Fi, 2 another medium) and the Wi-Fi network's BSSID
+// and SSID (empty when not known).
+class BMReachabilityDelegate
+{
+public:
+    virtual ~BMReachabilityDelegate() = default;
+
+    virtual void reachabilityHasChanged(int status, const QString &withBSSID, const QString &withSSID) = 0;
+};

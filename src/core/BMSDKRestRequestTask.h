@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QMetaType>
+#include <QUrl>
+
+// What handlers learn about the request they answer: which request it was
+// (a number unique in the process), the address asked and the HTTP status of
+// the answer (0 when no HTTP answer arrived: refused, timed out, cut off
+// before the headers).
+class BMSDKRestRequestTask
+{
+public:
+    BMSDKRestRequestTask() = default;
+    BMSDKRestRequestTask(quint64 taskIdentifier, const QUrl &url, int statusCode = 0);
+
+    quint64 taskIdentifier() const { return m_taskIdentifier; }
+    QUrl url() const { return m_url; }
+    int statusCode() const { return m_statusCode; }
+
+    friend bool operator==(const BMSDKRestRequestTask &, const BMSDKRestRequestTask &) = default;
+
+private:
+    quint64 m_taskIdentifier = 0;
+    QUrl m_url;
+    int m_statusCode = 0;
+};
+
+Q_DECLARE_METATYPE(BMSDKRestRequestTask)
