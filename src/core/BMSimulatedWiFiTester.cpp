@@ -37,16 +37,6 @@ void BMSimulatedWiFiTester::stopMeasuring()
     }
 }
 
-QString BMSimulatedWiFiTester::currentSsid() const
-{
-    return BMSimulatedNetwork::shared().ssid();
-}
-
-QString BMSimulatedWiFiTester::currentBssid() const
-{
-    return BMSimulatedNetwork::shared().bssid();
-}
-
 void BMSimulatedWiFiTester::tick()
 {
     if (!BMSimulatedNetwork::shared().isOnWifi()) {

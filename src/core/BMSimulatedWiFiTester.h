@@ -26,8 +26,6 @@ public:
 protected:
     void startMeasuring() override;
     void stopMeasuring() override;
-    QString currentSsid() const override;
-    QString currentBssid() const override;
 
 private:
     void tick();

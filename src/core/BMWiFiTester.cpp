@@ -1,6 +1,7 @@
 #include "BMWiFiTester.h"
 
 #include "BMLogger.h"
+#include "BMSDKNetworkUtilities.h"
 #include "BMSDKBackend.h"
 #include "BMWiFiTesterDelegate.h"
 #include "WifiTestResult.h"
@@ -105,12 +106,12 @@ void BMWiFiTester::setCredentials(const QString &customer, const QString &passwo
 
 QString BMWiFiTester::currentSsid() const
 {
-    return {};
+    return BMSDKNetworkUtilities::currentWifiSSID().value_or(QString());
 }
 
 QString BMWiFiTester::currentBssid() const
 {
-    return {};
+    return BMSDKNetworkUtilities::currentWifiBSSID().value_or(QString());
 }
 
 QString BMWiFiTester::moduleName() const

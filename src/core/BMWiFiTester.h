@@ -77,9 +77,9 @@ protected:
     virtual void startMeasuring() = 0;
     virtual void stopMeasuring() = 0;
 
-    // Names of the network the results are measured on.
-    virtual QString currentSsid() const;
-    virtual QString currentBssid() const;
+    // Names of the network the results are measured on (empty off Wi-Fi).
+    QString currentSsid() const;
+    QString currentBssid() const;
 
     // The clock of the current test (taken when it starts).
     Brightmere::Clock &clock() const { return *m_clock; }
