@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BMSimulatedNetwork.h"
+
 #include "BMSDKBackend.h"
 
 #include <QList>
@@ -25,9 +27,10 @@ class BMReachabilityManager : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int kNotReachable = 0;
-    static constexpr int kReachableViaWiFi = 1;
-    static constexpr int kReachableViaOther = 2;
+    // The simulated world speaks the same status values.
+    static constexpr int kNotReachable = BMSimulatedNetwork::kNotReachable;
+    static constexpr int kReachableViaWiFi = BMSimulatedNetwork::kReachableViaWiFi;
+    static constexpr int kReachableViaOther = BMSimulatedNetwork::kReachableViaOther;
 
     // Lives on the main thread.
     static BMReachabilityManager *sharedInstance();
