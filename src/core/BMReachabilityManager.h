@@ -1,8 +1,7 @@
 #pragma once
 
-#include "BMSimulatedNetwork.h"
-
 #include "BMSDKBackend.h"
+#include "BMSimulatedNetwork.h"
 
 #include <QList>
 #include <QMutex>
