@@ -12,7 +12,7 @@ namespace Brightmere {
 
 namespace {
 
-struct Spec
+struct Directive
 {
     bool leftAlign = false;
     bool plusSign = false;
@@ -23,40 +23,40 @@ struct Spec
     int precision = -1;
 };
 
-QString pad(QString text, const Spec &spec)
+QString pad(QString text, const Directive &directive)
 {
-    if (spec.width <= text.size())
+    if (directive.width <= text.size())
         return text;
-    const int fill = int(spec.width - text.size());
-    if (spec.leftAlign)
+    const int fill = int(directive.width - text.size());
+    if (directive.leftAlign)
         return text + QString(fill, u' ');
-    if (spec.zeroPad) {
+    if (directive.zeroPad) {
         int signLength = (text.startsWith(u'-') || text.startsWith(u'+') || text.startsWith(u' ')) ? 1 : 0;
         return text.left(signLength) + QString(fill, u'0') + text.mid(signLength);
     }
     return QString(fill, u' ') + text;
 }
 
-QString withSign(const QString &digits, bool negative, const Spec &spec)
+QString withSign(const QString &digits, bool negative, const Directive &directive)
 {
     if (negative)
         return u'-' + digits;
-    if (spec.plusSign)
+    if (directive.plusSign)
         return u'+' + digits;
-    if (spec.space)
+    if (directive.space)
         return u' ' + digits;
     return digits;
 }
 
-QString formatInteger(const QVariant &value, QChar conversion, const Spec &spec)
+QString formatInteger(const QVariant &value, QChar conversion, const Directive &directive)
 {
     if (conversion == u'd' || conversion == u'i') {
         const qlonglong n = value.toLongLong();
         const qulonglong magnitude = n < 0 ? qulonglong(0) - qulonglong(n) : qulonglong(n);
         QString digits = QString::number(magnitude);
-        if (spec.precision >= 0 && digits.size() < spec.precision)
-            digits.prepend(QString(spec.precision - digits.size(), u'0'));
-        return withSign(digits, n < 0, spec);
+        if (directive.precision >= 0 && digits.size() < directive.precision)
+            digits.prepend(QString(directive.precision - digits.size(), u'0'));
+        return withSign(digits, n < 0, directive);
     }
     const qulonglong n = value.typeId() == QMetaType::Double ? qulonglong(value.toDouble())
                                                              : value.toULongLong();
@@ -68,23 +68,23 @@ QString formatInteger(const QVariant &value, QChar conversion, const Spec &spec)
     QString digits = QString::number(n, base);
     if (conversion == u'X')
         digits = digits.toUpper();
-    if (spec.precision >= 0 && digits.size() < spec.precision)
-        digits.prepend(QString(spec.precision - digits.size(), u'0'));
-    if (spec.alternate && n != 0 && base == 16)
+    if (directive.precision >= 0 && digits.size() < directive.precision)
+        digits.prepend(QString(directive.precision - digits.size(), u'0'));
+    if (directive.alternate && n != 0 && base == 16)
         digits.prepend(conversion == u'X' ? QStringLiteral("0X") : QStringLiteral("0x"));
     return digits;
 }
 
-QString formatFloating(double value, QChar conversion, const Spec &spec)
+QString formatFloating(double value, QChar conversion, const Directive &directive)
 {
     // The C library's own rounding (to the nearest binary value, ties to
     // even), so "%.2f" prints exactly what the platform's formatter prints.
-    const int precision = spec.precision >= 0 ? std::min(spec.precision, 60) : 6;
+    const int precision = directive.precision >= 0 ? std::min(directive.precision, 60) : 6;
     char format[8] = {'%', '.', '*', char(conversion.toLatin1()), '\0'};
     char buffer[512];
     const int length = std::snprintf(buffer, sizeof buffer, format, precision, std::abs(value));
     QString digits = QString::fromLatin1(buffer, std::clamp(length, 0, int(sizeof buffer) - 1));
-    return withSign(digits, std::signbit(value) && !qIsNaN(value), spec);
+    return withSign(digits, std::signbit(value) && !qIsNaN(value), directive);
 }
 
 } // namespace
@@ -137,7 +137,7 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
             ++i;
             continue;
         }
-        Spec spec;
+        Directive directive;
         int position = -1;
         // Positional argument "n$".
         qsizetype j = i;
@@ -150,11 +150,11 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
         }
         for (; i < n; ++i) {
             const QChar f = format.at(i);
-            if (f == u'-') spec.leftAlign = true;
-            else if (f == u'+') spec.plusSign = true;
-            else if (f == u' ') spec.space = true;
-            else if (f == u'0') spec.zeroPad = true;
-            else if (f == u'#') spec.alternate = true;
+            if (f == u'-') directive.leftAlign = true;
+            else if (f == u'+') directive.plusSign = true;
+            else if (f == u' ') directive.space = true;
+            else if (f == u'0') directive.zeroPad = true;
+            else if (f == u'#') directive.alternate = true;
             else break;
         }
         auto readNumber = [&](int &target) {
@@ -170,11 +170,11 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
                     target = target * 10 + format.at(i++).digitValue();
             }
         };
-        readNumber(spec.width);
+        readNumber(directive.width);
         if (i < n && format.at(i) == u'.') {
             ++i;
-            spec.precision = 0;
-            readNumber(spec.precision);
+            directive.precision = 0;
+            readNumber(directive.precision);
         }
         while (i < n && QStringView(u"hlLqjzt").contains(format.at(i)))
             ++i;
@@ -190,22 +190,22 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
         switch (conversion.unicode()) {
         case u'@':
             text = describe(argument);
-            if (spec.precision >= 0)
-                text.truncate(spec.precision);
+            if (directive.precision >= 0)
+                text.truncate(directive.precision);
             break;
         case u's':
             text = present ? argument.toString() : QStringLiteral("(null)");
-            if (spec.precision >= 0)
-                text.truncate(spec.precision);
+            if (directive.precision >= 0)
+                text.truncate(directive.precision);
             break;
         case u'c':
             text = present ? QString(QChar(char16_t(argument.toUInt()))) : QString();
             break;
         case u'd': case u'i': case u'u': case u'x': case u'X': case u'o':
-            text = formatInteger(argument, conversion, spec);
+            text = formatInteger(argument, conversion, directive);
             break;
         case u'f': case u'F': case u'e': case u'E': case u'g': case u'G':
-            text = formatFloating(argument.toDouble(), conversion, spec);
+            text = formatFloating(argument.toDouble(), conversion, directive);
             break;
         default:
             // Not a conversion we know: keep the text as written.
@@ -214,7 +214,7 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
                 --nextArgument;
             continue;
         }
-        out += pad(text, spec);
+        out += pad(text, directive);
     }
     return out;
 }
