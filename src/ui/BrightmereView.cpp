@@ -1,0 +1,169 @@
+#include "BrightmereView.h"
+
+#include "core/BMLogger.h"
+
+#include <QHash>
+#include <QMutex>
+#include <QMutexLocker>
+
+#include <mutex>
+
+namespace Brightmere::View {
+
+namespace {
+
+const QString kModule = QStringLiteral("BrightmereView");
+
+void registerSubstitutions()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        const QStringList substitutes{QStringLiteral("DejaVu Sans"), QStringLiteral("Sans Serif")};
+        for (const char *family : {kFontSemibold, kFontBold, kFontLight, kFontRegular})
+            QFont::insertSubstitutions(QString::fromLatin1(family), substitutes);
+    });
+}
+
+// The weight each face is drawn with when a substitute stands in for it.
+QFont::Weight faceWeight(int weight)
+{
+    if (weight >= QFont::Bold)
+        return QFont::Bold;
+    if (weight >= QFont::DemiBold)
+        return QFont::DemiBold;
+    if (weight <= QFont::Light)
+        return QFont::Light;
+    return QFont::Normal;
+}
+
+struct NibRegistry
+{
+    QMutex mutex;
+    QHash<QString, NibFactory> factories;
+};
+
+NibRegistry &nibRegistry()
+{
+    static NibRegistry registry;
+    return registry;
+}
+
+bool resign(QWidget *widget)
+{
+    QWidget *window = widget->window();
+    if (window && window->focusWidget() == widget) {
+        widget->clearFocus();
+        return true;
+    }
+    for (QObject *child : widget->children()) {
+        if (child->isWidgetType() && resign(static_cast<QWidget *>(child)))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+QString fontFamilyForWeight(int weight)
+{
+    switch (faceWeight(weight)) {
+    case QFont::Bold:
+        return QString::fromLatin1(kFontBold);
+    case QFont::DemiBold:
+        return QString::fromLatin1(kFontSemibold);
+    case QFont::Light:
+        return QString::fromLatin1(kFontLight);
+    default:
+        return QString::fromLatin1(kFontRegular);
+    }
+}
+
+QFont kitFont(const QFont &font)
+{
+    registerSubstitutions();
+    const QString family = fontFamilyForWeight(font.weight());
+    QFont mapped = font;
+    mapped.setFamilies({family});
+    mapped.setFamily(family);
+    // A style name would win over the weight in font matching.
+    mapped.setStyleName(QString());
+    mapped.setWeight(faceWeight(font.weight()));
+    return mapped;
+}
+
+void setupFont(QWidget *view)
+{
+    if (!view) {
+        BMLogger::sharedInstance().log(kModule, 3, QStringLiteral("setupFont on no widget; nothing to do"));
+        return;
+    }
+    view->setFont(kitFont(view->font()));
+}
+
+void registerNib(const QString &className, NibFactory factory)
+{
+    if (className.isEmpty() || !factory) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3,
+                                                 "form '%@' not registered: it needs a class name and a factory",
+                                                 className);
+        return;
+    }
+    NibRegistry &registry = nibRegistry();
+    QMutexLocker locker(&registry.mutex);
+    if (registry.factories.contains(className))
+        BMLogger::sharedInstance().logFromModule(kModule, 1, "form '%@' registered again; the new factory wins",
+                                                 className);
+    registry.factories.insert(className, std::move(factory));
+}
+
+void unregisterNib(const QString &className)
+{
+    NibRegistry &registry = nibRegistry();
+    QMutexLocker locker(&registry.mutex);
+    registry.factories.remove(className);
+}
+
+bool hasNib(const QString &className)
+{
+    NibRegistry &registry = nibRegistry();
+    QMutexLocker locker(&registry.mutex);
+    return registry.factories.contains(className);
+}
+
+QWidget *loadFromNib(const QString &className, QWidget *parent)
+{
+    NibFactory factory;
+    {
+        NibRegistry &registry = nibRegistry();
+        QMutexLocker locker(&registry.mutex);
+        factory = registry.factories.value(className);
+    }
+    if (!factory) {
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "no form registered for class '%@'", className);
+        return nullptr;
+    }
+    // Called unlocked: a form may load the forms it is made of.
+    QWidget *widget = factory(parent);
+    if (!widget)
+        BMLogger::sharedInstance().logFromModule(kModule, 3, "the form of class '%@' made no widget", className);
+    return widget;
+}
+
+void Detail::discardMistypedNib(QWidget *widget, const char *expectedClassName)
+{
+    BMLogger::sharedInstance().logFromModule(kModule, 3, "the form of class '%@' made a %@; it is discarded",
+                                             QString::fromLatin1(expectedClassName),
+                                             QString::fromLatin1(widget->metaObject()->className()));
+    delete widget;
+}
+
+bool findAndResignFirstResponder(QWidget *view)
+{
+    if (!view) {
+        BMLogger::sharedInstance().log(kModule, 3, QStringLiteral("findAndResignFirstResponder on no widget"));
+        return false;
+    }
+    return resign(view);
+}
+
+} // namespace Brightmere::View
