@@ -1,0 +1,480 @@
+#include "model/FZHistoricalResultSpotsSet.h"
+
+#include "LogCapture.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKBackend.h"
+#include "platform/foundation/ManualClock.h"
+#include "platform/foundation/UserDefaults.h"
+#include "resources/FrameworkBundle.h"
+
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <algorithm>
+#include <array>
+
+using Brightmere::UserDefaults;
+using Set = FZHistoricalResultSpotsSet;
+
+namespace {
+
+const QString kSetsKey = QString::fromLatin1(Set::kSetsDictionaryKey);
+const QString kVersionKey = QString::fromLatin1(Set::kLastDataVersionKey);
+constexpr double kNow = 760000000.0; // 2025-01-31T07:06:40 UTC
+
+QDateTime day(int n)
+{
+    return QDateTime(QDate(2024, 3, 1), QTime(9, 30, 15, 250), Qt::UTC).addDays(n);
+}
+
+WifiTestResult::Ptr spot(const QString &label, double time)
+{
+    auto result = WifiTestResult::create(20.0 + time, time);
+    result->setLabel(label);
+    result->setSsid(QStringLiteral("HomeNet"));
+    result->setBssid(QStringLiteral("a4:2b:b0:5c:17:e2"));
+    return result;
+}
+
+Set::Ptr makeSet(const QString &name, const QStringList &labels, int dayOffset = 0,
+                 const QString &ssid = QStringLiteral("HomeNet"))
+{
+    WifiTestResult::List spots;
+    for (const QString &label : labels)
+        spots.append(spot(label, 1000.0 + spots.size()));
+    return Set::create(name, ssid, day(dayOffset), spots);
+}
+
+QStringList namesOf(const Set::List &sets)
+{
+    QStringList names;
+    for (const Set::Ptr &set : sets)
+        names.append(set->name());
+    return names;
+}
+
+QList<bool> flagsOf(const Set::List &sets)
+{
+    QList<bool> flags;
+    for (const Set::Ptr &set : sets)
+        flags.append(set->isComparable());
+    return flags;
+}
+
+QStringList backupKeys()
+{
+    return UserDefaults::standard().allKeys().filter(QRegularExpression(QStringLiteral("^kSetsDictionaryKey\\.backup\\.")));
+}
+
+// The definition of the listing's mark, pair by pair: a set is comparable
+// when a set not equal to it shares a label with it.
+QList<bool> pairwiseComparable(const Set::List &sets)
+{
+    QSet<Set> marked;
+    for (const Set::Ptr &target : sets) {
+        QStringList labels;
+        for (const auto &s : target->mutableSpots())
+            labels.append(s->label());
+        for (const Set::Ptr &candidate : sets) {
+            if (*candidate == *target)
+                continue;
+            for (const auto &s : candidate->mutableSpots()) {
+                if (labels.contains(s->label()))
+                    marked.insert(*candidate);
+            }
+        }
+    }
+    QList<bool> flags;
+    for (const Set::Ptr &set : sets)
+        flags.append(marked.contains(*set)); // membership by equality and hash
+    return flags;
+}
+
+} // namespace
+
+class tst_FZHistoricalResultSpotsSet : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        m_clock.setNow(kNow);
+        BMSDKBackend::setClock(&m_clock);
+    }
+    void cleanup() { m_env.reset(); }
+
+    void roundTripThroughNewDefaults_data();
+    void roundTripThroughNewDefaults();
+    void versionRecord_data();
+    void versionRecord();
+    void unreadableStoreIsSetAside_data();
+    void unreadableStoreIsSetAside();
+    void laterCopyNeverOverwritesEarlier();
+    void replacementByTitleAndDeletion();
+    void comparableMarking_data();
+    void comparableMarking();
+    void markingAgainstTarget();
+    void labelIndexEqualsPairwise_data();
+    void labelIndexEqualsPairwise();
+    void sortedSpots_data();
+    void sortedSpots();
+    void killedWriterLeavesReadableStore();
+
+private:
+    std::unique_ptr<TestEnvironment> m_env;
+    Brightmere::ManualClock m_clock;
+};
+
+void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults_data()
+{
+    QTest::addColumn<Set::Ptr>("set");
+    auto full = makeSet(QStringLiteral("Home"), {QStringLiteral("Kitchen"), QStringLiteral("Spot 2"), QStringLiteral("Kitchen")});
+    full->setDate(QDateTime(QDate(2024, 7, 1), QTime(23, 59, 59, 999), QTimeZone(7200)));
+    full->mutableSpots().first()->setCoordinate(BMLocationCoordinate2D{40.4168, -3.7038});
+    full->mutableSpots().first()->setAverage(true);
+    QTest::newRow("spots keep order and fields, a local date its instant") << full;
+    QTest::newRow("no spots, non-ASCII title, absent SSID")
+        << Set::create(QStringLiteral("Casa \u00d1and\u00fa \U0001F3E0"), QString(), day(3), {});
+}
+
+void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults()
+{
+    QFETCH(Set::Ptr, set);
+    set->toggleSorting();
+    set->setComparable(true);
+    QVERIFY(Set::saveSpotSet(set));
+
+    // A copy of the file, opened afresh: only what reached the disk counts.
+    const QString copy = m_env->filePath(QStringLiteral("copy.ini"));
+    QVERIFY(QFile::copy(m_env->defaultsFilePath(), copy));
+    UserDefaults::setStandardFilePath(copy);
+    const Set::Ptr read = Set::spotsSetWithName(set->name());
+    QVERIFY(read);
+    QVERIFY(read != set);
+    QCOMPARE(read->name(), set->name());
+    QCOMPARE(read->ssid().isNull(), set->ssid().isNull());
+    QCOMPARE(read->ssid(), set->ssid());
+    QCOMPARE(read->date(), set->date());
+    QCOMPARE(read->date().toMSecsSinceEpoch(), set->date().toMSecsSinceEpoch());
+    QCOMPARE(read->isSortedAscending(), 0);
+    QVERIFY(!read->isComparable());
+    QCOMPARE(read->spotsCount(), set->spotsCount());
+    for (qsizetype i = 0; i < set->spotsCount(); ++i)
+        QVERIFY2(read->spots().at(i)->hasSameValues(*set->spots().at(i)), qPrintable(QString::number(i)));
+}
+
+void tst_FZHistoricalResultSpotsSet::versionRecord_data()
+{
+    QTest::addColumn<bool>("setsStored");
+    QTest::addColumn<QString>("version"); // null: no version record
+    QTest::addColumn<int>("expectedCount");
+    QTest::addColumn<bool>("setAside");
+    QTest::newRow("empty database") << false << QString() << 0 << false;
+    QTest::newRow("sets without a version are set aside") << true << QString() << 0 << true;
+    QTest::newRow("version without sets") << false << QStringLiteral("0.9.3") << 0 << false;
+    QTest::newRow("any older version is read as it is") << true << QStringLiteral("0.1.7") << 2 << false;
+    QTest::newRow("an empty version text still counts") << true << QStringLiteral("") << 2 << false;
+}
+
+void tst_FZHistoricalResultSpotsSet::versionRecord()
+{
+    QFETCH(bool, setsStored);
+    QFETCH(QString, version);
+    QFETCH(int, expectedCount);
+    QFETCH(bool, setAside);
+    UserDefaults &defaults = UserDefaults::standard();
+    const Set::Dictionary stored{{QStringLiteral("A"), makeSet(QStringLiteral("A"), {QStringLiteral("Hall")})},
+                                 {QStringLiteral("B"), makeSet(QStringLiteral("B"), {})}};
+    const QByteArray blob = Set::archiveDictionary(stored);
+    if (setsStored)
+        defaults.setObject(blob, kSetsKey);
+    if (!version.isNull())
+        defaults.setObject(version, kVersionKey);
+
+    LogCapture log;
+    QCOMPARE(Set::allSpotsSets().size(), expectedCount);
+    QCOMPARE(backupKeys().size(), setAside ? 1 : 0);
+    if (setAside) {
+        QCOMPARE(defaults.dataForKey(backupKeys().first()), blob);
+        QVERIFY(log.lines().last().level == 3 && log.lines().last().message.contains(backupKeys().first()));
+    }
+    // Whatever was found, a readable store and a version record are there now.
+    QVERIFY(Set::unarchiveDictionary(defaults.dataForKey(kSetsKey)).has_value());
+    const QString current = Brightmere::FrameworkBundle::shortVersion() + u'.' + Brightmere::FrameworkBundle::buildVersion();
+    QCOMPARE(Set::currentDataVersion(), current);
+    QCOMPARE(*Set::savedDataVersion(), expectedCount ? version : current);
+}
+
+void tst_FZHistoricalResultSpotsSet::unreadableStoreIsSetAside_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    const QByteArray valid = Set::archiveDictionary({{QStringLiteral("Home"), makeSet(QStringLiteral("Home"), {QStringLiteral("Kitchen")})}});
+    QByteArray corrupt = valid;
+    corrupt[corrupt.size() - 5] = char(corrupt.at(corrupt.size() - 5) ^ 0x40);
+    QByteArray future = valid;
+    future[5] = char(Brightmere::Archive::kFormatVersion + 1);
+    QTest::newRow("truncated") << QVariant(valid.left(valid.size() - 10));
+    QTest::newRow("digest mismatch") << QVariant(corrupt);
+    QTest::newRow("future format") << QVariant(future);
+    QTest::newRow("foreign bytes") << QVariant(QByteArray("<plist>not ours</plist>"));
+    QTest::newRow("a text, not data") << QVariant(QStringLiteral("Home"));
+    QTest::newRow("broken nested spots") << QVariant(Brightmere::Archive::write([](QDataStream &s) {
+        s << quint32(1) << QStringLiteral("Home") << QStringLiteral("Home") << QStringLiteral("Net") << day(0)
+          << QByteArray("garbage");
+    }));
+    QTest::newRow("implausible set count") << QVariant(Brightmere::Archive::write([](QDataStream &s) { s << quint32(900000); }));
+}
+
+void tst_FZHistoricalResultSpotsSet::unreadableStoreIsSetAside()
+{
+    QFETCH(QVariant, stored);
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.setObject(stored, kSetsKey);
+    defaults.setObject(QStringLiteral("1.0.0.1"), kVersionKey);
+    LogCapture log;
+    QVERIFY(Set::allSpotsSets().isEmpty());
+
+    const QString expectedKey = QStringLiteral("kSetsDictionaryKey.backup.")
+        + QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).addSecs(qint64(kNow)).toString(QStringLiteral("yyyyMMddTHHmmss"));
+    QCOMPARE(backupKeys(), QStringList{expectedKey});
+    // The copy and the empty store reached the file together.
+    UserDefaults reader(m_env->defaultsFilePath());
+    QCOMPARE(reader.objectForKey(expectedKey), stored);
+    QCOMPARE(Set::unarchiveDictionary(reader.dataForKey(kSetsKey))->size(), 0);
+    QCOMPARE(log.lines().last().level, 3);
+    QVERIFY2(log.lines().last().message.contains(expectedKey), qPrintable(log.text()));
+}
+
+void tst_FZHistoricalResultSpotsSet::laterCopyNeverOverwritesEarlier()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.setObject(QByteArray("first"), kSetsKey);
+    QVERIFY(Set::allSpotsSets().isEmpty()); // no version record: set aside
+    defaults.setObject(QByteArray("second"), kSetsKey);
+    QVERIFY(Set::allSpotsSets().isEmpty()); // unreadable: set aside, same second
+    QStringList keys = backupKeys();
+    keys.sort();
+    QCOMPARE(keys.size(), 2);
+    QCOMPARE(defaults.dataForKey(keys.at(0)), QByteArray("first"));
+    QCOMPARE(defaults.dataForKey(keys.at(1)), QByteArray("second"));
+}
+
+void tst_FZHistoricalResultSpotsSet::replacementByTitleAndDeletion()
+{
+    QVERIFY(Set::saveSetWithName(QStringLiteral("Home"), QStringLiteral("NetA"), day(0), {spot(QStringLiteral("Hall"), 1)}));
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), {QStringLiteral("Desk")}, 1)));
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), {QStringLiteral("Attic")}, 2, QStringLiteral("NetB"))));
+    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{QStringLiteral("Home"), QStringLiteral("Office")}));
+    QCOMPARE(Set::spotsSetWithName(QStringLiteral("Home"))->ssid(), QStringLiteral("NetB"));
+    QCOMPARE(Set::spotsSetWithName(QStringLiteral("Home"))->spots().first()->label(), QStringLiteral("Attic"));
+    QVERIFY(!Set::spotsSetWithName(QStringLiteral("Garage")));
+
+    // Sets are values: what a caller does to a loaded set stays with it.
+    for (const Set::Ptr &loaded : {Set::spotsSetWithName(QStringLiteral("Home")), Set::allSpotsSets().first()}) {
+        loaded->setSsid(QStringLiteral("Changed"));
+        loaded->mutableSpots().first()->setLabel(QStringLiteral("Changed"));
+        loaded->mutableSpots().append(spot(QStringLiteral("Extra"), 9));
+    }
+    const Set::Ptr again = Set::allSpotsSetsDictionary().value(QStringLiteral("Home"));
+    QCOMPARE(again->ssid(), QStringLiteral("NetB"));
+    QCOMPARE(again->spotsCount(), 1);
+    QCOMPARE(again->spots().first()->label(), QStringLiteral("Attic"));
+
+    QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Garage"), {})));
+    QCOMPARE(Set::allSpotsSets().size(), 2);
+    QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Office"), {}, 0, QStringLiteral("other SSID"))));
+    QCOMPARE(namesOf(Set::allSpotsSets()), QStringList{QStringLiteral("Home")});
+
+    Set::deleteAllSpotsSets();
+    UserDefaults reader(m_env->defaultsFilePath());
+    QVERIFY(!reader.contains(kSetsKey));
+    QVERIFY(reader.contains(kVersionKey));
+    QVERIFY(Set::allSpotsSets().isEmpty());
+    QVERIFY(UserDefaults::standard().contains(kSetsKey));
+    QVERIFY(backupKeys().isEmpty());
+}
+
+void tst_FZHistoricalResultSpotsSet::comparableMarking_data()
+{
+    QTest::addColumn<QList<QStringList>>("labels"); // per set, newest first
+    QTest::addColumn<QList<bool>>("expected");
+    const QString kitchen = QStringLiteral("Kitchen");
+    QTest::newRow("two share Kitchen, a third shares nothing")
+        << QList<QStringList>{{kitchen, QStringLiteral("Hall")}, {QStringLiteral("Garage")}, {QStringLiteral("Attic"), kitchen}}
+        << QList<bool>{true, false, true};
+    QTest::newRow("a label repeated only within itself")
+        << QList<QStringList>{{kitchen, kitchen}, {QStringLiteral("Hall")}} << QList<bool>{false, false};
+    QTest::newRow("a single set") << QList<QStringList>{{kitchen}} << QList<bool>{false};
+    QTest::newRow("sets without spots") << QList<QStringList>{{}, {}} << QList<bool>{false, false};
+    QTest::newRow("labels match exactly, case included")
+        << QList<QStringList>{{kitchen}, {QStringLiteral("kitchen")}} << QList<bool>{false, false};
+    QTest::newRow("numerically equal labels are still different")
+        << QList<QStringList>{{QStringLiteral("Spot 7")}, {QStringLiteral("Spot 07")}} << QList<bool>{false, false};
+}
+
+void tst_FZHistoricalResultSpotsSet::comparableMarking()
+{
+    QFETCH(QList<QStringList>, labels);
+    QFETCH(QList<bool>, expected);
+    QStringList names;
+    for (qsizetype i = labels.size() - 1; i >= 0; --i) { // saved oldest first
+        names.prepend(QStringLiteral("Run %1").arg(i));
+        QVERIFY(Set::saveSpotSet(makeSet(names.first(), labels.at(i), -int(i))));
+    }
+    const Set::List sets = Set::allSpotsSets();
+    QCOMPARE(namesOf(sets), names);
+    QCOMPARE(flagsOf(sets), expected);
+}
+
+void tst_FZHistoricalResultSpotsSet::markingAgainstTarget()
+{
+    const auto a = makeSet(QStringLiteral("A"), {QStringLiteral("Kitchen"), QStringLiteral("Hall")}, 4);
+    const auto b = makeSet(QStringLiteral("B"), {QStringLiteral("Hall")}, 3);
+    const auto c = makeSet(QStringLiteral("C"), {QStringLiteral("Garage")}, 2);
+    const auto d = makeSet(QStringLiteral("D"), {}, 1);
+    for (const auto &set : {c, a, d, b})
+        QVERIFY(Set::saveSpotSet(set));
+
+    // The target is an equal copy, not the stored object: equality decides.
+    const Set::List sets = Set::allSpotsSetsWithTaretSetToCompare(makeSet(QStringLiteral("A"), {QStringLiteral("Hall")}));
+    QCOMPARE(namesOf(sets), (QStringList{"A", "B", "C", "D"}));
+    QCOMPARE(flagsOf(sets), (QList<bool>{true, true, false, false}));
+
+    const Set::List candidates{d, b, c, a};
+    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(a, candidates, false)), (QStringList{"B", "A"}));
+    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}), candidates, true)), QStringList{"B"});
+    // Same title, other SSID: not the target, so it stays.
+    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}, 0, "Other"), candidates, true)),
+             (QStringList{"B", "A"}));
+    QVERIFY(Set::allSpotsSetsWithTaretSetToCompare(nullptr, candidates, false).isEmpty());
+}
+
+void tst_FZHistoricalResultSpotsSet::labelIndexEqualsPairwise_data()
+{
+    QTest::addColumn<quint32>("seed");
+    QTest::addColumn<int>("labelPool");
+    QTest::addColumn<bool>("equalSetsUnderOtherKeys");
+    QTest::newRow("dense labels") << 1u << 4 << false;
+    QTest::newRow("sparse labels") << 2u << 300 << false;
+    QTest::newRow("medium labels") << 3u << 40 << false;
+    QTest::newRow("equal sets stored under other keys, dense") << 4u << 6 << true;
+    QTest::newRow("equal sets stored under other keys, sparse") << 5u << 120 << true;
+    QTest::newRow("another medium store") << 6u << 25 << true;
+}
+
+void tst_FZHistoricalResultSpotsSet::labelIndexEqualsPairwise()
+{
+    QFETCH(quint32, seed);
+    QFETCH(int, labelPool);
+    QFETCH(bool, equalSetsUnderOtherKeys);
+    QRandomGenerator random(seed);
+    for (int round = 0; round < 20; ++round) {
+        Set::Dictionary store;
+        const int count = random.bounded(0, 40);
+        for (int i = 0; i < count; ++i) {
+            QStringList labels;
+            for (int n = random.bounded(0, 7); n > 0; --n) // duplicates within a set happen
+                labels.append(QStringLiteral("Room %1").arg(random.bounded(labelPool)));
+            QString name = QStringLiteral("Run %1").arg(i);
+            const QString ssid = QStringLiteral("Net %1").arg(random.bounded(2));
+            if (equalSetsUnderOtherKeys && i > 0 && random.bounded(4) == 0)
+                name = QStringLiteral("Run %1").arg(random.bounded(i));
+            store.insert(QStringLiteral("key %1").arg(i), makeSet(name, labels, random.bounded(-50, 50), ssid));
+        }
+        QVERIFY(Set::saveAllSpotsSetDicitionary(store));
+        const Set::List sets = Set::allSpotsSets();
+        QCOMPARE(sets.size(), count);
+        QCOMPARE(flagsOf(sets), pairwiseComparable(sets));
+    }
+}
+
+void tst_FZHistoricalResultSpotsSet::sortedSpots_data()
+{
+    QTest::addColumn<int>("toggles");
+    QTest::addColumn<qint64>("sorting");
+    QTest::addColumn<QStringList>("expected"); // label@timeAfterTest
+    QTest::newRow("0: newest measurement first") << 0 << qint64(0) << QStringList{"Spot 2@4", "Spot 10@3", "Attic@2", "Spot 2@1"};
+    QTest::newRow("1: labels descending, ties newest first") << 1 << qint64(1) << QStringList{"Spot 10@3", "Spot 2@4", "Spot 2@1", "Attic@2"};
+    QTest::newRow("2: labels ascending, ties oldest first") << 2 << qint64(2) << QStringList{"Attic@2", "Spot 2@1", "Spot 2@4", "Spot 10@3"};
+    QTest::newRow("three toggles are back at 0") << 3 << qint64(0) << QStringList{"Spot 2@4", "Spot 10@3", "Attic@2", "Spot 2@1"};
+}
+
+void tst_FZHistoricalResultSpotsSet::sortedSpots()
+{
+    QFETCH(int, toggles);
+    QFETCH(qint64, sorting);
+    QFETCH(QStringList, expected);
+    const auto set = Set::create("Home", "Net", day(0),
+                                 {spot("Spot 2", 1), spot("Spot 10", 3), spot("Attic", 2), spot("Spot 2", 4)});
+    for (int i = 0; i < toggles; ++i)
+        set->toggleSorting();
+    QCOMPARE(set->isSortedAscending(), sorting);
+    QStringList order;
+    for (const auto &s : set->sortedSpots())
+        order.append(s->label() + u'@' + QString::number(s->timeAfterTest()));
+    QCOMPARE(order, expected);
+    QCOMPARE(set->spots().first()->timeAfterTest(), 1.0); // the stored order is untouched
+}
+
+namespace {
+
+// Whether the process has a file of folder open (a save under way) just now.
+bool writesInto(qint64 pid, const QString &folder)
+{
+    const QFileInfoList fds = QDir(QStringLiteral("/proc/%1/fd").arg(pid)).entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(fds.cbegin(), fds.cend(),
+                       [&folder](const QFileInfo &fd) { return fd.symLinkTarget().startsWith(folder); });
+}
+
+} // namespace
+
+void tst_FZHistoricalResultSpotsSet::killedWriterLeavesReadableStore()
+{
+    // Each writer saves sets in a loop into its own file, printing "saved
+    // <number of sets>" once a save is on disk, and is killed after a varying
+    // number of saves. Three run at once so their start-up overlaps.
+    constexpr int kRounds = 30;
+    constexpr int kParallel = 3;
+    int killedWhileWriting = 0;
+    for (int batch = 0; batch < kRounds / kParallel; ++batch) {
+        std::array<QProcess, kParallel> writers;
+        QStringList folders;
+        for (int i = 0; i < kParallel; ++i) {
+            folders.append(m_env->filePath(QStringLiteral("round%1").arg(batch * kParallel + i)));
+            writers[i].start(QStringLiteral(SPOTSSTORE_WRITER), {folders.last() + QStringLiteral("/defaults.ini"), QStringLiteral("40")});
+        }
+        for (int i = 0; i < kParallel; ++i) {
+            QProcess &writer = writers[i];
+            QVERIFY2(writer.waitForStarted(), qPrintable(writer.errorString()));
+            const int wanted = 1 + (batch * kParallel + i) % 4;
+            while (writer.peek(1 << 16).count('\n') < wanted)
+                QVERIFY2(writer.waitForReadyRead(10000), "the writer stopped reporting");
+            killedWhileWriting += writesInto(writer.processId(), folders.at(i)) ? 1 : 0;
+            writer.kill();
+        }
+        for (int i = 0; i < kParallel; ++i) {
+            QProcess &writer = writers[i];
+            QVERIFY(writer.waitForFinished());
+            // Every save reported before the kill was complete on disk.
+            const QList<QByteArray> lines = writer.readAllStandardOutput().trimmed().split('\n');
+            const int reported = lines.last().split(' ').last().toInt();
+
+            UserDefaults::setStandardFilePath(folders.at(i) + QStringLiteral("/defaults.ini"));
+            LogCapture log;
+            const Set::Dictionary store = Set::allSpotsSetsDictionary();
+            QVERIFY2(log.lines().isEmpty(), qPrintable(log.text()));
+            QVERIFY(backupKeys().isEmpty());
+            QVERIFY2(store.size() == reported || store.size() == reported + 1,
+                     qPrintable(QStringLiteral("%1 sets stored, %2 reported").arg(store.size()).arg(reported)));
+            for (const Set::Ptr &set : store)
+                QCOMPARE(set->spotsCount(), 30);
+        }
+    }
+    qInfo("%d of %d writers were killed with a file open", killedWhileWriting, kRounds);
+}
+
+QTEST_GUILESS_MAIN(tst_FZHistoricalResultSpotsSet)
+#include "tst_FZHistoricalResultSpotsSet.moc"
