@@ -17,6 +17,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
+#include <shared_mutex>
 
 namespace {
 
@@ -87,7 +89,7 @@ bool isMap(const QVariant &value)
 // Constant-initialised, so usable from any static constructor too.
 struct SharedInstance
 {
-    QBasicMutex mutex;
+    std::mutex mutex;
     std::shared_ptr<BMI18NManager> owner;
     std::atomic<BMI18NManager *> instance{nullptr};
 };
@@ -154,7 +156,7 @@ BMI18NManager *BMI18NManager::sharedInstance()
     SharedInstance &s = shared();
     if (BMI18NManager *instance = s.instance.load(std::memory_order_acquire))
         return instance;
-    QMutexLocker lock(&s.mutex);
+    std::lock_guard lock(s.mutex);
     if (!s.owner) {
         s.owner.reset(new BMI18NManager());
         s.instance.store(s.owner.get(), std::memory_order_release);
@@ -167,7 +169,7 @@ void BMI18NManager::resetSharedInstanceForTesting()
     SharedInstance &s = shared();
     std::shared_ptr<BMI18NManager> previous;
     {
-        QMutexLocker lock(&s.mutex);
+        std::lock_guard lock(s.mutex);
         s.instance.store(nullptr, std::memory_order_release);
         previous.swap(s.owner);
     }
@@ -195,7 +197,7 @@ QString BMI18NManager::textForCode(const QString &code, const QString &defaultVa
     std::optional<QString> inCurrent;
     std::optional<QString> inDefault;
     {
-        QReadLocker lock(&m_lock);
+        std::shared_lock lock(m_lock);
         if (cacheable) {
             const auto cached = m_textCache.constFind(code);
             if (cached != m_textCache.cend() && cached->defaultValue == defaultValue)
@@ -241,7 +243,7 @@ QString BMI18NManager::textForCode(const QString &code, const QString &defaultVa
     const QString result = found->isNull() ? QStringLiteral("") : replacePlaceholderInString(*found);
 
     if (cacheable) {
-        QWriteLocker lock(&m_lock);
+        std::unique_lock lock(m_lock);
         if (m_generation == generation) {
             if (m_textCache.size() >= kTextCacheLimit)
                 m_textCache.clear();
@@ -329,7 +331,7 @@ QString BMI18NManager::numberText(double number, int maxFractionDigits, int minF
                 minFractionDigits);
     QString decimalPoint;
     {
-        QReadLocker lock(&m_lock);
+        std::shared_lock lock(m_lock);
         decimalPoint = m_decimalPoint;
     }
     return BMI18NNumberFormatter::format(number, maxFractionDigits, minFractionDigits, decimalPoint);
@@ -339,7 +341,7 @@ QString BMI18NManager::numberText(double number, int maxFractionDigits, int minF
 
 QString BMI18NManager::currentLanguage() const
 {
-    QReadLocker lock(&m_lock);
+    std::shared_lock lock(m_lock);
     return currentLanguageLocked();
 }
 
@@ -360,7 +362,7 @@ void BMI18NManager::setCurrentLanguage(const QString &code)
         return;
     }
     {
-        QWriteLocker lock(&m_lock);
+        std::unique_lock lock(m_lock);
         if (code == m_langCode)
             return;
         // The next refresh downloads the new language afresh.
@@ -382,7 +384,7 @@ QStringList BMI18NManager::getAvailableLanguages() const
 {
     QStringList languages;
     {
-        QReadLocker lock(&m_lock);
+        std::shared_lock lock(m_lock);
         languages = QStringList(m_languagesList.cbegin(), m_languagesList.cend());
     }
     languages.sort();
@@ -391,7 +393,7 @@ QStringList BMI18NManager::getAvailableLanguages() const
 
 void BMI18NManager::removeLanguage(const QString &code)
 {
-    QWriteLocker lock(&m_lock);
+    std::unique_lock lock(m_lock);
     removeLanguageLocked(code);
 }
 
@@ -416,19 +418,19 @@ void BMI18NManager::stateChangedLocked()
 
 QString BMI18NManager::languageCode() const
 {
-    QReadLocker lock(&m_lock);
+    std::shared_lock lock(m_lock);
     return m_langCode;
 }
 
 BMI18NManager::Texts BMI18NManager::bundleTextsForLanguage(const QString &code) const
 {
-    QReadLocker lock(&m_lock);
+    std::shared_lock lock(m_lock);
     return m_bundleTexts.value(code);
 }
 
 std::optional<double> BMI18NManager::timestampForLanguage(const QString &code) const
 {
-    QReadLocker lock(&m_lock);
+    std::shared_lock lock(m_lock);
     const auto it = m_timestamp.constFind(code);
     if (it == m_timestamp.cend())
         return std::nullopt;
@@ -492,7 +494,7 @@ void BMI18NManager::handleBundleInfo(const QVariantMap &response)
     bool needDefault = false;
     QString language;
     {
-        QWriteLocker lock(&m_lock);
+        std::unique_lock lock(m_lock);
         language = m_langCode;
         const auto needed = [this](const QString &code, const std::optional<double> &ts) {
             const auto held = m_timestamp.constFind(code);
@@ -592,7 +594,7 @@ void BMI18NManager::handleBundleData(const QVariantMap &response)
             previousLanguage = stored.toString();
     }
     {
-        QWriteLocker lock(&m_lock);
+        std::unique_lock lock(m_lock);
         if (!previousLanguage.isEmpty())
             removeLanguageLocked(previousLanguage);
         m_bundleTexts.insert(language, texts);
@@ -619,13 +621,13 @@ void BMI18NManager::handleBundleDataError(const BMError &error)
 
 void BMI18NManager::save()
 {
-    QMutexLocker saving(&m_saveMutex);
+    std::lock_guard saving(m_saveMutex);
     QVariantMap stamps;
     QString language;
     Texts current;
     Texts english;
     {
-        QReadLocker lock(&m_lock);
+        std::shared_lock lock(m_lock);
         for (auto it = m_timestamp.cbegin(); it != m_timestamp.cend(); ++it)
             stamps.insert(it.key(), it.value());
         language = m_langCode;

@@ -3,11 +3,10 @@
 #include "core/BMLogger.h"
 #include "platform/foundation/MainQueue.h"
 
-#include <QMutex>
-
 #include <atomic>
 #include <exception>
 #include <map>
+#include <mutex>
 #include <tuple>
 
 namespace {
@@ -21,7 +20,7 @@ using AliveFlag = std::shared_ptr<std::atomic<bool>>;
 // its registration's flag is still set.
 struct Registrations
 {
-    QMutex mutex;
+    std::mutex mutex;
     std::map<Key, AliveFlag> flags;
 };
 
@@ -34,7 +33,7 @@ Registrations &registrations()
 AliveFlag replaceFlag(const Key &key, bool keep)
 {
     Registrations &r = registrations();
-    QMutexLocker lock(&r.mutex);
+    std::lock_guard lock(r.mutex);
     auto it = r.flags.find(key);
     if (it != r.flags.end()) {
         it->second->store(false);
