@@ -18,7 +18,8 @@ namespace {
 // Bundle files are small; a bigger one is refused rather than read.
 constexpr qint64 kMaximumBundleFileSize = 8 * 1024 * 1024;
 
-QHttpServerResponse envelope(int code, const QString &message, const QJsonValue &data = QJsonValue())
+// Refusals carry no "data".
+QHttpServerResponse envelope(int code, const QString &message, const QJsonValue &data = QJsonValue(QJsonValue::Undefined))
 {
     QJsonObject body{{QStringLiteral("code"), code}, {QStringLiteral("message"), message}};
     if (!data.isUndefined())
