@@ -57,7 +57,7 @@ void LocalizedBundle::setRoot(const QString &root)
 
 QString LocalizedBundle::pathForLocalization(const QString &lang) const
 {
-    if (lang.isEmpty() || lang.contains(u'/') || lang.contains(u'\\') || lang == QLatin1String(".."))
+    if (lang.isEmpty() || lang.contains(u'/') || lang.contains(u'\\'))
         return {};
 
     QString root;

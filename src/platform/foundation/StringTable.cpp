@@ -73,7 +73,7 @@ public:
     }
 
     // Reads entries into entries until the end or the first fault. Returns
-    // false on a fault; atEnd() then tells whether the text simply ran out.
+    // false on a fault; faultIsAtEnd() then tells whether the text simply ran out.
     bool run(QHash<QString, QString> &entries)
     {
         for (;;) {
@@ -85,6 +85,9 @@ public:
             QString key;
             if (!readToken(&key, "a quoted key"))
                 return false;
+            // A missing '=' or ';' is reported on the line where the entry
+            // stops, not on the line of whatever comes next.
+            const qsizetype keyEnd = m_pos;
             if (!skipSpaceAndComments())
                 return false;
             if (m_pos >= m_text.size())
@@ -94,7 +97,7 @@ public:
                 value = key;
             } else {
                 if (m_text[m_pos] != u'=')
-                    return fail(m_pos, QStringLiteral("expected '=' after the key \"%1\"").arg(key));
+                    return fail(keyEnd, QStringLiteral("expected '=' after the key \"%1\"").arg(key));
                 ++m_pos;
                 if (!skipSpaceAndComments())
                     return false;
@@ -102,12 +105,13 @@ public:
                     return failAtEnd(entryStart, "the entry has no text");
                 if (!readToken(&value, "a quoted text"))
                     return false;
+                const qsizetype valueEnd = m_pos;
                 if (!skipSpaceAndComments())
                     return false;
                 if (m_pos >= m_text.size())
                     return failAtEnd(entryStart, "the entry has no closing ';'");
                 if (m_text[m_pos] != u';')
-                    return fail(m_pos, QStringLiteral("expected ';' after the text of \"%1\"").arg(key));
+                    return fail(valueEnd, QStringLiteral("expected ';' after the text of \"%1\"").arg(key));
             }
             ++m_pos;
             entries.insert(key, value);
