@@ -96,11 +96,6 @@ struct SharedInstance
 
 constinit SharedInstance g_shared;
 
-SharedInstance &shared()
-{
-    return g_shared;
-}
-
 } // namespace
 
 BMI18NManager::BMI18NManager()
@@ -153,7 +148,7 @@ BMI18NManager::~BMI18NManager() = default;
 
 BMI18NManager *BMI18NManager::sharedInstance()
 {
-    SharedInstance &s = shared();
+    SharedInstance &s = g_shared;
     if (BMI18NManager *instance = s.instance.load(std::memory_order_acquire))
         return instance;
     std::lock_guard lock(s.mutex);
@@ -166,7 +161,8 @@ BMI18NManager *BMI18NManager::sharedInstance()
 
 void BMI18NManager::resetSharedInstanceForTesting()
 {
-    SharedInstance &s = shared();
+    SharedInstance &s = g_shared;
+    // Destroyed outside the lock, or later by a handler that still holds it.
     std::shared_ptr<BMI18NManager> previous;
     {
         std::lock_guard lock(s.mutex);

@@ -48,7 +48,9 @@ inline constexpr char kReplacePlaceholder[] = "%@";
 // there, and the notifications that end a refresh are posted there too
 // (subscribe with BMNotificationDelivery::MainThread to get them on the main
 // thread). Lookups take a shared lock and are served from a cache of
-// finished texts that every change of bundle or language empties.
+// finished texts that every change of bundle or language empties; a host
+// adds its own tables before the first lookup (a table added later shows
+// after the next change of bundle or language).
 //
 // Nothing is thrown: bad answers, files or arguments give a log line (module
 // "BMI18NManager") and leave the texts held usable.
