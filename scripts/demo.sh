@@ -1,15 +1,51 @@
 #!/usr/bin/env bash
 # Command 1 of the quick start: build everything and run the demo host.
 # Without a display the demo runs offscreen and saves what it shows as PNG.
+#
+# --localisation-service: also start the loopback localisation service on a
+# free port, serving tools/localisation-service/bundles, and point the demo
+# at it (its downloaded texts show in the demo's title).
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BRIGHTMERE_BUILD_DIR:-"$root/build"}
+
+with_service=0
+if [ "${1:-}" = "--localisation-service" ]; then
+    with_service=1
+    shift
+fi
+
 "$root/scripts/setup.sh"
 
+demo_args=("$@")
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo "No display found: running the demo offscreen."
     export QT_QPA_PLATFORM=offscreen
-    exec "$build_dir/apps/demo/brightmere_demo" --screenshot "$build_dir/demo.png" "$@"
+    demo_args=(--screenshot "$build_dir/demo.png" "$@")
 fi
-exec "$build_dir/apps/demo/brightmere_demo" "$@"
+
+if [ "$with_service" -eq 0 ]; then
+    exec "$build_dir/apps/demo/brightmere_demo" "${demo_args[@]}"
+fi
+
+service_log=$(mktemp)
+"$build_dir/tools/localisation-service/brightmere-localisation-service" --host 127.0.0.1 --port 0 \
+    --folder "$root/tools/localisation-service/bundles" >"$service_log" 2>&1 &
+service_pid=$!
+trap 'kill "$service_pid" 2>/dev/null || true; rm -f "$service_log"' EXIT
+
+url=""
+for _ in $(seq 50); do
+    url=$(sed -n 's/^listening on \([^ ]*\).*/\1/p' "$service_log")
+    [ -n "$url" ] && break
+    kill -0 "$service_pid" 2>/dev/null || break
+    sleep 0.1
+done
+if [ -z "$url" ]; then
+    echo "The localisation service did not start:" >&2
+    cat "$service_log" >&2
+    exit 1
+fi
+echo "Localisation service at $url"
+BRIGHTMERE_I18N_URL="$url" "$build_dir/apps/demo/brightmere_demo" "${demo_args[@]}"

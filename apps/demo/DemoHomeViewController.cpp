@@ -3,6 +3,8 @@
 #include "core/BMSDKBackend.h"
 #include "core/BMSimulatedNetwork.h"
 #include "core/BMTesterFactory.h"
+#include "i18n/BMI18NManager.h"
+#include "i18n/BMI18NNotification.h"
 #include "resources/FrameworkBundle.h"
 
 #include <QCoreApplication>
@@ -13,10 +15,29 @@
 DemoHomeViewController::DemoHomeViewController(QWidget *parent)
     : ViewController(parent)
 {
-    setTitle(QStringLiteral("Fairzone demo"));
+    showTexts();
+    BMI18NNotification::subscribe(this, BMNotificationDelivery::MainThread);
 }
 
-DemoHomeViewController::~DemoHomeViewController() = default;
+DemoHomeViewController::~DemoHomeViewController()
+{
+    BMI18NNotification::unsubscribe(this);
+}
+
+void DemoHomeViewController::showTexts()
+{
+    setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_title"), QStringLiteral("Fairzone demo")));
+}
+
+void DemoHomeViewController::notifyTextBundleAvailable(BMI18NNotification *)
+{
+    showTexts();
+}
+
+void DemoHomeViewController::notifyTextBundleNotAvailable(BMI18NNotification *)
+{
+    // The texts held stay in use.
+}
 
 void DemoHomeViewController::viewDidLoad()
 {

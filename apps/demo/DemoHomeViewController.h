@@ -2,6 +2,7 @@
 
 #include "core/BMWiFiTester.h"
 #include "core/BMWiFiTesterDelegate.h"
+#include "i18n/BMI18NNotificationSubscriber.h"
 #include "platform/views/ViewController.h"
 
 #include <memory>
@@ -10,8 +11,11 @@ class QLabel;
 class QPushButton;
 
 // The demo's first screen: the kit's name and version, and a live reading
-// from the Wi-Fi tester with a start/stop button.
-class DemoHomeViewController : public Brightmere::ViewController, private BMWiFiTesterDelegate
+// from the Wi-Fi tester with a start/stop button. Its title is a localised
+// text, so a download from a localisation service shows in it.
+class DemoHomeViewController : public Brightmere::ViewController,
+                               private BMWiFiTesterDelegate,
+                               private BMI18NNotificationSubscriber
 {
     Q_OBJECT
 
@@ -28,6 +32,9 @@ private:
     void wiFiTesterDidFinishSetupWithError(BMWiFiTester *tester, const std::optional<BMError> &error) override;
     void wiFiTesterDidUpdateWithTestResult(BMWiFiTester *tester, const WifiTestResult::Ptr &result) override;
     void wiFiTesterDidFinishWithError(BMWiFiTester *tester, const std::optional<BMError> &error) override;
+    void notifyTextBundleAvailable(BMI18NNotification *notification) override;
+    void notifyTextBundleNotAvailable(BMI18NNotification *notification) override;
+    void showTexts();
     void toggleTest();
     void showState();
 

@@ -3,10 +3,14 @@
 // top, a Wi-Fi tester from the core library's factory (the simulated home
 // network unless BRIGHTMERE_DOWNLOAD_URL names a file to measure for real).
 // With --screenshot it renders its window to a PNG and exits, which is how
-// it runs where there is no display.
+// it runs where there is no display. When BRIGHTMERE_I18N_URL (or the core
+// library's BRIGHTMERE_SERVER_URL) names a localisation service, the texts
+// are refreshed from it at start.
 #include "DemoHomeViewController.h"
 
 #include "core/BMSDKBackend.h"
+#include "core/BMSDKRestServiceManager.h"
+#include "i18n/BMI18NManager.h"
 #include "platform/views/NavigationController.h"
 
 #include <QApplication>
@@ -35,6 +39,12 @@ int main(int argc, char *argv[])
         BMSDKBackend::setKind(BMSDKBackend::Kind::System);
         BMSDKBackend::setSystemDownloadUrl(QUrl(downloadUrl));
     }
+
+    const QString i18nUrl = qEnvironmentVariable("BRIGHTMERE_I18N_URL");
+    if (!i18nUrl.isEmpty())
+        BMSDKRestServiceManager::setBrightmereServerURL(i18nUrl);
+    if (!i18nUrl.isEmpty() || !qEnvironmentVariable("BRIGHTMERE_SERVER_URL").isEmpty())
+        BMI18NManager::sharedInstance()->updateBundleTexts();
 
     auto *home = new DemoHomeViewController;
     Brightmere::NavigationController navigation(home);

@@ -1,0 +1,61 @@
+#include "BMI18NBundleFile.h"
+
+#include <QStringDecoder>
+
+namespace {
+
+const QString kEscapedLineFeed = QStringLiteral("\\n");
+
+} // namespace
+
+QByteArray BMI18NBundleFile::encode(const Texts &texts, QStringList *skippedKeys)
+{
+    QString text;
+    for (auto it = texts.cbegin(); it != texts.cend(); ++it) {
+        const QString &key = it.key();
+        if (key.contains(u'=') || key.contains(u'\n')) {
+            if (skippedKeys)
+                skippedKeys->append(key);
+            continue;
+        }
+        QString value = it.value();
+        value.replace(u'\n', kEscapedLineFeed);
+        text += key;
+        text += u'=';
+        text += value;
+        text += u'\n';
+    }
+    return text.toUtf8();
+}
+
+std::optional<BMI18NBundleFile::Texts> BMI18NBundleFile::decode(const QByteArray &data, int *skippedLines)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+    const QString text = decoder.decode(data);
+    if (decoder.hasError())
+        return std::nullopt;
+
+    Texts texts;
+    int skipped = 0;
+    const QStringView view(text);
+    qsizetype start = 0;
+    while (start < view.size()) {
+        qsizetype end = view.indexOf(u'\n', start);
+        if (end < 0)
+            end = view.size();
+        const QStringView line = view.sliced(start, end - start);
+        start = end + 1;
+        const qsizetype equals = line.indexOf(u'=');
+        if (equals < 0) {
+            if (!line.isEmpty())
+                ++skipped;
+            continue;
+        }
+        QString value = line.sliced(equals + 1).toString();
+        value.replace(kEscapedLineFeed, QStringLiteral("\n"));
+        texts.insert(line.first(equals).toString(), value);
+    }
+    if (skippedLines)
+        *skippedLines = skipped;
+    return texts;
+}

@@ -1,0 +1,56 @@
+#include "BMI18NServiceManager.h"
+
+#include "core/BMLogger.h"
+#include "core/BMSDKGeneralUtilities.h"
+
+BMI18NServiceManager::BMI18NServiceManager(QObject *parent)
+    : BMSDKRestServiceManager(parent)
+{
+}
+
+BMI18NServiceManager::~BMI18NServiceManager() = default;
+
+BMI18NServiceManager *BMI18NServiceManager::sharedInstance()
+{
+    static BMI18NServiceManager instance;
+    return &instance;
+}
+
+QString BMI18NServiceManager::bundleInfoUrl()
+{
+    return BMSDKGeneralUtilities::urlEncodeWithFormat(QStringLiteral("%@/%@/%@/message/info"),
+                                                      sharedInstance()->brightmereServerURL(),
+                                                      kRestServiceManagerAPI, kRestServiceManagerVersion2);
+}
+
+QString BMI18NServiceManager::bundleDataUrl(const QString &language)
+{
+    return BMSDKGeneralUtilities::urlEncodeWithFormat(QStringLiteral("%@/%@/%@/message/bundle/%@"),
+                                                      sharedInstance()->brightmereServerURL(),
+                                                      kRestServiceManagerAPI, kRestServiceManagerVersion2,
+                                                      language);
+}
+
+void BMI18NServiceManager::requestI18NBundleInfoWithSuccessBlock(SuccessBlock success, FailureBlock andErrorBlock)
+{
+    const QString module = QString::fromLatin1(metaObject()->className());
+    BMSDKHTTPSessionManager *client = manager();
+    startRequestForAppAuthorizationTokenWithSuccessBlock(
+        [client, success, andErrorBlock] {
+            client->GET(bundleInfoUrl(), {}, success, andErrorBlock, false);
+        },
+        [module, andErrorBlock](const std::optional<BMSDKRestRequestTask> &, const BMError &error) {
+            BMLogger::sharedInstance().logFromModule(
+                module, 2, "BMI18NServiceManager::requestI18NBundleInfoWithSuccessBlock error %@",
+                error.toString());
+            if (andErrorBlock)
+                andErrorBlock(std::nullopt, error);
+        },
+        false);
+}
+
+void BMI18NServiceManager::requestI18NBundleDataWithSuccessBlock(SuccessBlock success, FailureBlock andErrorBlock,
+                                                                 const QString &forLanguage)
+{
+    manager()->GET(bundleDataUrl(forLanguage), {}, std::move(success), std::move(andErrorBlock), false);
+}

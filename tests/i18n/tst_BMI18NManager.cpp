@@ -1,0 +1,661 @@
+#include "i18n/BMI18NManager.h"
+
+#include "BMLocalisationService.h"
+#include "I18NTestHelpers.h"
+#include "LogCapture.h"
+#include "ScriptedHttpServer.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "i18n/BMI18NNotification.h"
+#include "i18n/BMI18NServiceManager.h"
+#include "i18n/BMLanguageChangeNotification.h"
+#include "platform/foundation/LocalizedBundle.h"
+#include "platform/foundation/UserDefaults.h"
+
+#include <QStandardPaths>
+#include <QTest>
+#include <QThread>
+
+#include <cmath>
+
+namespace {
+
+using Texts = BMI18NManager::Texts;
+
+// Counts the outcomes of refreshes, as a screen would see them: on the main thread.
+class Outcomes : public BMI18NNotificationSubscriber, public BMLanguageChangeSubscriber
+{
+public:
+    void notifyTextBundleAvailable(BMI18NNotification *) override { count(available); }
+    void notifyTextBundleNotAvailable(BMI18NNotification *) override { count(notAvailable); }
+    void notifyLanguageChange(BMLanguageChangeNotification *) override { ++languageChanges; }
+    int total() const { return available + notAvailable; }
+    void reset()
+    {
+        available = 0;
+        notAvailable = 0;
+        languageChanges = 0;
+    }
+
+    std::atomic<int> available{0};
+    std::atomic<int> notAvailable{0};
+    std::atomic<int> languageChanges{0};
+    std::atomic<bool> offMainThread{false};
+
+private:
+    void count(std::atomic<int> &counter)
+    {
+        if (QThread::currentThread() != QCoreApplication::instance()->thread())
+            offMainThread = true;
+        ++counter;
+    }
+};
+
+QString cacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+}
+
+QVariantMap envelope(const QString &language, const QVariant &ts, const QVariant &contents)
+{
+    QVariantMap data{{"_id", language}, {"contents", contents}};
+    if (ts.isValid())
+        data.insert("ts", ts);
+    return {{"code", 200}, {"message", "OK"}, {"data", data}};
+}
+
+// Hands a bundle answer to the manager as the service client would.
+void deliver(const QString &language, const QVariant &ts, const QVariantMap &contents)
+{
+    BMI18NManager::sharedInstance()->requestBundleDataSuccessBlock()(BMSDKRestRequestTask(),
+                                                                      envelope(language, ts, contents));
+}
+
+void storeRecord(const QString &language, const QVariantMap &stamps)
+{
+    Brightmere::UserDefaults::standard().setObject(
+        QVariantMap{{kI18NLanguageKey, language}, {kI18NTimeStampKey, stamps}}, kI18NDataKey);
+}
+
+QStringList sorted(QStringList list)
+{
+    list.sort();
+    return list;
+}
+
+} // namespace
+
+class tst_BMI18NManager : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        QDir(cacheFolder()).removeRecursively();
+        QFile::remove(cacheFolder());
+        BMSDKGeneralUtilities::setOSLanguageOverride(QStringLiteral("en-US"));
+        // Built-in tables of the kit and of the host, each key placed to show one step of the lookup.
+        writeFile(m_env->filePath("kit/en.lproj/Localizable.strings"),
+                  "\"k_all\" = \"fw en all\";\n\"k_fw\" = \"fw en k_fw\";\n\"k_dlen\" = \"fw en k_dlen\";\n"
+                  "\"k_fwen\" = \"fw en k_fwen\";\n\"fw_only\" = \"fw en only\";\n");
+        writeFile(m_env->filePath("kit/es.lproj/Localizable.strings"),
+                  "\"k_all\" = \"fw es all\";\n\"k_fw\" = \"fw es k_fw\";\n\"k_empty\" = \"fw es k_empty\";\n"
+                  "\"fw_only\" = \"fw es only\";\n");
+        writeFile(m_env->filePath("host/es.lproj/Localizable.strings"),
+                  "\"k_all\" = \"main es all\";\n\"k_host\" = \"main es k_host\";\n");
+        Brightmere::LocalizedBundle::framework().setRoot(m_env->filePath("kit"));
+        Brightmere::LocalizedBundle::main().setRoot(m_env->filePath("host"));
+        BMI18NManager::resetSharedInstanceForTesting();
+
+        m_service = std::make_unique<BMLocalisationService>();
+        m_service->setFolder(m_env->filePath("bundles"));
+        QDir().mkpath(m_service->folder());
+        QVERIFY(m_service->listen() != 0);
+        BMSDKRestServiceManager::setBrightmereServerURL(m_service->baseUrl());
+        BMI18NServiceManager::sharedInstance()->clearAuthorizationToken();
+
+        m_outcomes = std::make_unique<Outcomes>();
+        BMI18NNotification::subscribe(m_outcomes.get(), BMNotificationDelivery::MainThread);
+        BMLanguageChangeNotification::subscribe(m_outcomes.get());
+        m_log = std::make_unique<LogCapture>();
+    }
+
+    void cleanup()
+    {
+        QVERIFY(settle());
+        BMI18NNotification::unsubscribe(m_outcomes.get());
+        BMLanguageChangeNotification::unsubscribe(m_outcomes.get());
+        QCoreApplication::processEvents();
+        BMI18NManager::resetSharedInstanceForTesting();
+        BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
+        client->setTimeoutInterval(0);
+        client->setMaximumResponseSize(0);
+        BMSDKRestServiceManager::setBrightmereServerURL(QString());
+        BMSDKGeneralUtilities::setOSLanguageOverride(QString());
+        Brightmere::LocalizedBundle::framework().setRoot(QStringLiteral(":/lproj"));
+        Brightmere::LocalizedBundle::main().setRoot(QStringLiteral(":/main/lproj"));
+        QFile::remove(cacheFolder());
+        QDir(cacheFolder()).removeRecursively();
+        m_log.reset();
+        m_service.reset();
+        m_env.reset();
+    }
+
+    void lookupOrder_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("defaultValue");
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("es: the downloaded text comes first") << "es" << "k_all" << "k_all" << "dl es all";
+        QTest::newRow("es: the kit's es table before the downloaded English")
+            << "es" << "k_fw" << "k_fw" << "fw es k_fw";
+        QTest::newRow("es: the host's es table when the kit has none") << "es" << "k_host" << "k_host" << "main es k_host";
+        QTest::newRow("es: downloaded English when es has nothing") << "es" << "k_dlen" << "k_dlen" << "dl en k_dlen";
+        QTest::newRow("es: the built-in English table last") << "es" << "k_fwen" << "k_fwen" << "fw en k_fwen";
+        QTest::newRow("es: an empty downloaded text is a text") << "es" << "k_empty" << "k_empty" << "";
+        QTest::newRow("es: placeholders of a found text") << "es" << "k_ph" << "k_ph" << "Hola %@, %@!";
+        QTest::newRow("a key found nowhere comes back") << "es" << "nowhere" << "nowhere" << "nowhere";
+        QTest::newRow("a key found nowhere is rewritten too") << "es" << "a_PH_b" << "a_PH_b" << "a_%@";
+        QTest::newRow("the built-in tables are asked for the default") << "es" << "nowhere" << "fw_only" << "fw es only";
+        QTest::newRow("the default when found nowhere") << "es" << "nowhere" << "Plain PH_x" << "Plain %@";
+        QTest::newRow("en: the downloaded English first") << "en" << "k_fw" << "k_fw" << "dl en k_fw";
+        QTest::newRow("pt (not offered): built-in English before downloaded English")
+            << "pt" << "k_all" << "k_all" << "fw en all";
+        QTest::newRow("pt (not offered): the host has no English, downloaded English")
+            << "pt" << "k_host" << "k_host" << "dl en k_host";
+        QTest::newRow("es-MX: the es tables, the kit's first") << "es-MX" << "k_all" << "k_all" << "fw es all";
+    }
+
+    void lookupOrder()
+    {
+        deliver("en", 1, {{"k_all", "dl en all"}, {"k_fw", "dl en k_fw"}, {"k_host", "dl en k_host"},
+                          {"k_dlen", "dl en k_dlen"}});
+        deliver("es", 1, {{"k_all", "dl es all"}, {"k_empty", ""}, {"k_ph", "Hola PH_name, PH_2x!"}});
+        QFETCH(QString, key);
+        QFETCH(QString, defaultValue);
+        QFETCH(QString, expected);
+        // Asked before and after the change, so a stale finished text would show.
+        (void)BMI18NManager::stringForCode(key, defaultValue);
+        QFETCH(QString, language);
+        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+        for (int pass = 0; pass < 2; ++pass) {
+            const QString text = BMI18NManager::stringForCode(key, defaultValue);
+            QCOMPARE(text, expected);
+            QVERIFY(!text.isNull());
+        }
+        if (key == defaultValue)
+            QCOMPARE(BMI18NManager::stringForCode(key), expected);
+    }
+
+    void builtInTablesFallBackToEnglish()
+    {
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        auto &kit = Brightmere::LocalizedBundle::framework();
+        QCOMPARE(manager->getStringInBundle(kit, "k_fwen", "pt", QString()), QStringLiteral("fw en k_fwen"));
+        QCOMPARE(manager->getStringInBundle(kit, "nowhere", "es", "fallback"), QStringLiteral("fallback"));
+        QVERIFY(manager->getStringInBundle(kit, "nowhere", "es", QString()).isNull());
+        QCOMPARE(manager->getLocalStringWithCode("k_host", "es", QString()), QStringLiteral("main es k_host"));
+    }
+
+    void placeholders_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("two placeholders") << "Hello PH_name, PH_2x!" << "Hello %@, %@!";
+        QTest::newRow("prefix alone") << "PH_" << "%@";
+        QTest::newRow("no placeholder") << "Hello" << "Hello";
+        QTest::newRow("ends at a non-identifier character") << "PH_a-b" << "%@-b";
+        QTest::newRow("non-ASCII letters end it") << "xPH_\u00e9" << "x%@\u00e9";
+        QTest::newRow("a nested prefix is part of the identifier") << "PH_PH_x y" << "%@ y";
+        QTest::newRow("a partial prefix stays") << "PHPH_a" << "PH%@";
+        QTest::newRow("lower case is no prefix") << "ph_a" << "ph_a";
+        QTest::newRow("null stays null") << QString() << QString();
+    }
+
+    void placeholders()
+    {
+        QFETCH(QString, expected);
+        QFETCH(QString, text);
+        const QString rewritten = BMI18NManager::replacePlaceholderInString(text);
+        QCOMPARE(rewritten, expected);
+        QCOMPARE(rewritten.isNull(), expected.isNull());
+    }
+
+    void numbers_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("arguments");
+        QTest::addColumn<int>("maxDigits");
+        QTest::addColumn<int>("minDigits");
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("0.29, two digits: the decimal value is cut") << 0.29 << 3 << 2 << 0 << "en" << "0.29";
+        QTest::newRow("4.35, two digits") << 4.35 << 3 << 2 << 0 << "en" << "4.35";
+        QTest::newRow("2.79, one digit: toward zero") << 2.79 << 2 << 1 << 0 << "en" << "2.7";
+        QTest::newRow("2.79 in es: decimal comma") << 2.79 << 2 << 1 << 0 << "es" << "2,7";
+        QTest::newRow("the locale is the full code: es-MX writes a point") << 2.79 << 2 << 1 << 0 << "es-MX" << "2.7";
+        QTest::newRow("no grouping") << 1234.5 << 3 << 2 << 0 << "en" << "1234.5";
+        QTest::newRow("negative: toward zero") << -2.79 << 3 << 1 << 0 << "en" << "-2.7";
+        QTest::newRow("negative cut to zero: no sign") << -0.04 << 3 << 1 << 0 << "en" << "0";
+        QTest::newRow("minimum pads") << 12.0 << 3 << 1 << 1 << "en" << "12.0";
+        QTest::newRow("minimum pads after the cut") << 2.5 << 3 << 3 << 2 << "es" << "2,50";
+        QTest::newRow("cut zeros are dropped down to the minimum") << 2.701 << 3 << 2 << 0 << "en" << "2.7";
+        QTest::newRow("no digits: one argument") << 2.79 << 1 << 0 << 0 << "en" << "2";
+        QTest::newRow("large value in full") << 1e20 << 2 << 0 << 0 << "en" << "100000000000000000000";
+        QTest::newRow("minimum above maximum raises it") << 2.789 << 3 << 1 << 2 << "en" << "2.78";
+        QTest::newRow("not a number") << std::nan("") << 3 << 2 << 0 << "en" << "NaN";
+    }
+
+    void numbers()
+    {
+        QFETCH(double, value);
+        QFETCH(int, maxDigits);
+        QFETCH(int, minDigits);
+        QFETCH(QString, language);
+        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+        QString text;
+        QFETCH(int, arguments);
+        switch (arguments) {
+        case 1: text = BMI18NManager::formatNumber(value); break;
+        case 2: text = BMI18NManager::formatNumber(value, maxDigits); break;
+        default: text = BMI18NManager::formatNumber(value, maxDigits, minDigits); break;
+        }
+        QFETCH(QString, expected);
+        QCOMPARE(text, expected);
+    }
+
+    void startState_data()
+    {
+        QTest::addColumn<QString>("osLanguage");
+        QTest::addColumn<QVariant>("record");
+        QTest::addColumn<bool>("cacheFiles");
+        QTest::addColumn<QString>("langCode");
+        QTest::addColumn<QString>("current");
+        QTest::addColumn<bool>("stampsKept");
+
+        const QVariantMap stamps{{"es", 5}, {"en", 7}};
+        const QVariant esRecord = QVariantMap{{kI18NLanguageKey, "es"}, {kI18NTimeStampKey, stamps}};
+        QTest::newRow("no record: the device language without region")
+            << "es-AR" << QVariant() << false << "es" << "es" << false;
+        QTest::newRow("no record, device language not offered: English shown")
+            << "pt-BR" << QVariant() << false << "pt" << "en" << false;
+        QTest::newRow("a stored language is offered") << "en-US"
+            << QVariant(QVariantMap{{kI18NLanguageKey, "pt"}, {kI18NTimeStampKey, stamps}}) << true << "pt" << "pt"
+            << true;
+        QTest::newRow("stamps kept with both bundles cached") << "en-US" << esRecord << true << "es" << "es" << true;
+        QTest::newRow("stamps dropped without cached bundles") << "en-US" << esRecord << false << "es" << "es" << false;
+        QTest::newRow("a record of the wrong type is ignored")
+            << "es-ES" << QVariant(QStringLiteral("garbage")) << true << "es" << "es" << false;
+    }
+
+    void startState()
+    {
+        QFETCH(QString, osLanguage);
+        BMSDKGeneralUtilities::setOSLanguageOverride(osLanguage);
+        QFETCH(QVariant, record);
+        if (record.isValid())
+            Brightmere::UserDefaults::standard().setObject(record, kI18NDataKey);
+        QFETCH(bool, cacheFiles);
+        if (cacheFiles) {
+            writeFile(cacheFolder() + "/bundle_en", "k_all=cached en\n");
+            writeFile(cacheFolder() + "/bundle_user", "k_all=cached user\n");
+        }
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        QFETCH(QString, langCode);
+        QCOMPARE(manager->languageCode(), langCode);
+        QFETCH(QString, current);
+        QCOMPARE(manager->currentLanguage(), current);
+        QCOMPARE(BMSDKGeneralUtilities::language(), manager->currentLanguage());
+        QFETCH(bool, stampsKept);
+        QCOMPARE(manager->timestampForLanguage("en").has_value(), stampsKept);
+        if (cacheFiles && manager->languageCode() != "en")
+            QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("cached user"));
+    }
+
+    void changingLanguage()
+    {
+        deliver("es", 3, {{"k_all", "dl es all"}});
+        deliver("en", 4, {{"k_all", "dl en all"}});
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        QCOMPARE(m_outcomes->languageChanges.load(), 0); // a download changes the language silently
+        manager->setCurrentLanguage("es");
+        QCOMPARE(m_outcomes->languageChanges.load(), 0);
+
+        manager->setCurrentLanguage("en");
+        QCOMPARE(m_outcomes->languageChanges.load(), 1);
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl en all"));
+        QCOMPARE(manager->timestampForLanguage("en"), std::optional<double>(4));
+        manager->setCurrentLanguage("es");
+        QCOMPARE(m_outcomes->languageChanges.load(), 2);
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl es all"));
+        QVERIFY(!manager->timestampForLanguage("es")); // downloaded again on the next refresh
+        QCOMPARE(BMSDKGeneralUtilities::language(), QStringLiteral("es"));
+        manager->setCurrentLanguage("");
+        QCOMPARE(m_outcomes->languageChanges.load(), 2);
+
+        manager->removeLanguage("en");
+        manager->removeLanguage(QString());
+        QCOMPARE(manager->bundleTextsForLanguage("en").value("k_all"), QStringLiteral("dl en all"));
+        manager->removeLanguage("es");
+        QVERIFY(manager->bundleTextsForLanguage("es").isEmpty());
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("fw es all"));
+        QCOMPARE(readFile(cacheFolder() + "/bundle_user"), QByteArray("k_all=dl es all\n"));
+        QCOMPARE(manager->getLanguageDescription("es"), QStringLiteral("es"));
+    }
+
+    // A refresh against the local service, from stored state to the requests made and their outcome.
+    void refresh_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QVariantMap>("stored");
+        QTest::addColumn<QVariantMap>("files");
+        QTest::addColumn<QStringList>("downloads");
+        QTest::addColumn<int>("available");
+        QTest::addColumn<int>("notAvailable");
+        QTest::addColumn<QString>("probe");
+        QTest::addColumn<QString>("logged");
+
+        auto file = [](const QByteArray &ts, const QByteArray &contents = R"({"probe": "new"})") {
+            return QVariant(QByteArray("{\"ts\": " + ts + ", \"contents\": " + contents + "}"));
+        };
+        const QVariantMap stamps{{"es", 5}, {"en", 7}};
+        const QString old = "cached";
+        QTest::newRow("es: both stamps equal, nothing downloaded")
+            << "es" << stamps << QVariantMap{{"es", file("5")}, {"en", file("7")}} << QStringList() << 1 << 0 << old << "";
+        QTest::newRow("es: its stamp changed") << "es" << stamps << QVariantMap{{"es", file("6")}, {"en", file("7")}}
+                                               << QStringList{"es"} << 1 << 0 << "new" << "";
+        QTest::newRow("es: the English stamp changed") << "es" << stamps
+            << QVariantMap{{"es", file("5")}, {"en", file("8")}} << QStringList{"en"} << 1 << 0 << old << "";
+        QTest::newRow("es: both changed, two downloads and two outcomes")
+            << "es" << stamps << QVariantMap{{"es", file("6")}, {"en", file("8")}} << QStringList{"en", "es"} << 2 << 0
+            << "new" << "";
+        QTest::newRow("es: no stored stamp for es") << "es" << QVariantMap{{"en", 7}}
+            << QVariantMap{{"es", file("5")}, {"en", file("7")}} << QStringList{"es"} << 1 << 0 << "new" << "";
+        QTest::newRow("es: the listed stamp is null") << "es" << stamps
+            << QVariantMap{{"es", file("null")}, {"en", file("7")}} << QStringList{"es"} << 1 << 0 << "new" << "";
+        QTest::newRow("es: the listed stamp is a text, so missing; the bundle's too")
+            << "es" << stamps << QVariantMap{{"es", file("\"5\"")}, {"en", file("7")}} << QStringList{"es"} << 1 << 0
+            << "new" << "is not a number";
+        QTest::newRow("en current: one request only") << "en" << QVariantMap{{"en", 7}}
+            << QVariantMap{{"es", file("9")}, {"en", file("8")}} << QStringList{"en"} << 1 << 0 << "new" << "";
+        QTest::newRow("en current: stamps equal") << "en" << QVariantMap{{"en", 7}}
+            << QVariantMap{{"es", file("9")}, {"en", file("7")}} << QStringList() << 1 << 0 << old << "";
+        QTest::newRow("a language the service does not list is still asked for")
+            << "pt" << QVariantMap{{"pt", 5}, {"en", 7}} << QVariantMap{{"es", file("5")}, {"en", file("7")}}
+            << QStringList{"pt"} << 0 << 1 << old << "requestBundleDataError";
+        QTest::newRow("contents as a list: refused, texts kept") << "es" << stamps
+            << QVariantMap{{"es", file("6", "[\"probe\"]")}, {"en", file("7")}} << QStringList{"es"} << 0 << 1 << old
+            << "is not a dictionary";
+        QTest::newRow("no contents: refused, texts kept") << "es" << stamps
+            << QVariantMap{{"es", QVariant(QByteArray("{\"ts\": 6}"))}, {"en", file("7")}} << QStringList{"es"} << 0
+            << 1 << old << "is not a dictionary";
+        QTest::newRow("texts that are not text are skipped") << "es" << stamps
+            << QVariantMap{{"es", file("6", R"({"probe": "new", "n": 5, "o": {}, "z": null})")}, {"en", file("7")}}
+            << QStringList{"es"} << 1 << 0 << "new" << "3 entr(ies) whose value is not a text";
+    }
+
+    void refresh()
+    {
+        QFETCH(QString, language);
+        QFETCH(QVariantMap, files);
+        QFETCH(QVariantMap, stored);
+        storeRecord(language, stored);
+        writeFile(cacheFolder() + "/bundle_en", "probe=cached\n");
+        if (language != "en")
+            writeFile(cacheFolder() + "/bundle_user", "probe=cached\n");
+        for (auto it = files.cbegin(); it != files.cend(); ++it)
+            writeFile(m_service->folder() + '/' + it.key() + ".json", it.value().toByteArray());
+
+        BMI18NManager::sharedInstance()->updateBundleTexts();
+        QFETCH(int, available);
+        QFETCH(int, notAvailable);
+        QTRY_COMPARE(m_outcomes->total(), available + notAvailable);
+        QVERIFY(settle());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_outcomes->available.load(), available);
+        QCOMPARE(m_outcomes->notAvailable.load(), notAvailable);
+        QVERIFY(!m_outcomes->offMainThread);
+
+        QFETCH(QStringList, downloads);
+        QStringList requested;
+        for (const QString &path : m_service->requestedPaths()) {
+            if (path.startsWith("/api/v2/message/bundle/"))
+                requested.append(path.section('/', -1));
+        }
+        QCOMPARE(sorted(requested), downloads);
+        QFETCH(QString, probe);
+        QCOMPARE(BMI18NManager::stringForCode("probe"), probe);
+        QFETCH(QString, logged);
+        QVERIFY2(logged.isEmpty() || m_log->contains(logged), qPrintable(m_log->text()));
+    }
+
+    void theServiceGrowsTheLanguageList()
+    {
+        for (const char *language : {"en", "es", "fr", "pt-BR"})
+            writeFile(m_service->folder() + '/' + language + ".json", R"({"ts": 1, "contents": {}})");
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        manager->updateBundleTexts();
+        QTRY_COMPARE(m_outcomes->total(), 1);
+        QCOMPARE(manager->getAvailableLanguages(), QStringList({"en", "es", "fr"}));
+
+        QFile::remove(m_service->folder() + "/fr.json");
+        QFile::remove(m_service->folder() + "/en.json");
+        manager->setCurrentLanguage("fr");
+        manager->updateBundleTexts();
+        QTRY_COMPARE(m_outcomes->notAvailable.load(), 1);
+        QCOMPARE(manager->getAvailableLanguages(), QStringList({"en", "es"}));
+        QCOMPARE(manager->currentLanguage(), QStringLiteral("en"));
+    }
+
+    void aDownloadReplacesTheCachedLanguageAndIsSaved()
+    {
+        storeRecord("fr", {{"fr", 1}, {"en", 1}});
+        writeFile(cacheFolder() + "/bundle_user", "probe=fr cached\n");
+        writeFile(cacheFolder() + "/bundle_en", "probe_en=en cached\n");
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        QCOMPARE(manager->currentLanguage(), QStringLiteral("fr"));
+        QCOMPARE(BMI18NManager::stringForCode("probe"), QStringLiteral("fr cached"));
+
+        deliver("es", 4, {{"probe", "es line one\nline two"}, {"bad=key", "x"}, {"bad\nkey", "y"}});
+        QVERIFY(m_log->contains("requestBundleDataSuccess but bundle not available."));
+        QVERIFY(m_log->contains("2 key(s) holding"));
+        QVERIFY(manager->bundleTextsForLanguage("fr").isEmpty());
+        QVERIFY(!manager->timestampForLanguage("fr"));
+        QCOMPARE(manager->languageCode(), QStringLiteral("es"));
+        QCOMPARE(m_outcomes->languageChanges.load(), 0);
+        // Keys the file cannot hold stay usable from memory.
+        QCOMPARE(BMI18NManager::stringForCode("bad=key"), QStringLiteral("x"));
+        QCOMPARE(readFile(cacheFolder() + "/bundle_user"), QByteArray("probe=es line one\\nline two\n"));
+        QCOMPARE(readFile(cacheFolder() + "/bundle_en"), QByteArray("probe_en=en cached\n"));
+        QVERIFY(readFile(cacheFolder() + "/CACHEDIR.TAG").startsWith("Signature: 8a477f597d28d172789f06886806bc55"));
+        const QVariantMap record = Brightmere::UserDefaults::standard().dictionaryForKey(kI18NDataKey);
+        QCOMPARE(record.value(kI18NLanguageKey).toString(), QStringLiteral("es"));
+        QCOMPARE(record.value(kI18NTimeStampKey).toMap().value("es").toDouble(), 4.0);
+        QTRY_COMPARE(m_outcomes->available.load(), 1);
+
+        // English arriving while es is offered keeps es current.
+        deliver("en", 9, {{"probe_en", "en new"}});
+        QCOMPARE(manager->languageCode(), QStringLiteral("es"));
+
+        // What was saved is what the next start reads.
+        BMI18NManager::resetSharedInstanceForTesting();
+        manager = BMI18NManager::sharedInstance();
+        QCOMPARE(manager->languageCode(), QStringLiteral("es"));
+        QCOMPARE(BMI18NManager::stringForCode("probe"), QStringLiteral("es line one\nline two"));
+        QCOMPARE(BMI18NManager::stringForCode("probe_en"), QStringLiteral("en new"));
+        QCOMPARE(manager->timestampForLanguage("en"), std::optional<double>(9));
+    }
+
+    void cacheFiles_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<Texts>("expected");
+        QTest::addColumn<QString>("logged");
+
+        QTest::newRow("text holding '=', line without '=' skipped")
+            << QByteArray("a=b=c\nabc\n") << Texts{{"a", "b=c"}} << "without";
+        QTest::newRow("a later line wins") << QByteArray("k=1\nk=2\n") << Texts{{"k", "2"}} << "";
+        QTest::newRow("the last line needs no line feed") << QByteArray("k=v") << Texts{{"k", "v"}} << "";
+        QTest::newRow("backslash-n becomes a line feed") << QByteArray("k=C:\\new\n") << Texts{{"k", "C:\new"}} << "";
+        QTest::newRow("UTF-8 text") << QByteArray("es=Espa\xc3\xb1ol\n") << Texts{{"es", "Espa\u00f1ol"}} << "";
+        QTest::newRow("not UTF-8: ignored") << QByteArray("k=v\n\xff\xfe\x00\x01", 8) << Texts() << "not UTF-8";
+        QTest::newRow("binary without '=': nothing") << QByteArray("\x00\x01\x02\n\x7f", 5) << Texts() << "without";
+    }
+
+    void cacheFiles()
+    {
+        QFETCH(QByteArray, file);
+        writeFile(cacheFolder() + "/bundle_user", file);
+        QFETCH(Texts, expected);
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        QCOMPARE(manager->loadBundle("es"), expected);
+        QFETCH(QString, logged);
+        QVERIFY2(logged.isEmpty() || m_log->contains(logged), qPrintable(m_log->text()));
+        // Whatever the file held, lookups work.
+        QCOMPARE(BMI18NManager::stringForCode("k_fwen"), QStringLiteral("fw en k_fwen"));
+
+        // Written back and read again, what was read is kept (line feeds included).
+        manager->saveBundle("es", expected);
+        QCOMPARE(manager->loadBundle("es"), expected);
+    }
+
+    // Faults a well-behaved server never produces, each while texts are held.
+    void transportFailures_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QString>("logged");
+        QTest::addColumn<bool>("succeeds");
+
+        using S = ScriptedHttpServer;
+        const QString token = "/api/v2/auth/token";
+        const QString info = "/api/v2/message/info";
+        const QString bundle = "/api/v2/message/bundle/es";
+        const QByteArray big = S::envelope("{\"pad\": \"" + QByteArray(5000, 'x') + "\"}");
+        const QString listFailed = "requestBundleInfoSuccessBlock error";
+        QTest::newRow("token refused") << token << S::http(200, R"({"code":403,"message":"no"})") << listFailed << false;
+        QTest::newRow("list: HTTP 500") << info << S::http(500, "{}") << listFailed << false;
+        QTest::newRow("list: body cut short") << info << S::http(200, "{\"code\":200,\"da", 400) << listFailed << false;
+        QTest::newRow("list: not JSON") << info << S::http(200, "<html>") << listFailed << false;
+        QTest::newRow("list: never answers") << info << S::hang() << "timed out" << false;
+        QTest::newRow("list: over the size cap") << info << big << "larger than the limit" << false;
+        QTest::newRow("list without bundleArray: the current language is downloaded")
+            << info << S::envelope("{}") << "no \"bundleArray\"" << true;
+        QTest::newRow("bundle: HTTP 500") << bundle << S::http(500, "{}") << "requestBundleDataError" << false;
+        QTest::newRow("bundle: body cut short") << bundle << S::http(200, "{\"code\":200,\"data\":{\"_id\"", 400)
+                                                << "requestBundleDataError" << false;
+        QTest::newRow("bundle: truncated JSON") << bundle << S::http(200, "{\"code\":200,\"data\":{\"_id\":\"es\"")
+                                                << "requestBundleDataError" << false;
+        QTest::newRow("bundle: never answers") << bundle << S::hang() << "timed out" << false;
+        QTest::newRow("bundle: over the size cap") << bundle << big << "larger than the limit" << false;
+        QTest::newRow("bundle: refused in the envelope") << bundle << S::http(200, R"({"code":404,"message":"gone"})")
+                                                         << "requestBundleDataError gone" << false;
+        QTest::newRow("bundle: no data") << bundle << S::http(200, R"({"code":200,"message":"OK"})")
+                                         << "no data object" << false;
+        QTest::newRow("bundle: no language code") << bundle << S::envelope(R"({"ts":2,"contents":{}})")
+                                                  << "no language code" << false;
+    }
+
+    void transportFailures()
+    {
+        QFETCH(QString, path);
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, logged);
+        QFETCH(bool, succeeds);
+        deliver("en", 1, {{"k_all", "dl en all"}});
+        deliver("es", 1, {{"k_all", "dl es all"}});
+        const QByteArray cached = readFile(cacheFolder() + "/bundle_user");
+        m_outcomes->reset();
+
+        ScriptedHttpServer server;
+        server.setAnswer("/api/v2/message/info",
+                         ScriptedHttpServer::envelope(R"({"bundleArray":[{"_id":"es","ts":2},{"_id":"en","ts":1}]})"));
+        server.setAnswer("/api/v2/message/bundle/es",
+                         ScriptedHttpServer::envelope(R"({"_id":"es","ts":2,"contents":{"k_all":"fresh"}})"));
+        server.setAnswer(path, answer);
+        BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
+        BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
+        client->setTimeoutInterval(0.3);
+        client->setMaximumResponseSize(2048);
+
+        BMI18NManager::sharedInstance()->updateBundleTexts();
+        QTRY_COMPARE(m_outcomes->total(), 1);
+        QVERIFY(settle());
+        QCoreApplication::processEvents();
+        QVERIFY2(m_log->contains(logged), qPrintable(m_log->text()));
+        QCOMPARE(m_outcomes->available.load(), succeeds ? 1 : 0);
+        if (succeeds) {
+            QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("fresh"));
+            return;
+        }
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl es all"));
+        QCOMPARE(readFile(cacheFolder() + "/bundle_user"), cached);
+    }
+
+    void anUnwritableCacheFolderKeepsTextsInMemory()
+    {
+        deliver("es", 1, {{"k_all", "dl es all"}});
+        // A file where the folder should be: no permission trick needed, root included.
+        QVERIFY(QDir(cacheFolder()).removeRecursively());
+        writeFile(cacheFolder(), "in the way");
+        deliver("es", 2, {{"k_all", "dl es newer"}});
+        QVERIFY2(m_log->contains("the bundle stays in memory only"), qPrintable(m_log->text()));
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl es newer"));
+        const QVariantMap record = Brightmere::UserDefaults::standard().dictionaryForKey(kI18NDataKey);
+        QCOMPARE(record.value(kI18NTimeStampKey).toMap().value("es").toDouble(), 2.0);
+    }
+
+    // Refreshes from the service and answers on the network thread while the
+    // main thread looks texts up: run under ThreadSanitizer as well.
+    void lookupsDuringRefreshes()
+    {
+        deliver("en", 1, {{"k_all", "dl en all"}});
+        deliver("es", 1, {{"k_all", "dl es all"}});
+        const QSet<QString> valid{"dl es all", "A", "B", "served 0", "served 1"};
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+
+        auto hammered = std::make_shared<std::atomic<int>>(0);
+        for (int i = 0; i < 60; ++i) {
+            BMSDKHTTPSessionManager::performOnNetworkThread([manager, i, hammered] {
+                manager->requestBundleDataSuccessBlock()(BMSDKRestRequestTask(),
+                                                         envelope("es", i, QVariantMap{{"k_all", i % 2 ? "A" : "B"}}));
+                ++*hammered;
+            });
+        }
+        int refreshes = 0;
+        int lookups = 0;
+        while (refreshes < 8 || *hammered < 60) {
+            if (m_outcomes->total() >= refreshes && refreshes < 8) {
+                writeFile(m_service->folder() + "/es.json",
+                          QByteArray("{\"ts\": ") + QByteArray::number(100 + refreshes)
+                              + ", \"contents\": {\"k_all\": \"served " + QByteArray::number(refreshes % 2) + "\"}}");
+                manager->updateBundleTexts();
+                ++refreshes;
+            }
+            for (int i = 0; i < 200; ++i, ++lookups) {
+                const QString text = BMI18NManager::stringForCode("k_all");
+                QVERIFY2(valid.contains(text), qPrintable(text));
+                (void)BMI18NManager::formatNumber(2.79, 1);
+                (void)manager->currentLanguage();
+            }
+            QCoreApplication::processEvents();
+        }
+        QTRY_COMPARE(m_outcomes->total(), 2 + 8 + 60);
+        QCOMPARE(m_outcomes->notAvailable.load(), 0);
+        QVERIFY(lookups > 0);
+    }
+
+private:
+    std::unique_ptr<TestEnvironment> m_env;
+    std::unique_ptr<BMLocalisationService> m_service;
+    std::unique_ptr<Outcomes> m_outcomes;
+    std::unique_ptr<LogCapture> m_log;
+};
+
+QTEST_GUILESS_MAIN(tst_BMI18NManager)
+#include "tst_BMI18NManager.moc"
