@@ -2,17 +2,17 @@
 # Command 1 of the quick start: build everything and run the demo host.
 # Without a display the demo runs offscreen and saves what it shows as PNG.
 #
-# --localisation-service: also start the loopback localisation service on a
-# free port, serving tools/localisation-service/bundles, and point the demo
-# at it (its downloaded texts show in the demo's title).
+# The loopback localisation service starts with it on a free port, serving
+# tools/localisation-service/bundles, and the demo downloads its texts from
+# there. --no-localisation-service runs the demo on its built-in texts only.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BRIGHTMERE_BUILD_DIR:-"$root/build"}
 
-with_service=0
-if [ "${1:-}" = "--localisation-service" ]; then
-    with_service=1
+with_service=1
+if [ "${1:-}" = "--no-localisation-service" ]; then
+    with_service=0
     shift
 fi
 

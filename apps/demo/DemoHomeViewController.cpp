@@ -26,7 +26,7 @@ DemoHomeViewController::~DemoHomeViewController()
 
 void DemoHomeViewController::showTexts()
 {
-    setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_title"), QStringLiteral("Fairzone demo")));
+    setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_title")));
 }
 
 void DemoHomeViewController::notifyTextBundleAvailable(BMI18NNotification *)
