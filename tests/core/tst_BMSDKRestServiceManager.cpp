@@ -1,5 +1,6 @@
 #include "core/BMSDKRestServiceManager.h"
 
+#include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKHTTPSessionManager.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -11,7 +12,6 @@
 #include <QJsonObject>
 #include <QMutex>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
 #include <QUrlQuery>
@@ -83,31 +83,6 @@ bool settle()
     QTest::qWait(50);
     return ok;
 }
-
-// Answers a well-behaved HTTP server never gives, written once the request
-// head has arrived.
-class RawServer : public QTcpServer
-{
-public:
-    explicit RawServer(const QByteArray &answer, bool closeAfter = false)
-    {
-        listen(QHostAddress::LocalHost, 0);
-        connect(this, &QTcpServer::newConnection, this, [this, answer, closeAfter] {
-            QTcpSocket *socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, socket, [socket, answer, closeAfter] {
-                const QByteArray head = socket->property("head").toByteArray() + socket->readAll();
-                socket->setProperty("head", head);
-                if (!head.contains("\r\n\r\n") || socket->property("answered").toBool())
-                    return;
-                socket->setProperty("answered", true);
-                socket->write(answer);
-                if (closeAfter)
-                    socket->disconnectFromHost();
-            });
-        });
-    }
-    QString url() const { return QStringLiteral("http://127.0.0.1:%1/raw").arg(serverPort()); }
-};
 
 const QString kToken = QStringLiteral("tok-8d1f");
 
@@ -182,9 +157,10 @@ private Q_SLOTS:
         Brightmere::NotificationCenter::defaultCenter().removeObserver(this);
         // Still running when the application exits: the network thread must
         // stop without calling the handler and without hanging the process.
-        auto *silent = new RawServer(QByteArray()); // never deleted, so its connection stays open
+        auto *silent = new ScriptedHttpServer; // never deleted, so its connection stays open
+        silent->setFallbackAnswer(ScriptedHttpServer::hang());
         static BMSDKHTTPSessionManager client;
-        client.GET(silent->url(), {}, {}, [](const auto &, const auto &) { qFatal("handler ran at exit"); }, false);
+        client.GET(silent->baseUrl() + QStringLiteral("/raw"), {}, {}, [](const auto &, const auto &) { qFatal("handler ran at exit"); }, false);
         QVERIFY(settle());
     }
 
@@ -313,16 +289,18 @@ private Q_SLOTS:
         QFETCH(QString, expectedText);
 
         const int notConnected = kRestServiceErrorNotConnected;
-        std::unique_ptr<RawServer> raw;
+        std::unique_ptr<ScriptedHttpServer> raw;
         QString address = url(source);
         if (source == u"refused") {
             QTcpServer probe;
             QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
             address = QStringLiteral("http://127.0.0.1:%1/gone").arg(probe.serverPort());
         } else if (source.startsWith(u"raw")) {
-            raw = std::make_unique<RawServer>(source.mid(source.indexOf(u':') + 1).toLatin1(),
-                                              source.startsWith(u"raw+close"));
-            address = raw->url();
+            raw = std::make_unique<ScriptedHttpServer>();
+            raw->setFallbackAnswer(source.mid(source.indexOf(u':') + 1).toLatin1(),
+                                   source.startsWith(u"raw+close") ? ScriptedHttpServer::Ending::Close
+                                                                   : ScriptedHttpServer::Ending::KeepOpen);
+            address = raw->baseUrl() + QStringLiteral("/raw");
         }
 
         BMSDKHTTPSessionManager client;
