@@ -1,0 +1,100 @@
+#include "Switch.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QVariantAnimation>
+
+namespace Brightmere {
+
+namespace {
+
+const QColor kOnColor(52, 199, 89);
+const QColor kOffColor(218, 218, 222);
+const QColor kKnobColor(255, 255, 255);
+const QColor kKnobShadow(0, 0, 0, 70);
+constexpr int kSlideMilliseconds = 150;
+
+} // namespace
+
+Switch::Switch(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setCheckable(true);
+    setCursor(Qt::PointingHandCursor);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    m_slide = new QVariantAnimation(this);
+    m_slide->setDuration(kSlideMilliseconds);
+    connect(m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
+        m_position = value.toReal();
+        update();
+    });
+}
+
+void Switch::setOn(bool on, bool animated)
+{
+    m_animateNext = animated;
+    setChecked(on);
+    m_animateNext = false;
+}
+
+QSize Switch::sizeHint() const
+{
+    return {kWidth, kHeight};
+}
+
+void Switch::checkStateSet()
+{
+    moveKnob();
+}
+
+void Switch::nextCheckState()
+{
+    // A tap slides the knob; a change from code jumps unless asked to slide.
+    m_animateNext = true;
+    QAbstractButton::nextCheckState();
+    m_animateNext = false;
+}
+
+void Switch::moveKnob()
+{
+    const bool animated = m_animateNext;
+    const qreal target = isChecked() ? 1.0 : 0.0;
+    m_slide->stop();
+    if (!animated) {
+        m_position = target;
+        update();
+        return;
+    }
+    m_slide->setStartValue(m_position);
+    m_slide->setEndValue(target);
+    m_slide->start();
+}
+
+void Switch::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF track = QRectF(0, 0, kWidth, kHeight).translated((width() - kWidth) / 2.0, (height() - kHeight) / 2.0);
+    const qreal radius = track.height() / 2.0;
+
+    QColor fill;
+    fill.setRgbF(kOffColor.redF() + (kOnColor.redF() - kOffColor.redF()) * m_position,
+                 kOffColor.greenF() + (kOnColor.greenF() - kOffColor.greenF()) * m_position,
+                 kOffColor.blueF() + (kOnColor.blueF() - kOffColor.blueF()) * m_position);
+    if (!isEnabled())
+        fill.setAlphaF(0.5f);
+    QPainterPath path;
+    path.addRoundedRect(track, radius, radius);
+    painter.fillPath(path, fill);
+
+    const qreal knob = track.height() - 4.0;
+    const qreal x = track.left() + 2.0 + (track.width() - knob - 4.0) * m_position;
+    const QRectF knobRect(x, track.top() + 2.0, knob, knob);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kKnobShadow);
+    painter.drawEllipse(knobRect.translated(0, 1));
+    painter.setBrush(kKnobColor);
+    painter.drawEllipse(knobRect);
+}
+
+} // namespace Brightmere

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAbstractButton>
+
+class QVariantAnimation;
+
+namespace Brightmere {
+
+// The platform's on/off switch: a pill with a round knob that slides to the
+// right when on. A click toggles it; setOn() changes it from code. It starts
+// off.
+class Switch : public QAbstractButton
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kWidth = 51;
+    static constexpr int kHeight = 31;
+
+    explicit Switch(QWidget *parent = nullptr);
+
+    bool isOn() const { return isChecked(); }
+    void setOn(bool on, bool animated = false);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void checkStateSet() override;
+    void nextCheckState() override;
+
+private:
+    void moveKnob();
+
+    qreal m_position = 0.0; // 0 off, 1 on
+    bool m_animateNext = false;
+    QVariantAnimation *m_slide = nullptr;
+};
+
+} // namespace Brightmere
