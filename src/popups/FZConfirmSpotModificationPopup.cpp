@@ -1,0 +1,87 @@
+#include "FZConfirmSpotModificationPopup.h"
+
+#include "platform/views/Switch.h"
+#include "ui/BrightmereColor.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr int kNoteFontPixels = 13;
+constexpr int kSideMargin = 10;
+constexpr int kVerticalMargin = 2;
+constexpr int kSpacing = 8;
+// Air between the note and the title above and the buttons below.
+constexpr int kRowPadding = 4;
+
+} // namespace
+
+FZConfirmSpotModificationPopup::FZConfirmSpotModificationPopup(QWidget *parent)
+    : FZOptionsPopup(parent)
+{
+}
+
+FZConfirmSpotModificationPopup *FZConfirmSpotModificationPopup::popupWithOptions(const QStringList &options,
+                                                                                 int orientation)
+{
+    return popupWithOptions(options, orientation, Qt::PlainText);
+}
+
+FZConfirmSpotModificationPopup *FZConfirmSpotModificationPopup::popupWithOptions(const QStringList &options,
+                                                                                 int orientation,
+                                                                                 Qt::TextFormat noteFormat)
+{
+    return build<FZConfirmSpotModificationPopup>(
+        options, orientation,
+        [noteFormat](FZConfirmSpotModificationPopup *popup) { popup->m_noteFormat = noteFormat; });
+}
+
+bool FZConfirmSpotModificationPopup::isAlwaysSwitchOn() const
+{
+    return m_optionSwitch && m_optionSwitch->isOn();
+}
+
+QWidget *FZConfirmSpotModificationPopup::viewOnTopOfOptions(QWidget *) const
+{
+    return m_viewOnTopOfOptions.data();
+}
+
+QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option, int index, int count,
+                                                           QWidget *parentView, QWidget *previousView,
+                                                           QWidget *previousOptionView)
+{
+    if (index != 1)
+        return FZOptionsPopup::addViewWithOption(option, index, count, parentView, previousView, previousOptionView);
+
+    auto *row = new QWidget(parentView);
+    row->setObjectName(QStringLiteral("confirmRow"));
+    // The card's colour shows through: the row reads as part of the card.
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
+    layout->setSpacing(kSpacing);
+
+    m_note = new QLabel(row);
+    m_note->setObjectName(QStringLiteral("confirmNote"));
+    QFont font = m_note->font();
+    font.setPixelSize(kNoteFontPixels);
+    m_note->setFont(font);
+    m_note->setWordWrap(true);
+    m_note->setTextFormat(m_noteFormat == Qt::RichText ? Qt::RichText : Qt::PlainText);
+    m_note->setText(option);
+    QPalette palette = m_note->palette();
+    palette.setColor(QPalette::WindowText, Brightmere::Color::system(3));
+    m_note->setPalette(palette);
+    layout->addWidget(m_note, 1, Qt::AlignVCenter);
+
+    m_optionSwitch = new Brightmere::Switch(row);
+    m_optionSwitch->setObjectName(QStringLiteral("optionSwitch"));
+    layout->addWidget(m_optionSwitch, 0, Qt::AlignVCenter);
+
+    m_viewOnTopOfOptions = row;
+    const int noteWidth = kCardWidth - 2 * kSideMargin - kSpacing - Brightmere::Switch::kWidth;
+    const int content = std::max(m_note->heightForWidth(noteWidth), int(Brightmere::Switch::kHeight));
+    const int height = content + 2 * kVerticalMargin + 2 * kRowPadding;
+    stackRow(row, height);
+    return row;
+}

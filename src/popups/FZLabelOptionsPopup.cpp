@@ -1,0 +1,63 @@
+#include "FZLabelOptionsPopup.h"
+
+#include "platform/foundation/NotificationCenter.h"
+#include "ui/BrightmereColor.h"
+
+#include <QLabel>
+
+namespace {
+
+constexpr int kNoteFontPixels = 12;
+constexpr int kSideMargin = 10;
+constexpr int kVerticalMargin = 2;
+constexpr int kMinimumRowHeight = 36;
+
+} // namespace
+
+FZLabelOptionsPopup::FZLabelOptionsPopup(QWidget *parent)
+    : FZOptionsPopup(parent)
+{
+}
+
+FZLabelOptionsPopup::~FZLabelOptionsPopup()
+{
+    // Nothing may reach a popup that is gone.
+    Brightmere::NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+FZLabelOptionsPopup *FZLabelOptionsPopup::popupWithOptions(const QStringList &options, int orientation)
+{
+    return build<FZLabelOptionsPopup>(options, orientation);
+}
+
+QWidget *FZLabelOptionsPopup::viewOnTopOfOptions(QWidget *) const
+{
+    return m_viewOnTopOfOptions.data();
+}
+
+QWidget *FZLabelOptionsPopup::addViewWithOption(const QString &option, int index, int count, QWidget *parentView,
+                                                QWidget *previousView, QWidget *previousOptionView)
+{
+    if (index != 1)
+        return FZOptionsPopup::addViewWithOption(option, index, count, parentView, previousView, previousOptionView);
+
+    auto *note = new QLabel(option, parentView);
+    note->setObjectName(QStringLiteral("labelNote"));
+    QFont font = note->font();
+    font.setPixelSize(kNoteFontPixels);
+    note->setFont(font);
+    note->setAlignment(Qt::AlignCenter);
+    note->setWordWrap(true);
+    note->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
+    // The card's own colour: the note reads as part of the card.
+    note->setAutoFillBackground(false);
+    QPalette palette = note->palette();
+    palette.setColor(QPalette::Window, Brightmere::Color::system(2));
+    palette.setColor(QPalette::WindowText, Brightmere::Color::colorFromHex(QStringLiteral("999999")));
+    note->setPalette(palette);
+    const int twoLines = 2 * QFontMetrics(font).lineSpacing() + 2 * kVerticalMargin;
+    const int height = std::max(kMinimumRowHeight, std::min(note->heightForWidth(kCardWidth), twoLines));
+    m_viewOnTopOfOptions = note;
+    stackRow(note, height);
+    return note;
+}

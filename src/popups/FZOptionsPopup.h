@@ -1,0 +1,143 @@
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+
+class QPushButton;
+class QVariantAnimation;
+
+// The kit's one modal chooser: a dimmed layer over the whole key window with
+// a small rounded card in the middle. Entry 0 of the options is the card's
+// title; the others are buttons, numbered by their place in the options.
+// Pressing a button takes the popup off the screen and then calls
+// optionChosenBlock with that number. Subclasses put one extra row under the
+// title (entry 1), so their first button is number 2.
+//
+// Use: make it with popupWithOptions(), set optionChosenBlock, show(). The
+// key window owns the popup from then on; it deletes itself once a button
+// is pressed or dismiss() is called. Main thread only.
+class FZOptionsPopup : public QWidget
+{
+    Q_OBJECT
+
+public:
+    using OptionChosenBlock = std::function<void(int index)>;
+    using DismissBlock = std::function<void()>;
+    // Places a view in the card; see optionsMakeConstraintsBlockWithOrientation.
+    using MakeConstraintsBlock = std::function<void(QWidget *view, QWidget *previousView, QWidget *previousOptionView)>;
+
+    enum Orientation { Vertical = 0, Horizontal = 1 };
+
+    static constexpr int kCardWidth = 230;
+    static constexpr int kOptionHeight = 43;
+    static constexpr int kTitleExtraHeight = 20;
+    static constexpr int kCornerRadius = 10;
+    // The property that holds a view's number in the options; 0 for views
+    // that are not buttons.
+    static constexpr const char *kTagProperty = "tag";
+
+    explicit FZOptionsPopup(QWidget *parent = nullptr);
+    ~FZOptionsPopup() override;
+
+    // Built whole, not shown yet. An orientation other than 0 or 1 is logged
+    // and taken as vertical.
+    static FZOptionsPopup *popupWithOptions(const QStringList &options, int orientation = Vertical);
+
+    OptionChosenBlock optionChosenBlock() const { return m_optionChosenBlock; }
+    void setOptionChosenBlock(OptionChosenBlock block) { m_optionChosenBlock = std::move(block); }
+    // Kept for the caller; the popup never calls it.
+    DismissBlock onDismissBlock() const { return m_onDismissBlock; }
+    void setOnDismissBlock(DismissBlock block) { m_onDismissBlock = std::move(block); }
+
+    int orientation() const { return m_orientation; }
+    // How far the card's centre sits below the popup's centre (negative: above).
+    qreal centerVerticalConstraint() const { return m_centerVerticalConstraint; }
+    // The card slides there over the given seconds, or jumps when 0.
+    void setCenterVerticalConstraint(qreal offset, double animationSeconds = 0.0);
+    QWidget *popupContainerView() const { return m_card; }
+
+    // Adds the popup to the key window, covering it edge to edge. Without a
+    // key window it is logged and the popup deletes itself.
+    virtual void show();
+    // Takes the popup off the screen without calling any block.
+    virtual void dismiss();
+    // What every button does on release: a sender whose tag is 0 changes
+    // nothing; otherwise the popup leaves the screen and then the block gets
+    // the tag.
+    virtual void optionPressed(QObject *sender);
+
+    // The buttons and separators, in card order.
+    QList<QPushButton *> optionButtons() const;
+    QList<QWidget *> separators() const;
+
+    static int tagOf(const QObject *view);
+
+protected:
+    // Makes a T and builds its card; prepare runs in between, for settings
+    // the building reads.
+    template<typename T>
+    static T *build(const QStringList &options, int orientation, const std::function<void(T *)> &prepare = {})
+    {
+        auto *popup = new T;
+        if (prepare)
+            prepare(popup);
+        static_cast<FZOptionsPopup *>(popup)->initWithPopupOptions(options, orientation);
+        return popup;
+    }
+
+    virtual void initWithPopupOptions(const QStringList &options, int orientation);
+    // Vertical: every view goes under the one before, full width. Horizontal:
+    // the buttons and separators share one row under viewOnTopOfOptions().
+    virtual MakeConstraintsBlock optionsMakeConstraintsBlockWithOrientation(int orientation);
+    // Whether the view just added to the card is its first button.
+    virtual bool isFirstOptionView(QWidget *view) const;
+    // The row the buttons of a horizontal card sit under.
+    virtual QWidget *viewOnTopOfOptions(QWidget *parentView) const;
+    virtual int firstOptionViewIndex() const { return 1; }
+    virtual void addSubviewsWithOptions(const QStringList &options, QWidget *parentView, int orientation);
+    // Makes the view of one entry, adds it to parentView and places it.
+    virtual QWidget *addViewWithOption(const QString &option, int index, int count, QWidget *parentView,
+                                       QWidget *previousView, QWidget *previousOptionView);
+
+    // A full-width row stacked under the rows before it, of the given height.
+    void stackRow(QWidget *view, int height);
+    // Places the rows in the card and the card in the popup.
+    void layoutCard();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    struct Placed
+    {
+        QPointer<QWidget> view;
+        int height = 0;
+    };
+
+    void leaveScreen();
+    void roundOuterCorners();
+    void fitButtonFonts();
+    QWidget *makeSeparator(QWidget *parentView);
+
+    OptionChosenBlock m_optionChosenBlock;
+    DismissBlock m_onDismissBlock;
+    int m_orientation = Vertical;
+    qreal m_centerVerticalConstraint = 0.0;
+    qreal m_shownOffset = 0.0; // differs from the constraint while the card slides
+    QWidget *m_card = nullptr;
+    MakeConstraintsBlock m_makeConstraints;
+    QList<Placed> m_column;
+    QList<QPointer<QWidget>> m_row;
+    QList<QPointer<QPushButton>> m_buttons;
+    QList<QPointer<QWidget>> m_separators;
+    QPointer<QWidget> m_window;
+    QVariantAnimation *m_slide = nullptr;
+};

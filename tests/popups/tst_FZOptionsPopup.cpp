@@ -1,0 +1,254 @@
+#include "LogCapture.h"
+#include "platform/views/KeyboardNotifications.h"
+#include "platform/views/KeyWindow.h"
+#include "platform/views/Switch.h"
+#include "popups/FZConfirmSpotModificationPopup.h"
+#include "popups/FZLabelOptionsPopup.h"
+#include "popups/FZTextViewOptionsPopup.h"
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+
+#include <memory>
+
+using Brightmere::KeyboardNotifications;
+
+// The popup family: what a press reports, how the card is laid out, and how
+// the text popup follows the keyboard.
+class tst_FZOptionsPopup : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void pressReportsTheOptionIndex_data();
+    void pressReportsTheOptionIndex();
+    void tagZeroIsIgnoredAndDismissCallsNothing();
+    void cardLayout_data();
+    void cardLayout();
+    void alwaysSwitchIsReadInsideTheBlock_data();
+    void alwaysSwitchIsReadInsideTheBlock();
+    void textPopupConfiguresItsFieldAndFollowsTheKeyboard();
+
+private:
+    FZOptionsPopup *make(const QString &kind, const QStringList &options, int orientation);
+    std::unique_ptr<QWidget> m_window;
+};
+
+void tst_FZOptionsPopup::init()
+{
+    m_window = std::make_unique<QWidget>();
+    m_window->resize(375, 667);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    Brightmere::KeyWindow::makeKeyWindow(m_window.get());
+}
+
+void tst_FZOptionsPopup::cleanup()
+{
+    m_window.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+FZOptionsPopup *tst_FZOptionsPopup::make(const QString &kind, const QStringList &options, int orientation)
+{
+    if (kind == "text")
+        return FZTextViewOptionsPopup::popupWithOptions(options, orientation);
+    if (kind == "label")
+        return FZLabelOptionsPopup::popupWithOptions(options, orientation);
+    if (kind == "confirm")
+        return FZConfirmSpotModificationPopup::popupWithOptions(options, orientation);
+    return FZOptionsPopup::popupWithOptions(options, orientation);
+}
+
+void tst_FZOptionsPopup::pressReportsTheOptionIndex_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<int>("button"); // which button is pressed, from 0
+    QTest::addColumn<int>("reported");
+    QTest::newRow("base, first button is 1") << "base" << 0 << 0 << 1;
+    QTest::newRow("base, ok after cancel is 2") << "base" << 1 << 1 << 2;
+    QTest::newRow("text popup counts from 2") << "text" << 0 << 0 << 2;
+    QTest::newRow("label popup, second button 3") << "label" << 1 << 1 << 3;
+    QTest::newRow("confirm popup, delete is 3") << "confirm" << 1 << 1 << 3;
+}
+
+void tst_FZOptionsPopup::pressReportsTheOptionIndex()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, orientation);
+    QFETCH(int, button);
+    QFETCH(int, reported);
+    QStringList options{"Title"};
+    if (kind != "base")
+        options.append("Note");
+    options << "cancel" << "ok";
+    QPointer<FZOptionsPopup> popup = make(kind, options, orientation);
+    QList<int> chosen;
+    bool offScreenInBlock = false;
+    popup->setOptionChosenBlock([&](int index) {
+        chosen.append(index);
+        offScreenInBlock = !popup->isVisible() && popup->parentWidget() != m_window.get();
+    });
+    popup->show();
+    QCOMPARE(popup->parentWidget(), m_window.get());
+    QCOMPARE(popup->geometry(), m_window->rect());
+
+    QTest::mouseClick(popup->optionButtons().at(button), Qt::LeftButton);
+    QCOMPARE(chosen, QList<int>{reported});
+    QVERIFY(offScreenInBlock);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!popup); // not reused
+}
+
+void tst_FZOptionsPopup::tagZeroIsIgnoredAndDismissCallsNothing()
+{
+    QPointer<FZOptionsPopup> popup = FZOptionsPopup::popupWithOptions({"Title", "cancel", "ok"});
+    int calls = 0;
+    popup->setOptionChosenBlock([&](int) { ++calls; });
+    popup->setOnDismissBlock([&] { ++calls; });
+    popup->show();
+    QObject untagged;
+    popup->optionPressed(&untagged);
+    popup->optionPressed(nullptr);
+    popup->optionPressed(popup->popupContainerView()->findChild<QWidget *>("popupTitle"));
+    QVERIFY(popup->isVisible());
+    popup->dismiss();
+    QVERIFY(!popup->isVisible());
+    QCOMPARE(calls, 0);
+
+    // Without a key window the popup is logged and let go.
+    m_window->hide();
+    LogCapture log;
+    QPointer<FZOptionsPopup> lost = FZOptionsPopup::popupWithOptions({"Title", "ok"});
+    lost->show();
+    QVERIFY(log.contains("no key window"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!lost);
+}
+
+void tst_FZOptionsPopup::cardLayout_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<int>("buttons");
+    QTest::newRow("base vertical, three buttons") << "base" << 0 << 3;
+    QTest::newRow("base horizontal, three buttons") << "base" << 1 << 3;
+    QTest::newRow("label horizontal, two buttons") << "label" << 1 << 2;
+    QTest::newRow("confirm vertical, one button") << "confirm" << 0 << 1;
+    QTest::newRow("text horizontal, four buttons") << "text" << 1 << 4;
+    QTest::newRow("title only: no button") << "base" << 0 << 0;
+}
+
+void tst_FZOptionsPopup::cardLayout()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, orientation);
+    QFETCH(int, buttons);
+    QStringList options{"A title long enough to wrap onto a second line of the card"};
+    if (kind != "base")
+        options.append("Note");
+    for (int i = 0; i < buttons; ++i)
+        options.append(QString("Option %1").arg(i));
+    FZOptionsPopup *popup = make(kind, options, orientation);
+    popup->show();
+    QWidget *card = popup->popupContainerView();
+    QCOMPARE(card->width(), FZOptionsPopup::kCardWidth);
+    QVERIFY(qAbs(card->geometry().center().y() - popup->rect().center().y()) <= 1);
+    QCOMPARE(popup->separators().size(), std::max(0, buttons - 1));
+
+    const QList<QPushButton *> list = popup->optionButtons();
+    QCOMPARE(list.size(), buttons);
+    int bottom = 0;
+    for (int i = 0; i < list.size(); ++i) {
+        const QRect r = list.at(i)->geometry();
+        QCOMPARE(r.height(), FZOptionsPopup::kOptionHeight);
+        QCOMPARE(FZOptionsPopup::tagOf(list.at(i)), i + (kind == "base" ? 1 : 2));
+        bottom = std::max(bottom, r.bottom());
+        if (i == 0)
+            continue;
+        const QRect previous = list.at(i - 1)->geometry();
+        if (orientation == 1) {
+            QCOMPARE(r.width(), previous.width());
+            QCOMPARE(r.top(), previous.top());
+            QCOMPARE(r.left(), previous.right() + 2); // one separator between
+        } else {
+            QCOMPARE(r.width(), FZOptionsPopup::kCardWidth);
+            QCOMPARE(r.top(), previous.bottom() + 2);
+        }
+    }
+    if (buttons > 0)
+        QCOMPARE(bottom, card->height() - 1); // the last row closes the card
+    // The title is white on medium blue, fitted to its text plus 20.
+    auto *title = card->findChild<QLabel *>("popupTitle");
+    QVERIFY(title->height() > title->fontMetrics().height() * 2);
+}
+
+void tst_FZOptionsPopup::alwaysSwitchIsReadInsideTheBlock_data()
+{
+    QTest::addColumn<bool>("turnOn");
+    QTest::newRow("left off") << false;
+    QTest::newRow("turned on by a tap") << true;
+}
+
+void tst_FZOptionsPopup::alwaysSwitchIsReadInsideTheBlock()
+{
+    QFETCH(bool, turnOn);
+    auto *popup = FZConfirmSpotModificationPopup::popupWithOptions({"Spot 3", "Always delete", "cancel", "delete"}, 1);
+    QVERIFY(!popup->isAlwaysSwitchOn());
+    bool seen = !turnOn;
+    int index = 0;
+    popup->setOptionChosenBlock([&, popup](int chosen) {
+        index = chosen;
+        seen = popup->isAlwaysSwitchOn();
+    });
+    popup->show();
+    if (turnOn)
+        QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
+    QTest::mouseClick(popup->optionButtons().last(), Qt::LeftButton);
+    QCOMPARE(index, 3);
+    QCOMPARE(seen, turnOn);
+}
+
+void tst_FZOptionsPopup::textPopupConfiguresItsFieldAndFollowsTheKeyboard()
+{
+    int configured = 0;
+    auto *popup = FZTextViewOptionsPopup::popupWithOptions(
+        {"Save run", "Give it a name", "cancel", "save"},
+        [&](QLineEdit *field) {
+            ++configured;
+            field->setPlaceholderText("Run name");
+        },
+        1);
+    QCOMPARE(configured, 1);
+    QCOMPARE(popup->textField()->placeholderText(), QString("Run name"));
+    popup->show();
+    QWidget *card = popup->popupContainerView();
+    const QRect centred = card->geometry();
+
+    // A 260-point keyboard: the card moves to the middle of the 407 points left.
+    KeyboardNotifications::postKeyboardDidShow(QRect(0, 407, 375, 260));
+    QCOMPARE(popup->centerVerticalConstraint(), 407 / 2.0 - 667 / 2.0);
+    QTRY_COMPARE(card->geometry().center().y(), 407 / 2);
+    // The suggestions bar grows the keyboard: moved again, from where it was unshifted.
+    KeyboardNotifications::postKeyboardDidShow(QRect(0, 367, 375, 300));
+    QCOMPARE(popup->centerVerticalConstraint(), 367 / 2.0 - 667 / 2.0);
+    QTRY_COMPARE(card->geometry().center().y(), 367 / 2);
+    // Hiding leaves the card where it is.
+    KeyboardNotifications::postKeyboardWillHide(QRect(0, 667, 375, 300));
+    QCOMPARE(popup->centerVerticalConstraint(), 367 / 2.0 - 667 / 2.0);
+    QCOMPARE(card->geometry().center().y(), 367 / 2);
+    QVERIFY(card->geometry() != centred);
+
+    // Gone popups hear nothing.
+    popup->dismiss();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    KeyboardNotifications::postKeyboardDidShow(QRect(0, 407, 375, 260));
+}
+
+QTEST_MAIN(tst_FZOptionsPopup)
+#include "tst_FZOptionsPopup.moc"
