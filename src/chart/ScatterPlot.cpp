@@ -219,9 +219,14 @@ void ScatterPlot::setVisibleXRange(double minimum, double maximum)
 {
     if (minimum == m_visibleMinimum && maximum == m_visibleMaximum)
         return;
+    // A plot already wholly left of the range stays empty as the range moves
+    // on: with hundreds of lines scrolled away, each sample costs no search.
+    const bool staysLeft = m_ascending && !m_seriesShown && !m_cache.isEmpty() && m_cache.last().x() < minimum
+        && m_cache.last().x() < m_visibleMinimum;
     m_visibleMinimum = minimum;
     m_visibleMaximum = maximum;
-    feedVisiblePoints();
+    if (!staysLeft)
+        feedVisiblePoints();
 }
 
 std::pair<qsizetype, qsizetype> ScatterPlot::visibleSlice() const

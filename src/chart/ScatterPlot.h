@@ -24,7 +24,8 @@ class PlotDataSource;
 // graph's x range plus the one just outside each end (so the line runs to
 // the edges), and a plot with nothing in range takes its series out of the
 // chart until it has again. So drawing costs the same however long the plot
-// grows and however many plots have scrolled away.
+// grows and however many plots have scrolled away. Records whose x never
+// decreases are found by bisection; otherwise every record is looked at.
 class ScatterPlot : public QObject
 {
     Q_OBJECT
