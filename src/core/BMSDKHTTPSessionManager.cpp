@@ -407,31 +407,21 @@ void BMSDKHTTPSessionManager::Request::onFinished()
     }
 
     // 4. Parse.
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(m_body, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
+    QString problem;
+    const std::optional<QVariantMap> response = responseFromBody(m_body, &problem);
+    if (!response) {
         fail(status,
              BMError(domain, kRestServiceErrorMalformedResponse,
-                     QStringLiteral("The answer from %1 is not JSON (%2 at offset %3)")
-                         .arg(address(), parseError.errorString())
-                         .arg(parseError.offset)),
-             false);
-        return;
-    }
-    if (!document.isObject()) {
-        fail(status,
-             BMError(domain, kRestServiceErrorMalformedResponse,
-                     QStringLiteral("The answer from %1 is a JSON array, not an object").arg(address())),
+                     QStringLiteral("The answer from %1 is %2").arg(address(), problem)),
              false);
         return;
     }
 
     // 5. Use.
     const BMSDKRestRequestTask task(id, url, status);
-    const QVariantMap response = document.object().toVariantMap();
     m_body.clear();
     if (success)
-        callHandler("success", [&] { success(task, response); });
+        callHandler("success", [&] { success(task, *response); });
 }
 
 void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error, bool connectivity)
@@ -447,6 +437,23 @@ void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error
     const std::optional<BMSDKRestRequestTask> task = BMSDKRestRequestTask(id, url, statusCode);
     if (failure)
         callHandler("failure", [&] { failure(task, error); });
+}
+
+std::optional<QVariantMap> BMSDKHTTPSessionManager::responseFromBody(const QByteArray &body, QString *problem)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(body, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        if (problem)
+            *problem = QStringLiteral("not JSON (%1 at offset %2)").arg(parseError.errorString()).arg(parseError.offset);
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        if (problem)
+            *problem = QStringLiteral("a JSON array, not an object");
+        return std::nullopt;
+    }
+    return document.object().toVariantMap();
 }
 
 BMSDKHTTPSessionManager::BMSDKHTTPSessionManager(QObject *parent)
