@@ -12,6 +12,7 @@
 #include "platform/foundation/UserDefaults.h"
 
 #include <QDir>
+#include <QHashFunctions>
 #include <QLoggingCategory>
 #include <QStandardPaths>
 
@@ -85,6 +86,8 @@ QString FuzzEntryPoints::targetName(Target target)
 
 void FuzzEntryPoints::setUp(const QString &folder)
 {
+    // The same input walks the same hash order on every run.
+    QHashSeed::setDeterministicGlobalSeed();
     QStandardPaths::setTestModeEnabled(false);
     qputenv("XDG_CACHE_HOME", QDir(folder).filePath(QStringLiteral("cache")).toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", QDir(folder).filePath(QStringLiteral("config")).toLocal8Bit());
