@@ -2,7 +2,7 @@
 # Runs the tests under sanitizers:
 #
 #   bash scripts/test-sanitized.sh            # every test, AddressSanitizer + UndefinedBehaviorSanitizer (build-asan/)
-#   bash scripts/test-sanitized.sh thread     # the localisation thread test, ThreadSanitizer (build-tsan/)
+#   bash scripts/test-sanitized.sh thread     # the tests that cross threads, ThreadSanitizer (build-tsan/)
 #
 # Any report fails the test it came from. Extra arguments go to ctest.
 set -euo pipefail
@@ -21,8 +21,12 @@ address)
 thread)
     build_dir=${BRIGHTMERE_TSAN_BUILD_DIR:-"$root/build-tsan"}
     sanitize=thread
-    build_targets=(tst_BMI18NManager)
-    tests=(-R '^tst_BMI18NManager$')
+    # The localisation manager's thread test (lookupsDuringRefreshes) and the
+    # other tests whose work crosses threads: notifications, the service
+    # clients on the network thread, the main queue, the fault injection.
+    build_targets=(tst_BMI18NManager tst_BMI18NNotification tst_BMI18NServiceManager
+                   tst_BMSDKRestServiceManager tst_MainQueue tst_I18NServiceFaults)
+    tests=(-R "^($(IFS='|'; echo "${build_targets[*]}"))\$")
     ;;
 *)
     echo "usage: $0 [address|thread] [ctest arguments...]" >&2

@@ -3,6 +3,7 @@
 #include "BMBaseNotification.h"
 #include "BMLogger.h"
 #include "BMSDKRestServiceManager.h"
+#include "platform/foundation/TaskList.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -56,6 +57,8 @@ struct NetworkRuntime
     QThread *thread = nullptr;
     QObject *context = nullptr;
     bool closing = false;
+    // What the queued calls to the context run, one each (see TaskList).
+    Brightmere::TaskList tasks;
 };
 
 NetworkRuntime &runtime()
@@ -104,23 +107,26 @@ void shutDownNetworkThread()
     if (!thread)
         return;
 
-    QMetaObject::invokeMethod(
-        context,
-        [context] {
-            NetworkThreadState &s = threadState();
-            s.shuttingDown = true;
-            const QSet<QNetworkReply *> replies = s.replies;
-            if (!replies.isEmpty())
-                logLine(1, "application exit: dropping %@ running request(s)", replies.size());
-            for (QNetworkReply *reply : replies)
-                reply->abort();
-            delete s.nam;
+    r.tasks.add([context] {
+        NetworkThreadState &s = threadState();
+        s.shuttingDown = true;
+        const QSet<QNetworkReply *> replies = s.replies;
+        if (!replies.isEmpty())
+            logLine(1, "application exit: dropping %@ running request(s)", replies.size());
+        for (QNetworkReply *reply : replies)
+            reply->abort();
+        delete s.nam;
+        {
+            // Published under the runtime's lock, which the thread waiting
+            // for this one takes next: a race check sees the order too.
+            QMutexLocker lock(&runtime().mutex);
             s = NetworkThreadState();
-            // Deferred deletes are run as the thread finishes.
-            context->deleteLater();
-            QThread::currentThread()->quit();
-        },
-        Qt::QueuedConnection);
+        }
+        // Deferred deletes are run as the thread finishes.
+        context->deleteLater();
+        QThread::currentThread()->quit();
+    });
+    QMetaObject::invokeMethod(context, [] { runtime().tasks.runNext(); }, Qt::QueuedConnection);
 
     const bool finished = thread->wait(QDeadlineTimer(kShutdownWaitMs));
     if (finished)
@@ -129,6 +135,7 @@ void shutDownNetworkThread()
         logLine(3, "the network thread did not stop within %@ ms; it is left running", kShutdownWaitMs);
 
     QMutexLocker lock(&r.mutex);
+    r.tasks.clear();
     r.closing = false;
 }
 
@@ -592,6 +599,8 @@ bool BMSDKHTTPSessionManager::performOnNetworkThread(std::function<void()> task)
     QObject *context = networkContext(r);
     if (!context)
         return false;
-    QMetaObject::invokeMethod(context, std::move(task), Qt::QueuedConnection);
+    r.tasks.add(std::move(task));
+    // Captures nothing: the task waits in the list (see TaskList).
+    QMetaObject::invokeMethod(context, [] { runtime().tasks.runNext(); }, Qt::QueuedConnection);
     return true;
 }

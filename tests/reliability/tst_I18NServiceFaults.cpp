@@ -15,6 +15,7 @@
 #include "platform/foundation/LocalizedBundle.h"
 #include "platform/foundation/UserDefaults.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
@@ -133,7 +134,7 @@ void tst_I18NServiceFaults::faults_data()
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("ending");
     QTest::addColumn<int>("dripMs");
-    // A fragment of the log line that names the cause.
+    // A pattern of the log line that names the cause.
     QTest::addColumn<QString>("cause");
     // The designed exception: a list the manager cannot read makes it
     // download the current language, which the healthy bundle then gives.
@@ -155,11 +156,12 @@ void tst_I18NServiceFaults::faults_data()
 
         row("HTTP 500") << stage.path << S::http(500, "{}") << close << 0 << "HTTP 500" << false;
         row("HTTP 404") << stage.path << S::http(404, "{}") << close << 0 << "HTTP 404" << false;
-        row("redirect loop") << stage.path << S::redirect(stage.path) << close << 0 << "redirect" << false;
+        row("redirect loop") << stage.path << S::redirect(stage.path) << close << 0 << "[Rr]edirect" << false;
         row("body cut mid-way") << stage.path << healthy.first(headLength + stage.body.size() / 2) << close << 0
                                 << "failed" << false;
+        // Qt reports the reset, or hands over the bytes that came and the JSON step refuses them.
         row("connection reset mid-body") << stage.path << healthy.first(headLength + stage.body.size() / 2)
-                                         << int(S::Ending::Reset) << 0 << "failed" << false;
+                                         << int(S::Ending::Reset) << 0 << "failed|not JSON" << false;
         row("connection reset in the head") << stage.path << healthy.first(headLength / 2) << int(S::Ending::Reset)
                                             << 0 << "failed" << false;
         row("very slow body") << stage.path << healthy << close << 50 << "timed out" << false;
@@ -237,7 +239,7 @@ void tst_I18NServiceFaults::faults()
     QVERIFY(ended.wait(20000));
     QVERIFY(settle());
     QCOMPARE(m_outcomes->available + m_outcomes->notAvailable, 1);
-    QVERIFY2(log.contains(cause), qPrintable(log.text()));
+    QVERIFY2(log.text().contains(QRegularExpression(cause)), qPrintable(log.text()));
     QCOMPARE(BMI18NManager::stringForCode("k_en"), QStringLiteral("held en only"));
     QCOMPARE(readFile(cacheFile("bundle_en")), english);
     if (recovers) {
