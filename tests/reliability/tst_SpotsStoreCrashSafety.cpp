@@ -76,6 +76,25 @@ bool writesInto(pid_t pid, const QString &folder)
                        [&folder](const QFileInfo &fd) { return fd.symLinkTarget().startsWith(folder); });
 }
 
+// A lock file as the next start of the program finds it after a kill: the
+// same bytes, a few seconds old (how old a lock is tells QLockFile and the
+// kit whether its owner may still be taking it).
+constexpr int kRestartSeconds = 5;
+
+bool carryLock(const QString &from, const QString &to)
+{
+    const QDateTime modified = QFileInfo(from).lastModified().addSecs(-kRestartSeconds);
+    QFile copy(to);
+    return QFile::copy(from, to) && copy.open(QIODevice::ReadWrite)
+        && copy.setFileTime(modified, QFileDevice::FileModificationTime);
+}
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 // The names of the process's threads but the calling one.
 QStringList otherThreads()
 {
@@ -114,6 +133,8 @@ private:
     int m_survived = 0;
     int m_killedWriting = 0;
     int m_killedHoldingLock = 0;
+    int m_lockedRounds = 0;
+    int m_lockedRoundsSaved = 0;
     int m_oldState = 0;
     int m_newState = 0;
 };
@@ -166,12 +187,20 @@ void tst_SpotsStoreCrashSafety::killedWriterLeavesOldOrNewStore()
     QFETCH(double, fromSaves);
     QFETCH(double, toSaves);
 
+    int lockedRounds = 0;
+    int lockedRoundsSaved = 0;
     for (int kill = 0; kill < kills; ++kill) {
         // Every round writes a file of its own, a copy of the last one read,
-        // so the reader below never holds a cached view of it.
+        // so the reader below never holds a cached view of it. A lock file
+        // the last kill left behind comes along: the writer must get past it.
         const QString previous = roundFile(m_round);
         const QString file = roundFile(++m_round);
+        const QString lock = file + QStringLiteral(".lock");
         QVERIFY(QFile::copy(previous, file));
+        const bool locked = QFile::exists(previous + QStringLiteral(".lock"));
+        if (locked)
+            QVERIFY(carryLock(previous + QStringLiteral(".lock"), lock));
+        const QByteArray carried = contentOf(lock);
         const int start = m_latest;
 
         int report[2];
@@ -205,11 +234,12 @@ void tst_SpotsStoreCrashSafety::killedWriterLeavesOldOrNewStore()
                  qPrintable(QStringLiteral("the writer ended on its own (status %1)").arg(status)));
         ++m_kills;
         m_killedWriting += writing ? 1 : 0;
-        // A lock file left behind: the kill came while the save held it.
-        const QString lock = file + QStringLiteral(".lock");
-        if (QFile::exists(lock)) {
+        // A lock file of this writer left behind: the kill came while its save held it.
+        if (QFile::exists(lock) && !(locked && contentOf(lock) == carried))
             ++m_killedHoldingLock;
-            QFile::remove(lock);
+        if (locked) {
+            ++lockedRounds;
+            lockedRoundsSaved += reported > start ? 1 : 0;
         }
 
         LogCapture log;
@@ -226,14 +256,26 @@ void tst_SpotsStoreCrashSafety::killedWriterLeavesOldOrNewStore()
         ++m_survived;
         m_latest = latest;
         QFile::remove(previous);
+        QFile::remove(previous + QStringLiteral(".lock"));
     }
+    // A lock left by a killed writer must not hold the next one up: given
+    // a few saves' time, most writers that found one saved past it.
+    if (fromSaves >= 3.0)
+        QVERIFY2(lockedRoundsSaved * 2 >= lockedRounds,
+                 qPrintable(QStringLiteral("%1 of %2 writers saved past a lock left by a killed one")
+                                .arg(lockedRoundsSaved)
+                                .arg(lockedRounds)));
+    m_lockedRounds += lockedRounds;
+    m_lockedRoundsSaved += lockedRoundsSaved;
 }
 
 void tst_SpotsStoreCrashSafety::cleanupTestCase()
 {
     qInfo("%d kills, %d survived with a readable store: %d found the last reported state, %d the save under "
-          "way; %d came with a store file open, %d with the store's lock held",
-          m_kills, m_survived, m_oldState, m_newState, m_killedWriting, m_killedHoldingLock);
+          "way; %d came with a store file open, %d with the store's lock held; %d of %d writers that found "
+          "such a lock saved past it",
+          m_kills, m_survived, m_oldState, m_newState, m_killedWriting, m_killedHoldingLock, m_lockedRoundsSaved,
+          m_lockedRounds);
 }
 
 QTEST_GUILESS_MAIN(tst_SpotsStoreCrashSafety)
