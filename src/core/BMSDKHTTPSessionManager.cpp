@@ -3,6 +3,7 @@
 #include "BMBaseNotification.h"
 #include "BMLogger.h"
 #include "BMSDKRestServiceManager.h"
+#include "platform/foundation/TaskList.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -56,6 +57,8 @@ struct NetworkRuntime
     QThread *thread = nullptr;
     QObject *context = nullptr;
     bool closing = false;
+    // What the queued calls to the context run, one each (see TaskList).
+    Brightmere::TaskList tasks;
 };
 
 NetworkRuntime &runtime()
@@ -104,23 +107,26 @@ void shutDownNetworkThread()
     if (!thread)
         return;
 
-    QMetaObject::invokeMethod(
-        context,
-        [context] {
-            NetworkThreadState &s = threadState();
-            s.shuttingDown = true;
-            const QSet<QNetworkReply *> replies = s.replies;
-            if (!replies.isEmpty())
-                logLine(1, "application exit: dropping %@ running request(s)", replies.size());
-            for (QNetworkReply *reply : replies)
-                reply->abort();
-            delete s.nam;
+    r.tasks.add([context] {
+        NetworkThreadState &s = threadState();
+        s.shuttingDown = true;
+        const QSet<QNetworkReply *> replies = s.replies;
+        if (!replies.isEmpty())
+            logLine(1, "application exit: dropping %@ running request(s)", replies.size());
+        for (QNetworkReply *reply : replies)
+            reply->abort();
+        delete s.nam;
+        {
+            // Published under the runtime's lock, which the thread waiting
+            // for this one takes next: a race check sees the order too.
+            QMutexLocker lock(&runtime().mutex);
             s = NetworkThreadState();
-            // Deferred deletes are run as the thread finishes.
-            context->deleteLater();
-            QThread::currentThread()->quit();
-        },
-        Qt::QueuedConnection);
+        }
+        // Deferred deletes are run as the thread finishes.
+        context->deleteLater();
+        QThread::currentThread()->quit();
+    });
+    QMetaObject::invokeMethod(context, [] { runtime().tasks.runNext(); }, Qt::QueuedConnection);
 
     const bool finished = thread->wait(QDeadlineTimer(kShutdownWaitMs));
     if (finished)
@@ -129,6 +135,7 @@ void shutDownNetworkThread()
         logLine(3, "the network thread did not stop within %@ ms; it is left running", kShutdownWaitMs);
 
     QMutexLocker lock(&r.mutex);
+    r.tasks.clear();
     r.closing = false;
 }
 
@@ -407,31 +414,21 @@ void BMSDKHTTPSessionManager::Request::onFinished()
     }
 
     // 4. Parse.
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(m_body, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
+    QString problem;
+    const std::optional<QVariantMap> response = responseFromBody(m_body, &problem);
+    if (!response) {
         fail(status,
              BMError(domain, kRestServiceErrorMalformedResponse,
-                     QStringLiteral("The answer from %1 is not JSON (%2 at offset %3)")
-                         .arg(address(), parseError.errorString())
-                         .arg(parseError.offset)),
-             false);
-        return;
-    }
-    if (!document.isObject()) {
-        fail(status,
-             BMError(domain, kRestServiceErrorMalformedResponse,
-                     QStringLiteral("The answer from %1 is a JSON array, not an object").arg(address())),
+                     QStringLiteral("The answer from %1 is %2").arg(address(), problem)),
              false);
         return;
     }
 
     // 5. Use.
     const BMSDKRestRequestTask task(id, url, status);
-    const QVariantMap response = document.object().toVariantMap();
     m_body.clear();
     if (success)
-        callHandler("success", [&] { success(task, response); });
+        callHandler("success", [&] { success(task, *response); });
 }
 
 void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error, bool connectivity)
@@ -447,6 +444,23 @@ void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error
     const std::optional<BMSDKRestRequestTask> task = BMSDKRestRequestTask(id, url, statusCode);
     if (failure)
         callHandler("failure", [&] { failure(task, error); });
+}
+
+std::optional<QVariantMap> BMSDKHTTPSessionManager::responseFromBody(const QByteArray &body, QString *problem)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(body, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        if (problem)
+            *problem = QStringLiteral("not JSON (%1 at offset %2)").arg(parseError.errorString()).arg(parseError.offset);
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        if (problem)
+            *problem = QStringLiteral("a JSON array, not an object");
+        return std::nullopt;
+    }
+    return document.object().toVariantMap();
 }
 
 BMSDKHTTPSessionManager::BMSDKHTTPSessionManager(QObject *parent)
@@ -585,6 +599,8 @@ bool BMSDKHTTPSessionManager::performOnNetworkThread(std::function<void()> task)
     QObject *context = networkContext(r);
     if (!context)
         return false;
-    QMetaObject::invokeMethod(context, std::move(task), Qt::QueuedConnection);
+    r.tasks.add(std::move(task));
+    // Captures nothing: the task waits in the list (see TaskList).
+    QMetaObject::invokeMethod(context, [] { runtime().tasks.runNext(); }, Qt::QueuedConnection);
     return true;
 }

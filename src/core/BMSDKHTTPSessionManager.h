@@ -66,6 +66,12 @@ public:
     // True for failures that say the service could not be reached.
     static bool isConnectivityError(const BMError &error);
 
+    // The parse step of every answer: the body must be one JSON object. The
+    // object as a map, or std::nullopt with the reason in *problem ("not JSON
+    // (...)"). Public so that the fuzz targets feed raw bytes through the
+    // very step a reply takes.
+    static std::optional<QVariantMap> responseFromBody(const QByteArray &body, QString *problem = nullptr);
+
     // The shared network thread (started on first use); null before that or
     // without an application object.
     static QThread *networkThread();

@@ -30,7 +30,10 @@ QByteArray BMI18NBundleFile::encode(const Texts &texts, QStringList *skippedKeys
 
 std::optional<BMI18NBundleFile::Texts> BMI18NBundleFile::decode(const QByteArray &data, int *skippedLines)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+    // A byte-order mark at the start is a key's first character, not a
+    // mark: the kit writes none, and dropping it would rename that key.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
     const QString text = decoder.decode(data);
     if (decoder.hasError())
         return std::nullopt;

@@ -13,6 +13,8 @@
 // literal backslash-n comes back with a line feed). Reading splits at line
 // feeds, skips lines without "=", takes the key up to the first "=" (texts
 // may hold "=") and lets a later line win over an earlier one with its key.
+// A leading U+FEFF is kept as part of the first key, so a file reads back
+// exactly as it was written.
 class BMI18NBundleFile
 {
 public:

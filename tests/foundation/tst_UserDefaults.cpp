@@ -2,11 +2,16 @@
 
 #include "TestEnvironment.h"
 
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLockFile>
 #include <QtTest>
 
 #include <memory>
 #include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 using Brightmere::UserDefaults;
 
@@ -25,6 +30,8 @@ private Q_SLOTS:
     void standardStoreFollowsItsFile();
     void synchronizeReportsUnwritableFile();
     void concurrentWritersLoseNothing();
+    void lockLeftByAKilledWriter_data();
+    void lockLeftByAKilledWriter();
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
@@ -139,6 +146,53 @@ void tst_UserDefaults::concurrentWritersLoseNothing()
     UserDefaults reader(m_env->defaultsFilePath());
     QCOMPARE(reader.allKeys().size(), 400);
     QCOMPARE(reader.integerForKey(QStringLiteral("t2/199")), 199);
+}
+
+void tst_UserDefaults::lockLeftByAKilledWriter_data()
+{
+    // A writer killed while taking the file's lock leaves "<file>.lock"
+    // behind: empty when it died before writing its process id into it.
+    QTest::addColumn<bool>("filled");
+    QTest::addColumn<int>("ageMs");
+    QTest::newRow("empty, left long ago: removed at once") << false << 10000;
+    QTest::newRow("empty, left just now: removed after a second") << false << 0;
+    QTest::newRow("naming a process that is gone: Qt takes it over") << true << 0;
+}
+
+void tst_UserDefaults::lockLeftByAKilledWriter()
+{
+    QFETCH(bool, filled);
+    QFETCH(int, ageMs);
+    const QString path = m_env->filePath(QStringLiteral("locked.ini"));
+    const QString lockPath = path + QStringLiteral(".lock");
+    if (filled) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            QLockFile held(lockPath);
+            ::_exit(held.tryLock() ? 0 : 1);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        QVERIFY(QFileInfo(lockPath).size() > 0);
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("left empty")));
+    } else {
+        QFile lock(lockPath);
+        QVERIFY(lock.open(QIODevice::WriteOnly));
+        QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addMSecs(-ageMs), QFileDevice::FileModificationTime));
+        lock.close();
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("removed .*locked.ini.lock left empty")));
+    }
+
+    UserDefaults defaults(path);
+    defaults.setObject(QStringLiteral("saved"), QStringLiteral("k"));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(defaults.synchronize());
+    // Waited out, the lock would have held the save for 20 s and more.
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(!QFile::exists(lockPath));
+    QCOMPARE(UserDefaults(path).stringForKey(QStringLiteral("k")), QStringLiteral("saved"));
 }
 
 QTEST_GUILESS_MAIN(tst_UserDefaults)

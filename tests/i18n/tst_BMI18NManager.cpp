@@ -3,7 +3,6 @@
 #include "BMLocalisationService.h"
 #include "I18NTestHelpers.h"
 #include "LogCapture.h"
-#include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "i18n/BMI18NNotification.h"
@@ -128,14 +127,7 @@ private Q_SLOTS:
         BMI18NNotification::unsubscribe(m_outcomes.get());
         BMLanguageChangeNotification::unsubscribe(m_outcomes.get());
         QCoreApplication::processEvents();
-        BMI18NManager::resetSharedInstanceForTesting();
-        BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
-        client->setTimeoutInterval(0);
-        client->setMaximumResponseSize(0);
-        BMSDKRestServiceManager::setBrightmereServerURL(QString());
-        BMSDKGeneralUtilities::setOSLanguageOverride(QString());
-        Brightmere::LocalizedBundle::framework().setRoot(QStringLiteral(":/lproj"));
-        Brightmere::LocalizedBundle::main().setRoot(QStringLiteral(":/main/lproj"));
+        restoreLocalisationDefaults();
         QFile::remove(cacheFolder());
         QDir(cacheFolder()).removeRecursively();
         m_log.reset();
@@ -522,79 +514,6 @@ private Q_SLOTS:
         // Written back and read again, what was read is kept (line feeds included).
         manager->saveBundle("es", expected);
         QCOMPARE(manager->loadBundle("es"), expected);
-    }
-
-    // Faults a well-behaved server never produces, each while texts are held.
-    void transportFailures_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QString>("logged");
-        QTest::addColumn<bool>("succeeds");
-
-        using S = ScriptedHttpServer;
-        const QString token = "/api/v2/auth/token";
-        const QString info = "/api/v2/message/info";
-        const QString bundle = "/api/v2/message/bundle/es";
-        const QByteArray big = S::envelope("{\"pad\": \"" + QByteArray(5000, 'x') + "\"}");
-        const QString listFailed = "requestBundleInfoSuccessBlock error";
-        QTest::newRow("token refused") << token << S::http(200, R"({"code":403,"message":"no"})") << listFailed << false;
-        QTest::newRow("list: HTTP 500") << info << S::http(500, "{}") << listFailed << false;
-        QTest::newRow("list: body cut short") << info << S::http(200, "{\"code\":200,\"da", 400) << listFailed << false;
-        QTest::newRow("list: not JSON") << info << S::http(200, "<html>") << listFailed << false;
-        QTest::newRow("list: never answers") << info << S::hang() << "timed out" << false;
-        QTest::newRow("list: over the size cap") << info << big << "larger than the limit" << false;
-        QTest::newRow("list without bundleArray: the current language is downloaded")
-            << info << S::envelope("{}") << "no \"bundleArray\"" << true;
-        QTest::newRow("bundle: HTTP 500") << bundle << S::http(500, "{}") << "requestBundleDataError" << false;
-        QTest::newRow("bundle: body cut short") << bundle << S::http(200, "{\"code\":200,\"data\":{\"_id\"", 400)
-                                                << "requestBundleDataError" << false;
-        QTest::newRow("bundle: truncated JSON") << bundle << S::http(200, "{\"code\":200,\"data\":{\"_id\":\"es\"")
-                                                << "requestBundleDataError" << false;
-        QTest::newRow("bundle: never answers") << bundle << S::hang() << "timed out" << false;
-        QTest::newRow("bundle: over the size cap") << bundle << big << "larger than the limit" << false;
-        QTest::newRow("bundle: refused in the envelope") << bundle << S::http(200, R"({"code":404,"message":"gone"})")
-                                                         << "requestBundleDataError gone" << false;
-        QTest::newRow("bundle: no data") << bundle << S::http(200, R"({"code":200,"message":"OK"})")
-                                         << "no data object" << false;
-        QTest::newRow("bundle: no language code") << bundle << S::envelope(R"({"ts":2,"contents":{}})")
-                                                  << "no language code" << false;
-    }
-
-    void transportFailures()
-    {
-        QFETCH(QString, path);
-        QFETCH(QByteArray, answer);
-        QFETCH(QString, logged);
-        QFETCH(bool, succeeds);
-        deliver("en", 1, {{"k_all", "dl en all"}});
-        deliver("es", 1, {{"k_all", "dl es all"}});
-        const QByteArray cached = readFile(cacheFolder() + "/bundle_user");
-        m_outcomes->reset();
-
-        ScriptedHttpServer server;
-        server.setAnswer("/api/v2/message/info",
-                         ScriptedHttpServer::envelope(R"({"bundleArray":[{"_id":"es","ts":2},{"_id":"en","ts":1}]})"));
-        server.setAnswer("/api/v2/message/bundle/es",
-                         ScriptedHttpServer::envelope(R"({"_id":"es","ts":2,"contents":{"k_all":"fresh"}})"));
-        server.setAnswer(path, answer);
-        BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
-        BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
-        client->setTimeoutInterval(0.3);
-        client->setMaximumResponseSize(2048);
-
-        BMI18NManager::sharedInstance()->updateBundleTexts();
-        QTRY_COMPARE(m_outcomes->total(), 1);
-        QVERIFY(settle());
-        QCoreApplication::processEvents();
-        QVERIFY2(m_log->contains(logged), qPrintable(m_log->text()));
-        QCOMPARE(m_outcomes->available.load(), succeeds ? 1 : 0);
-        if (succeeds) {
-            QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("fresh"));
-            return;
-        }
-        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl es all"));
-        QCOMPARE(readFile(cacheFolder() + "/bundle_user"), cached);
     }
 
     void anUnwritableCacheFolderKeepsTextsInMemory()

@@ -19,8 +19,13 @@ foreach(header core/BMLogger.h platform/foundation/UserDefaults.h resources/Fram
         message(FATAL_ERROR "installed headers lack ${header}")
     endif()
 endforeach()
+# A kit built with sanitizers needs their runtimes in the host too.
+set(host_options "-DCMAKE_CXX_COMPILER=${HOST_CXX_COMPILER}")
+if(HOST_SANITIZE)
+    list(APPEND host_options "-DCMAKE_CXX_FLAGS=-fsanitize=${HOST_SANITIZE}")
+endif()
 run("configure the host" ${CMAKE_COMMAND} -S "${HOST_SOURCE_DIR}" -B "${host_build}" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${prefix}")
+    "-DCMAKE_PREFIX_PATH=${prefix}" ${host_options})
 run("build the host" ${CMAKE_COMMAND} --build "${host_build}")
 run("run the host" "${host_build}/brightmere_host")
 if(NOT last_output MATCHES "BrightmereMobileSDKUI [0-9]+\\.[0-9]+\\.[0-9]+")

@@ -7,12 +7,8 @@
 #include "platform/foundation/UserDefaults.h"
 #include "resources/FrameworkBundle.h"
 
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest>
-
-#include <algorithm>
-#include <array>
 
 using Brightmere::UserDefaults;
 using Set = FZHistoricalResultSpotsSet;
@@ -121,7 +117,6 @@ private Q_SLOTS:
     void labelIndexEqualsPairwise();
     void sortedSpots_data();
     void sortedSpots();
-    void killedWriterLeavesReadableStore();
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
@@ -417,63 +412,6 @@ void tst_FZHistoricalResultSpotsSet::sortedSpots()
         order.append(s->label() + u'@' + QString::number(s->timeAfterTest()));
     QCOMPARE(order, expected);
     QCOMPARE(set->spots().first()->timeAfterTest(), 1.0); // the stored order is untouched
-}
-
-namespace {
-
-// Whether the process has a file of folder open (a save under way) just now.
-bool writesInto(qint64 pid, const QString &folder)
-{
-    const QFileInfoList fds = QDir(QStringLiteral("/proc/%1/fd").arg(pid)).entryInfoList(QDir::Files | QDir::System);
-    return std::any_of(fds.cbegin(), fds.cend(),
-                       [&folder](const QFileInfo &fd) { return fd.symLinkTarget().startsWith(folder); });
-}
-
-} // namespace
-
-void tst_FZHistoricalResultSpotsSet::killedWriterLeavesReadableStore()
-{
-    // Each writer saves sets in a loop into its own file, printing "saved
-    // <number of sets>" once a save is on disk, and is killed after a varying
-    // number of saves. Three run at once so their start-up overlaps.
-    constexpr int kRounds = 30;
-    constexpr int kParallel = 3;
-    int killedWhileWriting = 0;
-    for (int batch = 0; batch < kRounds / kParallel; ++batch) {
-        std::array<QProcess, kParallel> writers;
-        QStringList folders;
-        for (int i = 0; i < kParallel; ++i) {
-            folders.append(m_env->filePath(QStringLiteral("round%1").arg(batch * kParallel + i)));
-            writers[i].start(QStringLiteral(SPOTSSTORE_WRITER), {folders.last() + QStringLiteral("/defaults.ini"), QStringLiteral("40")});
-        }
-        for (int i = 0; i < kParallel; ++i) {
-            QProcess &writer = writers[i];
-            QVERIFY2(writer.waitForStarted(), qPrintable(writer.errorString()));
-            const int wanted = 1 + (batch * kParallel + i) % 4;
-            while (writer.peek(1 << 16).count('\n') < wanted)
-                QVERIFY2(writer.waitForReadyRead(10000), "the writer stopped reporting");
-            killedWhileWriting += writesInto(writer.processId(), folders.at(i)) ? 1 : 0;
-            writer.kill();
-        }
-        for (int i = 0; i < kParallel; ++i) {
-            QProcess &writer = writers[i];
-            QVERIFY(writer.waitForFinished());
-            // Every save reported before the kill was complete on disk.
-            const QList<QByteArray> lines = writer.readAllStandardOutput().trimmed().split('\n');
-            const int reported = lines.last().split(' ').last().toInt();
-
-            UserDefaults::setStandardFilePath(folders.at(i) + QStringLiteral("/defaults.ini"));
-            LogCapture log;
-            const Set::Dictionary store = Set::allSpotsSetsDictionary();
-            QVERIFY2(log.lines().isEmpty(), qPrintable(log.text()));
-            QVERIFY(backupKeys().isEmpty());
-            QVERIFY2(store.size() == reported || store.size() == reported + 1,
-                     qPrintable(QStringLiteral("%1 sets stored, %2 reported").arg(store.size()).arg(reported)));
-            for (const Set::Ptr &set : store)
-                QCOMPARE(set->spotsCount(), 30);
-        }
-    }
-    qInfo("%d of %d writers were killed with a file open", killedWhileWriting, kRounds);
 }
 
 QTEST_GUILESS_MAIN(tst_FZHistoricalResultSpotsSet)

@@ -1,5 +1,7 @@
 #include "MainQueue.h"
 
+#include "TaskList.h"
+
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QPointer>
@@ -15,6 +17,12 @@ Q_LOGGING_CATEGORY(lcMainQueue, "brightmere.mainqueue")
 namespace {
 
 const char kDelayedTaskName[] = "Brightmere.MainQueue.delayed";
+
+TaskList &mainThreadTasks()
+{
+    static TaskList tasks;
+    return tasks;
+}
 
 QObject *application()
 {
@@ -48,8 +56,12 @@ bool MainQueue::isMainThread()
 
 void MainQueue::async(std::function<void()> task)
 {
-    if (QObject *app = application())
-        QMetaObject::invokeMethod(app, std::move(task), Qt::QueuedConnection);
+    QObject *app = application();
+    if (!app)
+        return;
+    mainThreadTasks().add(std::move(task));
+    // Captures nothing: the task waits in the list (see TaskList).
+    QMetaObject::invokeMethod(app, [] { mainThreadTasks().runNext(); }, Qt::QueuedConnection);
 }
 
 void MainQueue::async(QObject *context, std::function<void()> task)

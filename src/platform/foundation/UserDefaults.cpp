@@ -1,10 +1,15 @@
 #include "UserDefaults.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QThread>
+
+#include <algorithm>
 
 namespace Brightmere {
 
@@ -33,6 +38,32 @@ QVariant fromStored(const QVariant &stored)
             return map.value(kListMarker);
     }
     return stored;
+}
+
+// QSettings guards each write with "<file>.lock" (a QLockFile). A writer
+// killed between creating that file and writing its process id into it
+// leaves it empty, and QLockFile, unable to tell whose it is, waits until it
+// is 30 s old: the next save would hold up its thread that long. A live
+// writer fills the file at once, so one still empty a second after it was
+// made has no owner left.
+constexpr qint64 kAbandonedLockMs = 1000;
+
+void removeAbandonedLock(const QString &filePath)
+{
+    const QString lockPath = filePath + QStringLiteral(".lock");
+    QFileInfo info(lockPath);
+    if (!info.exists() || info.size() != 0)
+        return;
+    const qint64 age = std::max<qint64>(0, info.lastModified().msecsTo(QDateTime::currentDateTime()));
+    if (age < kAbandonedLockMs) {
+        QThread::msleep(kAbandonedLockMs - age);
+        info.refresh();
+        if (!info.exists() || info.size() != 0)
+            return;
+    }
+    if (QFile::remove(lockPath))
+        qCWarning(lcDefaults).noquote() << "removed" << lockPath
+                                        << "left empty by a writer that stopped while taking it";
 }
 
 std::unique_ptr<QSettings> openSettings(const QString &filePath)
@@ -184,6 +215,7 @@ QVariantMap UserDefaults::dictionaryForKey(const QString &key) const
 bool UserDefaults::synchronize()
 {
     QMutexLocker lock(&m_mutex);
+    removeAbandonedLock(m_settings->fileName());
     m_settings->sync();
     if (m_settings->status() != QSettings::NoError) {
         qCWarning(lcDefaults) << "synchronising" << m_settings->fileName() << "failed with status"

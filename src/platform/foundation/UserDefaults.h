@@ -55,7 +55,9 @@ public:
     QVariantMap dictionaryForKey(const QString &key) const;
 
     // Writes pending changes to the file and reads changes made by others;
-    // false (and a log line) when the file cannot be written or read.
+    // false (and a log line) when the file cannot be written or read. A lock
+    // file left empty by a writer that died while taking it is removed (with
+    // a log line, after a second's grace) rather than waited out for 30 s.
     bool synchronize();
 
 private:

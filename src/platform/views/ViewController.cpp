@@ -155,8 +155,11 @@ void ViewController::showEvent(QShowEvent *event)
     if (event->spontaneous())
         return;
     loadViewIfNeeded();
-    // Inside a navigation controller the stack decides who appears.
-    if (!m_navigationController) {
+    // Inside a navigation controller the stack decides who appears. isNull()
+    // rather than the pointer: while the controller is being destroyed (its
+    // QWidget part hides the children) it is no NavigationController any
+    // more, and the cast to one would be undefined.
+    if (m_navigationController.isNull()) {
         beginAppearanceTransition(true, false);
         endAppearanceTransition();
     }
@@ -165,7 +168,7 @@ void ViewController::showEvent(QShowEvent *event)
 void ViewController::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
-    if (event->spontaneous() || m_navigationController)
+    if (event->spontaneous() || !m_navigationController.isNull())
         return;
     beginAppearanceTransition(false, false);
     endAppearanceTransition();

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "core/BMSDKGeneralUtilities.h"
 #include "core/BMSDKHTTPSessionManager.h"
 #include "core/BMSDKRestServiceManager.h"
+#include "i18n/BMI18NManager.h"
+#include "i18n/BMI18NServiceManager.h"
+#include "platform/foundation/LocalizedBundle.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,6 +25,21 @@ inline bool settle()
     const bool ok = QTest::qWaitFor([reached] { return reached->load(); }, 5000);
     QTest::qWait(30);
     return ok;
+}
+
+// Puts back what a localisation test changed of the process-wide state:
+// the manager (dropped, so the next use reads the store anew), the service
+// client's limits and address, the device language and the built-in tables.
+inline void restoreLocalisationDefaults()
+{
+    BMI18NManager::resetSharedInstanceForTesting();
+    BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
+    client->setTimeoutInterval(0);
+    client->setMaximumResponseSize(0);
+    BMSDKRestServiceManager::setBrightmereServerURL(QString());
+    BMSDKGeneralUtilities::setOSLanguageOverride(QString());
+    Brightmere::LocalizedBundle::framework().setRoot(QStringLiteral(":/lproj"));
+    Brightmere::LocalizedBundle::main().setRoot(QStringLiteral(":/main/lproj"));
 }
 
 inline void writeFile(const QString &path, const QByteArray &content)

@@ -1,0 +1,36 @@
+// The libFuzzer side of every target: each fuzz_<name>.cpp only says which
+// entry point it feeds (kFuzzTarget). An input that breaks what must hold is
+// reported and aborts, which libFuzzer records as a crash with its reproducer.
+#include "FuzzEntryPoints.h"
+
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+extern const FuzzEntryPoints::Target kFuzzTarget;
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    // Lives as long as the process: the manager keeps its files there.
+    static QTemporaryDir folder;
+    if (!folder.isValid()) {
+        std::fprintf(stderr, "fuzz: no temporary folder: %s\n", qPrintable(folder.errorString()));
+        std::abort();
+    }
+    FuzzEntryPoints::setUp(folder.path());
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QString problem = FuzzEntryPoints::run(
+        kFuzzTarget, QByteArrayView(reinterpret_cast<const char *>(data), qsizetype(size)));
+    if (!problem.isEmpty()) {
+        std::fprintf(stderr, "fuzz %s: %s\n", qPrintable(FuzzEntryPoints::targetName(kFuzzTarget)),
+                     qPrintable(problem));
+        std::abort();
+    }
+    return 0;
+}
