@@ -38,6 +38,9 @@ void tst_StringFormat::format_data()
     QTest::newRow("positional") << "%2$@ %1$@" << QVariantList{QStringLiteral("world"), QStringLiteral("hello")} << "hello world";
     QTest::newRow("width and zero padding") << "[%5d][%-4d][%03d]" << QVariantList{42, 7, 5} << "[   42][7   ][005]";
     QTest::newRow("hexadecimal") << "%x %X %#x" << QVariantList{255, 255, 255} << "ff FF 0xff";
+    QTest::newRow("doubles for unsigned conversions")
+        << "%x|%u|%x|%u|%o" << QVariantList{255.9, -1.0, 1e300, qQNaN(), 8.0}
+        << "ff|18446744073709551615|ffffffffffffffff|0|10";
     QTest::newRow("unknown conversion kept") << "%k and %@" << QVariantList{QStringLiteral("x")} << "%k and x";
     QTest::newRow("dangling percent") << "50%" << QVariantList{} << "50%";
     QTest::newRow("non-ASCII") << "%@ – ñ" << QVariantList{QStringLiteral("Cocina")} << "Cocina – ñ";

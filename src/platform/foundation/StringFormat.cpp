@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 namespace Brightmere {
 
@@ -48,6 +49,20 @@ QString withSign(const QString &digits, bool negative, const Directive &directiv
     return digits;
 }
 
+// A double given for %u, %x or %o: a plain cast is undefined outside the
+// unsigned range, so NaN reads as 0, negatives wrap as their integer part
+// would in C, and anything too large saturates.
+qulonglong unsignedFromDouble(double value)
+{
+    constexpr double twoTo63 = 9223372036854775808.0;
+    constexpr double twoTo64 = 18446744073709551616.0;
+    if (std::isnan(value))
+        return 0;
+    if (value < 0.0)
+        return value <= -twoTo63 ? qulonglong(1) << 63 : qulonglong(qlonglong(value));
+    return value >= twoTo64 ? std::numeric_limits<qulonglong>::max() : qulonglong(value);
+}
+
 QString formatInteger(const QVariant &value, QChar conversion, const Directive &directive)
 {
     if (conversion == u'd' || conversion == u'i') {
@@ -58,7 +73,7 @@ QString formatInteger(const QVariant &value, QChar conversion, const Directive &
             digits.prepend(QString(directive.precision - digits.size(), u'0'));
         return withSign(digits, n < 0, directive);
     }
-    const qulonglong n = value.typeId() == QMetaType::Double ? qulonglong(value.toDouble())
+    const qulonglong n = value.typeId() == QMetaType::Double ? unsignedFromDouble(value.toDouble())
                                                              : value.toULongLong();
     int base = 10;
     if (conversion == u'x' || conversion == u'X')
