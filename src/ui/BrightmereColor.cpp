@@ -1,6 +1,7 @@
 #include "BrightmereColor.h"
 
 #include "core/BMLogger.h"
+#include "platform/foundation/StringFormat.h"
 
 #include <QRandomGenerator>
 
@@ -57,18 +58,6 @@ void logError(const QString &message)
     BMLogger::sharedInstance().log(kModule, 3, message);
 }
 
-int hexDigit(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= u'0' && u <= u'9')
-        return u - u'0';
-    if (u >= u'a' && u <= u'f')
-        return u - u'a' + 10;
-    if (u >= u'A' && u <= u'F')
-        return u - u'A' + 10;
-    return -1;
-}
-
 // The hexadecimal number at the start of the text as the platform's scanner
 // reads one, saturated at 32 bits; nothing when no digit starts it.
 std::optional<quint32> scanHex(const QString &text, bool *saturated)
@@ -79,14 +68,14 @@ std::optional<quint32> scanHex(const QString &text, bool *saturated)
     // The prefix counts only with a digit after it; otherwise its "0" is
     // the number.
     if (i + 2 < text.size() && text.at(i) == u'0' && (text.at(i + 1) == u'x' || text.at(i + 1) == u'X')
-        && hexDigit(text.at(i + 2)) >= 0)
+        && Brightmere::StringFormat::hexDigitValue(text.at(i + 2)) >= 0)
         i += 2;
-    if (i >= text.size() || hexDigit(text.at(i)) < 0)
+    if (i >= text.size() || Brightmere::StringFormat::hexDigitValue(text.at(i)) < 0)
         return std::nullopt;
     quint64 value = 0;
     *saturated = false;
     for (; i < text.size(); ++i) {
-        const int digit = hexDigit(text.at(i));
+        const int digit = Brightmere::StringFormat::hexDigitValue(text.at(i));
         if (digit < 0)
             break;
         value = value * 16 + quint64(digit);
@@ -150,8 +139,8 @@ QColor colorFromHex(const QString &text)
     std::array<int, 3> components{0, 0, 0};
     int read = 0;
     while (read < 3 && 2 * read + 1 < text.size()) {
-        const int high = hexDigit(text.at(2 * read));
-        const int low = hexDigit(text.at(2 * read + 1));
+        const int high = Brightmere::StringFormat::hexDigitValue(text.at(2 * read));
+        const int low = Brightmere::StringFormat::hexDigitValue(text.at(2 * read + 1));
         if (high < 0 || low < 0)
             break;
         components[std::size_t(read)] = high * 16 + low;

@@ -234,4 +234,16 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
     return out;
 }
 
+int StringFormat::hexDigitValue(QChar c)
+{
+    const char16_t u = c.unicode();
+    if (u >= u'0' && u <= u'9')
+        return u - u'0';
+    if (u >= u'a' && u <= u'f')
+        return u - u'a' + 10;
+    if (u >= u'A' && u <= u'F')
+        return u - u'A' + 10;
+    return -1;
+}
+
 } // namespace Brightmere

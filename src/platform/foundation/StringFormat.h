@@ -29,6 +29,9 @@ public:
     // maps and lists, shortest round-trip text for numbers.
     static QString describe(const QVariant &value);
 
+    // The value of one hexadecimal digit (either case), or -1 for any other character.
+    static int hexDigitValue(QChar c);
+
     template<typename T>
     static QVariant toVariant(const T &value)
     {

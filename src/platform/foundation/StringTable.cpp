@@ -1,4 +1,5 @@
 #include "StringTable.h"
+#include "StringFormat.h"
 
 #include <QFile>
 #include <QLoggingCategory>
@@ -50,18 +51,6 @@ bool isUnquotedChar(QChar c)
     const char ch = char(c.unicode());
     return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9')
         || ch == '_' || ch == '$' || ch == '+' || ch == '/' || ch == ':' || ch == '.' || ch == '-';
-}
-
-int hexValue(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= u'0' && u <= u'9')
-        return u - u'0';
-    if (u >= u'a' && u <= u'f')
-        return u - u'a' + 10;
-    if (u >= u'A' && u <= u'F')
-        return u - u'A' + 10;
-    return -1;
 }
 
 class Parser
@@ -208,7 +197,7 @@ private:
             case u'U': {
                 int code = 0;
                 for (int i = 0; i < 4; ++i) {
-                    const int digit = m_pos < m_text.size() ? hexValue(m_text[m_pos]) : -1;
+                    const int digit = m_pos < m_text.size() ? StringFormat::hexDigitValue(m_text[m_pos]) : -1;
                     if (digit < 0)
                         return fail(m_pos - 2 - i, QStringLiteral("\\u needs four hexadecimal digits"));
                     code = code * 16 + digit;
