@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QString>
 #include <QVariant>
 
@@ -23,6 +24,12 @@ public:
     // The resource path of a bundled file, for example "sounds/click.wav" ->
     // ":/sounds/click.wav".
     static QString resourcePath(const QString &relativePath);
+
+    // One of the kit's images by name, with or without an extension
+    // ("buttonStart.png" and "buttonStart" are the same image, drawn from
+    // images/buttonStart.svg). A null icon for an empty name; an unknown
+    // name is logged and gives a null icon.
+    static QIcon imageNamed(const QString &name);
 };
 
 } // namespace Brightmere

@@ -3,7 +3,7 @@
 #include "core/BMLogger.h"
 
 BMTableViewCell::BMTableViewCell(QWidget *parent)
-    : QWidget(parent)
+    : Brightmere::TableViewCell(parent)
 {
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "BrightmereView.h"
+#include "platform/views/TableViewCell.h"
 
 #include <QPointer>
 #include <QString>
-#include <QWidget>
 
 // The base of the kit's table rows. A row knows the controller that loaded
 // it (owner) and its reuse identifier, the class name. Rows come from a
@@ -12,7 +12,7 @@
 // class's name (cellFromNib<T>(); Brightmere::View::registerNib). The
 // table's own selection look never shows: subclasses draw selection
 // themselves.
-class BMTableViewCell : public QWidget
+class BMTableViewCell : public Brightmere::TableViewCell
 {
     Q_OBJECT
 
@@ -21,9 +21,6 @@ public:
 
     QObject *owner() const { return m_owner.data(); }
     void setOwner(QObject *owner) { m_owner = owner; }
-
-    QString reuseIdentifier() const { return m_reuseIdentifier; }
-    void setReuseIdentifier(const QString &identifier) { m_reuseIdentifier = identifier; }
 
     // The class's name, as reuse identifier: of this row, or of a class.
     QString cellIdentifier() const;
@@ -69,7 +66,6 @@ private:
     static void adopt(BMTableViewCell *row, QObject *owner);
 
     QPointer<QObject> m_owner;
-    QString m_reuseIdentifier;
     bool m_selected = false;
     bool m_lastSelectionAnimated = false;
 };

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QMetaType>
+
+namespace Brightmere {
+
+// A row's place in a TableView: its section and its row within the section.
+// The default value (row -1) stands for "no row".
+class IndexPath
+{
+public:
+    constexpr IndexPath() = default;
+    constexpr IndexPath(int row, int section)
+        : m_row(row)
+        , m_section(section)
+    {
+    }
+
+    constexpr int row() const { return m_row; }
+    constexpr int section() const { return m_section; }
+    constexpr bool isValid() const { return m_row >= 0 && m_section >= 0; }
+
+    friend constexpr bool operator==(const IndexPath &, const IndexPath &) = default;
+
+private:
+    int m_row = -1;
+    int m_section = 0;
+};
+
+} // namespace Brightmere
+
+Q_DECLARE_METATYPE(Brightmere::IndexPath)

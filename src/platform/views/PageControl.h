@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+namespace Brightmere {
+
+// A row of dots, one per page, the current one highlighted. A tap on either
+// side of the current dot moves one page that way and emits valueChanged;
+// setting currentPage from code emits nothing.
+class PageControl : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PageControl(QWidget *parent = nullptr);
+
+    int numberOfPages() const { return m_numberOfPages; }
+    void setNumberOfPages(int pages);
+    int currentPage() const { return m_currentPage; }
+    // Clamped to the pages there are.
+    void setCurrentPage(int page);
+
+    QColor pageIndicatorTintColor() const { return m_pageIndicatorTintColor; }
+    void setPageIndicatorTintColor(const QColor &color);
+    QColor currentPageIndicatorTintColor() const { return m_currentPageIndicatorTintColor; }
+    void setCurrentPageIndicatorTintColor(const QColor &color);
+
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void valueChanged();
+
+private:
+    int m_numberOfPages = 0;
+    int m_currentPage = 0;
+    QColor m_pageIndicatorTintColor;
+    QColor m_currentPageIndicatorTintColor;
+};
+
+} // namespace Brightmere

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "core/WifiTestResult.h"
+#include "ui/BMTableViewCell.h"
+
+#include <QColor>
+#include <QPoint>
+#include <QPointer>
+
+class BMSpeedRecordDelegate;
+class QCompleter;
+class QLabel;
+class QLineEdit;
+class QStringListModel;
+
+// One spot in the test screen's list: its name (editable in place, with
+// completion from the remembered names), its speed in Mbps and, for an
+// averaged spot, over how many seconds it was averaged. Holding the row's
+// re-record control asks the screen to measure the spot anew; the row only
+// turns the touches into start / finish / cancel calls, one hold at a time.
+class BMSpeedRecordCell : public BMTableViewCell
+{
+    Q_OBJECT
+
+public:
+    explicit BMSpeedRecordCell(QWidget *parent = nullptr);
+
+    static double height() { return 38.0; }
+
+    // Shows the spot; everything shown before is replaced, as rows are reused.
+    void setupWithRecord(const WifiTestResult::Ptr &record, bool isEven);
+    WifiTestResult::Ptr record() const { return m_record; }
+
+    BMSpeedRecordDelegate *delegate() const;
+    void setDelegate(BMSpeedRecordDelegate *delegate);
+
+    QColor recordingColor() const { return m_recordingColor; }
+    void setRecordingColor(const QColor &color) { m_recordingColor = color; }
+    QColor defaultTextColor() const { return m_defaultTextColor; }
+
+    // The name field and its completer; the screen fills the completer's
+    // model (a QStringListModel) with the remembered spot names.
+    QLineEdit *lblArea() const { return m_lblArea; }
+    QCompleter *completer() const { return m_completer; }
+    QLabel *lblSpeed() const { return m_lblSpeed; }
+    QLabel *lblUnit() const { return m_lblUnit; }
+    QLabel *lblAverage() const { return m_lblAverage; }
+    QWidget *viewTop() const { return m_viewTop; }
+    QWidget *viewBg() const { return m_viewBg; }
+    QWidget *reRecordView() const { return m_reRecordView; }
+
+    // 0: no hold in progress; 1: a hold has started.
+    int gestureStatus() const { return m_gestureStatus; }
+
+    void setEditing(bool editing, bool animated) override;
+
+    // The re-record control's touches.
+    void reRecordViewOnTouchDown();
+    void reRecordViewOnTouchUpInside();
+    void reRecordViewOnCancel();
+
+private:
+    QPointer<QObject> m_delegateObject;
+    BMSpeedRecordDelegate *m_delegate = nullptr;
+    WifiTestResult::Ptr m_record;
+    QColor m_recordingColor;
+    QColor m_defaultTextColor;
+    QLineEdit *m_lblArea = nullptr;
+    QCompleter *m_completer = nullptr;
+    QLabel *m_lblSpeed = nullptr;
+    QLabel *m_lblUnit = nullptr;
+    QLabel *m_lblAverage = nullptr;
+    QWidget *m_viewTop = nullptr;
+    QWidget *m_viewBg = nullptr;
+    QWidget *m_reRecordView = nullptr;
+    int m_gestureStatus = 0;
+};

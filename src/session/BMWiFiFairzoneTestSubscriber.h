@@ -1,0 +1,14 @@
+#pragma once
+
+class BMWiFiFairzoneTestNotification;
+
+// What a subscriber of BMWiFiFairzoneTestNotification implements. The
+// notification passed in lives only for the call.
+class BMWiFiFairzoneTestSubscriber
+{
+public:
+    virtual ~BMWiFiFairzoneTestSubscriber() = default;
+
+    // "kWiFiFairzoneTestStarted": the user started a test.
+    virtual void notifyWiFiFairzoneTestStarted(BMWiFiFairzoneTestNotification *notification) = 0;
+};
