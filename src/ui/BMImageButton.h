@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QPushButton>
+
+// A button drawn as an image with its title on top (the round controls of
+// the test screen). Besides QPushButton's own signals it reports a press as
+// a touch screen does: touchDown once, then exactly one of touchUpInside or
+// touchUpOutside when the mouse button or the finger is lifted, wherever it
+// went in between (a drag out and back in neither ends nor restarts the
+// press). A cancelled touch counts as a release outside. A release inside
+// also clicks. Disabled, it reports nothing, a press under way is dropped
+// without a report, and it draws faded with its disabled title.
+class BMImageButton : public QPushButton
+{
+    Q_OBJECT
+
+public:
+    enum class State { Normal, Disabled };
+
+    explicit BMImageButton(QWidget *parent = nullptr);
+
+    QIcon backgroundImage() const { return m_backgroundImage; }
+    // A null icon draws the title alone.
+    void setBackgroundImage(const QIcon &image);
+
+    // The disabled title falls back to the normal one while it is empty.
+    QString titleForState(State state) const;
+    void setTitle(const QString &title, State state = State::Normal);
+
+    QColor titleColor() const { return m_titleColor; }
+    void setTitleColor(const QColor &color);
+
+    // Pressed and not yet released.
+    bool isTracking() const { return m_tracking; }
+
+Q_SIGNALS:
+    void touchDown();
+    void touchUpInside();
+    void touchUpOutside();
+
+protected:
+    bool event(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void begin();
+    void end(bool inside);
+    void showTitle();
+
+    QIcon m_backgroundImage;
+    QString m_normalTitle;
+    QString m_disabledTitle;
+    QColor m_titleColor;
+    bool m_tracking = false;
+};

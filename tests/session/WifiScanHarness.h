@@ -1,0 +1,100 @@
+#pragma once
+
+#include "ScanDelegateRecorder.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKBackend.h"
+#include "core/BMSimulatedNetwork.h"
+#include "platform/foundation/ManualClock.h"
+#include "platform/views/Alert.h"
+#include "platform/views/KeyWindow.h"
+#include "platform/views/NavigationController.h"
+#include "platform/views/ScrollView.h"
+#include "platform/views/TableView.h"
+#include "popups/FZConfirmSpotModificationPopup.h"
+#include "session/BMSpeedRecordCell.h"
+#include "session/BMWifiScanVC.h"
+#include "ui/BMImageButton.h"
+
+#include <QCoreApplication>
+#include <QTest>
+
+#include <memory>
+
+// The test screen in a phone-sized window on the simulated backend, with a
+// manual clock: a test result arrives every kInterval seconds of
+// clock.advance, at the speeds of the trace, in a loop.
+class WifiScanHarness
+{
+public:
+    static constexpr double kInterval = 0.5;
+    static constexpr const char *kPassword = "pw-9f3K!x";
+
+    explicit WifiScanHarness(const QList<double> &trace = {10.0}, bool show = true)
+    {
+        BMSDKBackend::setClock(&clock);
+        BMSDKBackend::setSampleInterval(kInterval);
+        BMSDKBackend::setSimulatedTrace(trace);
+        Brightmere::ScrollView::setAnimationDuration(0);
+        screen = new BMWifiScanVC;
+        screen->setSdkCustomer("acme");
+        screen->setSdkPassword(kPassword);
+        screen->setFzDelegate(&recorder);
+        nav = std::make_unique<Brightmere::NavigationController>(screen);
+        nav->resize(375, 667);
+        Brightmere::KeyWindow::makeKeyWindow(nav.get());
+        if (show)
+            nav->show();
+    }
+
+    ~WifiScanHarness()
+    {
+        nav.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        BMSDKBackend::setClock(nullptr);
+    }
+
+    // Start on Wi-Fi and let the tester finish its setup: preparing.
+    void start()
+    {
+        screen->actStartStop();
+        clock.advance(kInterval);
+    }
+    void results(int count) { clock.advance(count * kInterval); }
+    void pressRecord() { screen->actRecordResetTouchDown(); }
+    void releaseRecord(bool inside = true) { screen->actRecordResetTouchUp(inside); }
+    void recordSpot(int resultsWhileHeld = 0)
+    {
+        pressRecord();
+        results(resultsWhileHeld);
+        releaseRecord();
+    }
+    void setWifi(bool on)
+    {
+        BMSimulatedNetwork::shared().setReachabilityStatus(on ? BMSimulatedNetwork::kReachableViaWiFi
+                                                              : BMSimulatedNetwork::kNotReachable);
+    }
+
+    Brightmere::Alert *alert()
+    {
+        QCoreApplication::processEvents();
+        return Brightmere::Alert::shownAlert(nav.get());
+    }
+    BMSpeedRecordCell *row(int index) const
+    {
+        return qobject_cast<BMSpeedRecordCell *>(
+            screen->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(index, 0)));
+    }
+    QStringList labels() const
+    {
+        QStringList names;
+        for (const WifiTestResult::Ptr &spot : screen->recordedSpeeds())
+            names << spot->label();
+        return names;
+    }
+
+    TestEnvironment env;
+    Brightmere::ManualClock clock{1000.0};
+    ScanDelegateRecorder recorder;
+    std::unique_ptr<Brightmere::NavigationController> nav;
+    BMWifiScanVC *screen = nullptr;
+};

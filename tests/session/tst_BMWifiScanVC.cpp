@@ -1,0 +1,464 @@
+#include "LogCapture.h"
+#include "WifiScanHarness.h"
+#include "chart/RealTimePlot.h"
+#include "core/BMReachabilityManager.h"
+#include "core/BMWiFiTester.h"
+#include "i18n/BMI18NManager.h"
+#include "model/FZHistoricalResultSpotsSet.h"
+#include "platform/foundation/NotificationCenter.h"
+#include "platform/views/ApplicationNotifications.h"
+#include "platform/views/PageControl.h"
+#include "platform/views/SystemSound.h"
+#include "session/BMFairzoneTutorialPageView.h"
+#include "session/BMWiFiFairzoneTestNotification.h"
+#include "ui/BMLabel.h"
+#include "ui/BrightmereColor.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QTextDocumentFragment>
+
+using namespace Brightmere;
+
+// The test screen's session: what the host hears and when, the controls in
+// each state, results on screen, the feedback sound, the SSID line, the
+// tutorial, and what a person sees.
+class tst_BMWifiScanVC : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void delegateCallOrder_data();
+    void delegateCallOrder();
+    void controlsPerState_data();
+    void controlsPerState();
+    void resultsOnScreen_data();
+    void resultsOnScreen();
+    void soundGap_data();
+    void soundGap();
+    void ssidLine_data();
+    void ssidLine();
+    void tutorialPaging_data();
+    void tutorialPaging();
+    void tutorialRebuiltThenRemovedForGood();
+    void passwordStaysInMemoryOnly();
+    void rendersEachState();
+
+private:
+    static void run(WifiScanHarness &h, const QString &steps);
+};
+
+void tst_BMWifiScanVC::run(WifiScanHarness &h, const QString &steps)
+{
+    for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
+        if (step == "start")
+            h.start();
+        else if (step == "startPress")
+            h.screen->actStartStop();
+        else if (step.startsWith("results:"))
+            h.results(step.section(':', 1).toInt());
+        else if (step == "stop")
+            h.screen->actStartStop();
+        else if (step == "wifiOff")
+            h.setWifi(false);
+        else if (step == "record")
+            h.recordSpot();
+        else if (step == "press")
+            h.pressRecord();
+        else if (step == "resultNoWifi")
+            h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->wifiTester(), WifiTestResult::create(5.0));
+        else if (step == "background")
+            ApplicationNotifications::postDidEnterBackground();
+        else if (step == "resign")
+            ApplicationNotifications::postWillResignActive();
+        else if (step == "hide")
+            h.nav->hide();
+        else if (step == "show")
+            h.nav->show();
+        else if (step == "edit")
+            h.screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create(
+                "Upstairs", "HomeNet", QDateTime::currentDateTimeUtc(),
+                {WifiTestResult::create(12.0), WifiTestResult::create(30.0)}));
+        else if (step == "mark")
+            h.recorder.mark();
+        else
+            QFAIL(qPrintable("unknown step " + step));
+    }
+}
+
+void tst_BMWifiScanVC::delegateCallOrder_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QStringList>("expected"); // since the last "mark", or since the load without one
+    QTest::addColumn<bool>("alert");
+    QTest::addColumn<bool>("scanning");
+    QTest::addColumn<int>("tested");
+    QTest::addColumn<int>("spots");
+    QTest::addColumn<int>("startedPosts");
+
+    QTest::newRow("load and appear: a stop before the load")
+        << "" << QStringList{"StopTesting", "ViewDidLoad", "ViewWillAppear"} << false << false << 0 << 0 << 0;
+    QTest::newRow("start") << "mark,start" << QStringList{"StartTesting", "ActStart"} << false << true << 0 << 0 << 1;
+    QTest::newRow("stop") << "start,results:2,mark,stop" << QStringList{"StopTesting", "ActStop"} << false << false
+                          << 2 << 0 << 1;
+    QTest::newRow("stop while preparing is ignored")
+        << "startPress,mark,stop" << QStringList{} << false << true << 0 << 0 << 1;
+    QTest::newRow("start without Wi-Fi") << "wifiOff,mark,start" << QStringList{"ActStartAndNoWifi"} << true << false
+                                         << 0 << 0 << 0;
+    QTest::newRow("Wi-Fi lost, found at the tester's finish: results and spots stay")
+        << "start,results:2,record,mark,wifiOff,results:1" << QStringList{"StopTesting", "ShowNoWifiPopup"} << true
+        << false << 2 << 1 << 1;
+    QTest::newRow("Wi-Fi lost, found at the next result, which is dropped")
+        << "start,results:2,record,mark,wifiOff,resultNoWifi" << QStringList{"StopTesting", "ShowNoWifiPopup"}
+        << true << false << 2 << 1 << 1;
+    QTest::newRow("background while recording abandons the spot")
+        << "start,results:2,press,mark,background" << QStringList{"StopTesting"} << false << false << 2 << 0 << 1;
+    QTest::newRow("resign active while recording saves the spot and goes on")
+        << "start,results:2,press,mark,resign" << QStringList{"SaveRecord"} << false << true << 2 << 1 << 1;
+    QTest::newRow("disappear while testing") << "start,results:1,mark,hide"
+                                             << QStringList{"StopTesting", "ViewWillDisappear"} << false << false << 1
+                                             << 0 << 1;
+    QTest::newRow("an edit load appearance only resets")
+        << "hide,edit,mark,show" << QStringList{"ActReset"} << false << false << 0 << 2 << 0;
+}
+
+void tst_BMWifiScanVC::delegateCallOrder()
+{
+    QFETCH(QString, steps);
+    QFETCH(QStringList, expected);
+    QFETCH(bool, alert);
+    QFETCH(bool, scanning);
+    QFETCH(int, tested);
+    QFETCH(int, spots);
+    QFETCH(int, startedPosts);
+
+    WifiScanHarness h;
+    int posts = 0;
+    NotificationCenter::defaultCenter().addObserver(&posts, QString::fromLatin1(kWiFiFairzoneTestStarted),
+                                                    [&posts](const Notification &) { ++posts; });
+    int subscribersAtMark = -1;
+    const auto reachability = BMReachabilityManager::sharedInstance();
+    run(h, steps.section("mark", 0, 0));
+    if (steps.contains("mark")) {
+        h.recorder.mark();
+        subscribersAtMark = reachability->subscriberCount();
+        run(h, steps.section("mark", 1));
+    }
+    NotificationCenter::defaultCenter().removeObserver(&posts);
+
+    QCOMPARE(h.recorder.sinceMark(), expected);
+    Alert *shown = h.alert();
+    QCOMPARE(shown != nullptr, alert);
+    if (shown) {
+        QCOMPARE(shown->title(), BMI18NManager::stringForCode("bmOops"));
+        QCOMPARE(shown->message(), BMI18NManager::stringForCode("switch_wifi_to_continue"));
+    }
+    QCOMPARE(h.screen->isScanning(), scanning);
+    QCOMPARE(h.screen->testedSpeeds().size(), tested);
+    QCOMPARE(h.screen->recordedSpeeds().size(), spots);
+    QCOMPARE(posts, startedPosts);
+    if (steps.contains("edit")) {
+        // No reachability subscription in that appearance either.
+        QCOMPARE(reachability->subscriberCount(), subscribersAtMark);
+        QCOMPARE(h.screen->spotsSetName(), QString("Upstairs"));
+        QVERIFY(h.screen->btnRecordReset()->isEnabled());
+        QVERIFY(!h.screen->scrollTutorial());
+    }
+}
+
+void tst_BMWifiScanVC::controlsPerState_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<bool>("startEnabled");
+    QTest::addColumn<QString>("startLook"); // image:title key
+    QTest::addColumn<bool>("recordEnabled");
+    QTest::addColumn<QString>("recordLook");
+    QTest::addColumn<bool>("holdShown");
+    QTest::addColumn<bool>("preparingShown");
+    QTest::addColumn<QString>("counter");
+    QTest::addColumn<QString>("speed");
+
+    QTest::newRow("stopped, nothing measured") << "" << true << "buttonStart.png:start" << false
+                                               << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
+    QTest::newRow("preparing") << "startPress" << false << "buttonStop.png:stop" << true << "buttonRecord.png:record"
+                               << true << true << "wifiCounter" << "0.0";
+    QTest::newRow("preparing, setup finished") << "start" << true << "buttonStop.png:stop" << true
+                                               << "buttonRecord.png:record" << true << true << "wifiCounter" << "0.0";
+    QTest::newRow("testing") << "start,results:1" << true << "buttonStop.png:stop" << true << "buttonRecord.png:record"
+                             << true << false << "wifiCounter" << "10.0";
+    QTest::newRow("recording shows the running average")
+        << "start,results:1,press,results:1" << true << "buttonStop.png:stop" << true << "buttonRecord.png:record"
+        << true << false << "wifiCounterRecording" << "15.0";
+    QTest::newRow("stopped after results") << "start,results:2,stop" << true << "buttonStart.png:start" << true
+                                           << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
+}
+
+void tst_BMWifiScanVC::controlsPerState()
+{
+    QFETCH(QString, steps);
+    QFETCH(bool, startEnabled);
+    QFETCH(QString, startLook);
+    QFETCH(bool, recordEnabled);
+    QFETCH(QString, recordLook);
+    QFETCH(bool, holdShown);
+    QFETCH(bool, preparingShown);
+    QFETCH(QString, counter);
+    QFETCH(QString, speed);
+
+    WifiScanHarness h({10.0, 20.0});
+    run(h, steps);
+    BMWifiScanVC *s = h.screen;
+    const auto look = [](BMImageButton *button) {
+        const QString key = button->isEnabled() ? button->titleForState(BMImageButton::State::Normal)
+                                                : button->titleForState(BMImageButton::State::Disabled);
+        return BMWifiScanVC::imageNameOf(button) + ":" + key;
+    };
+    const auto localised = [](const QString &imageAndKey) {
+        return imageAndKey.section(':', 0, 0) + ":" + BMI18NManager::stringForCode(imageAndKey.section(':', 1));
+    };
+    QCOMPARE(s->btnStartStop()->isEnabled(), startEnabled);
+    QCOMPARE(look(s->btnStartStop()), localised(startLook));
+    QCOMPARE(s->btnRecordReset()->isEnabled(), recordEnabled);
+    QCOMPARE(look(s->btnRecordReset()), localised(recordLook));
+    QCOMPARE(s->btnRecordReset()->text(), localised(recordLook).section(':', 1)); // what is drawn
+    QCOMPARE(s->lblHoldToAverage()->isVisibleTo(s), holdShown);
+    QCOMPARE(s->lblPreparing()->isVisibleTo(s), preparingShown);
+    QCOMPARE(BMWifiScanVC::imageNameOf(s->wifiCounterBackground()), counter);
+    QCOMPARE(s->lblWifiSpeed()->text(), speed);
+    // White on the recording green, and the normal colour back afterwards.
+    const QColor speedColour = s->lblWifiSpeed()->palette().color(QPalette::WindowText);
+    QCOMPARE(speedColour == Color::colorWithR(255, 255, 255), counter == "wifiCounterRecording");
+}
+
+void tst_BMWifiScanVC::resultsOnScreen_data()
+{
+    QTest::addColumn<QList<double>>("speeds");
+    QTest::addColumn<int>("kept");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<double>("lastPlotted");
+    QTest::newRow("cut to one digit, not rounded") << QList<double>{2.79} << 1 << "2.7" << 2.79;
+    QTest::newRow("zero is kept, shown and plotted") << QList<double>{0.0} << 1 << "0.0" << 0.0;
+    QTest::newRow("a negative speed changes nothing") << QList<double>{5.0, -1.0} << 1 << "5.0" << 5.0;
+    QTest::newRow("not a number is dropped too") << QList<double>{7.25, qQNaN()} << 1 << "7.2" << 7.25;
+}
+
+void tst_BMWifiScanVC::resultsOnScreen()
+{
+    QFETCH(QList<double>, speeds);
+    QFETCH(int, kept);
+    QFETCH(QString, shown);
+    QFETCH(double, lastPlotted);
+    WifiScanHarness h;
+    h.start();
+    WifiTestResult::List results;
+    for (double speed : speeds) {
+        results << WifiTestResult::create(speed);
+        results.last()->setLabel("from the tester");
+        h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->wifiTester(), results.last());
+    }
+    QCOMPARE(h.screen->testedSpeeds().size(), kept);
+    QCOMPARE(h.screen->lblWifiSpeed()->text(), shown);
+    QCOMPARE(h.screen->charPlot()->lastSpeedAdded(), lastPlotted);
+    QVERIFY(!h.screen->isPreparingWifiTester());
+    const WifiTestResult::Ptr first = h.screen->testedSpeeds().constFirst();
+    QCOMPARE(first->label(), QString()); // labels are the screen's to give
+    QCOMPARE(first->coordinate().has_value(), h.screen->wifiTester()->location().has_value());
+}
+
+void tst_BMWifiScanVC::soundGap_data()
+{
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<bool>("soundOn");
+    QTest::addColumn<double>("gap"); // 0: never plays
+    QTest::newRow("0 Mbps: every 2 s") << 0.0 << true << 2.0;
+    QTest::newRow("5 Mbps: every 2 s") << 5.0 << true << 2.0;
+    QTest::newRow("10 Mbps: every second") << 10.0 << true << 1.0;
+    QTest::newRow("100 Mbps: ten a second") << 100.0 << true << 0.1;
+    QTest::newRow("sound off: silent") << 100.0 << false << 0.0;
+}
+
+void tst_BMWifiScanVC::soundGap()
+{
+    QFETCH(double, speed);
+    QFETCH(bool, soundOn);
+    QFETCH(double, gap);
+    WifiScanHarness h({speed});
+    if (soundOn) {
+        h.screen->actSoundOnOff();
+        QCOMPARE(h.recorder.calls.last(), QString("SoundOnOff:1"));
+        QVERIFY(h.screen->wifiTester()->isSoundEnabled());
+        QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->btnSound()), QString("buttonAudioOn"));
+    }
+    h.start();
+    QVERIFY(!h.screen->hasSoundTimer()); // the first result starts it
+    h.results(1);
+    QVERIFY(h.screen->hasSoundTimer());
+    const int playsBefore = SystemSound::playCount();
+    QList<double> playTimes;
+    double lastPlay = h.screen->lastPlayTime();
+    for (int tick = 0; tick < 500; ++tick) {
+        h.clock.advance(0.01);
+        if (h.screen->lastPlayTime() != lastPlay)
+            playTimes << (lastPlay = h.screen->lastPlayTime());
+    }
+    if (gap == 0.0) {
+        QCOMPARE(SystemSound::playCount(), playsBefore);
+        return;
+    }
+    QVERIFY(playTimes.size() >= 3);
+    for (qsizetype i = 1; i < playTimes.size(); ++i)
+        QVERIFY2(qAbs(playTimes[i] - playTimes[i - 1] - gap) < 1e-6,
+                 qPrintable(QString("gap %1 between plays %2 and %3").arg(playTimes[i] - playTimes[i - 1]).arg(i - 1).arg(i)));
+    QCOMPARE(SystemSound::playCount() - playsBefore, int(playTimes.size()));
+    h.screen->actStartStop();
+    QVERIFY(!h.screen->hasSoundTimer());
+}
+
+void tst_BMWifiScanVC::ssidLine_data()
+{
+    QTest::addColumn<QString>("ssid");
+    QTest::addColumn<QString>("bssid");
+    QTest::addColumn<bool>("wifi");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("name and grey BSSID") << "Loft <5G>" << "02:1a:2b:3c:4d:5e" << true << "Loft <5G> (02:1a:2b:3c:4d:5e)";
+    QTest::newRow("name only") << "HomeNet" << "" << true << "HomeNet";
+    QTest::newRow("BSSID without a name shows nothing") << "" << "02:1a:2b:3c:4d:5e" << true << "";
+    QTest::newRow("off Wi-Fi") << "HomeNet" << "02:1a:2b:3c:4d:5e" << false << "";
+}
+
+void tst_BMWifiScanVC::ssidLine()
+{
+    QFETCH(QString, ssid);
+    QFETCH(QString, bssid);
+    QFETCH(bool, wifi);
+    QFETCH(QString, shown);
+    WifiScanHarness h;
+    BMSimulatedNetwork::shared().setNetwork(ssid, bssid);
+    h.setWifi(wifi);
+    h.screen->updateSSID();
+    const QString html = h.screen->lblSSID()->text();
+    QCOMPARE(QTextDocumentFragment::fromHtml(html).toPlainText(), shown);
+    QCOMPARE(html.contains("color:#999999"), !bssid.isEmpty() && !shown.isEmpty());
+    QCOMPARE(h.screen->lblSSID()->palette().color(QPalette::WindowText), Color::colorWithHexString("3593da"));
+}
+
+void tst_BMWifiScanVC::tutorialPaging_data()
+{
+    QTest::addColumn<QList<double>>("restingPages"); // where each drag comes to rest, in page widths
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<int>("currentPage");
+    QTest::newRow("to the second page") << QList<double>{1.0} << QStringList{"TutorialView:2"} << 1;
+    QTest::newRow("back on the same page tells nothing") << QList<double>{0.0} << QStringList{} << 0;
+    QTest::newRow("on and on") << QList<double>{1.0, 3.0, 3.0}
+                               << QStringList{"TutorialView:2", "TutorialView:4"} << 3;
+    QTest::newRow("between pages counts the one left of it") << QList<double>{1.6} << QStringList{"TutorialView:2"} << 1;
+}
+
+void tst_BMWifiScanVC::tutorialPaging()
+{
+    QFETCH(QList<double>, restingPages);
+    QFETCH(QStringList, expected);
+    QFETCH(int, currentPage);
+    WifiScanHarness h;
+    ScrollView *strip = h.screen->scrollTutorial();
+    QVERIFY(strip);
+    h.recorder.mark();
+    for (double page : restingPages) {
+        strip->setContentOffset(QPoint(int(page * strip->width()), 0), false);
+        Q_EMIT strip->didEndDecelerating();
+    }
+    QCOMPARE(h.recorder.sinceMark(), expected);
+    QCOMPARE(h.screen->pageResults()->currentPage(), currentPage);
+
+    // A tap on the dots scrolls there, telling the host nothing.
+    h.recorder.mark();
+    h.screen->pageResults()->setCurrentPage(2);
+    Q_EMIT h.screen->pageResults()->valueChanged();
+    QTRY_COMPARE(strip->contentOffset().x(), 2 * strip->width());
+    QCOMPARE(h.recorder.sinceMark(), QStringList{});
+}
+
+void tst_BMWifiScanVC::tutorialRebuiltThenRemovedForGood()
+{
+    WifiScanHarness h;
+    const auto pages = [&h] {
+        return h.screen->scrollTutorial() ? h.screen->scrollTutorial()->findChildren<BMFairzoneTutorialPageView *>()
+                                          : QList<BMFairzoneTutorialPageView *>{};
+    };
+    for (int appearance = 0; appearance < 2; ++appearance) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(pages().size(), kTutorialPages);
+        QCOMPARE(pages().first()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_1"));
+        QCOMPARE(pages().last()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_4"));
+        QCOMPARE(h.screen->scrollTutorial()->contentSize().width(), kTutorialPages * h.screen->scrollTutorial()->width());
+        QVERIFY(h.screen->pageResults()->isVisibleTo(h.screen));
+        h.nav->hide();
+        h.nav->show();
+    }
+    h.start();
+    QVERIFY(!h.screen->scrollTutorial() && !h.screen->pageResults());
+    QVERIFY(h.screen->isWifiTutorialShown());
+    h.screen->actStartStop();
+    h.nav->hide();
+    h.nav->show();
+    QVERIFY(!h.screen->scrollTutorial());
+}
+
+void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
+{
+    LogCapture log;
+    QString defaultsPath;
+    {
+        WifiScanHarness h;
+        defaultsPath = h.env.defaultsFilePath();
+        h.start();
+        h.results(2);
+        h.recordSpot();
+        h.screen->actStartStop(); // stopping writes the remembered spot names
+        QVERIFY(h.screen->wifiTester()->hasSdkPassword());
+        QCOMPARE(h.screen->wifiTester()->sdkCustomer(), QString("acme"));
+        QVERIFY(h.screen->wifiTester()->usesProductionServer());
+        QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenName(), QString("WiFiSpeedScanScreen"));
+        QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenClass(), &BMWifiScanVC::staticMetaObject);
+        QFile defaults(defaultsPath);
+        QVERIFY(defaults.open(QIODevice::ReadOnly));
+        QVERIFY(!defaults.readAll().contains(WifiScanHarness::kPassword));
+    }
+    QVERIFY(!log.text().isEmpty());
+    QVERIFY(!log.contains(WifiScanHarness::kPassword));
+}
+
+void tst_BMWifiScanVC::rendersEachState()
+{
+    WifiScanHarness h({12.4, 18.0, 25.7, 31.2, 22.5, 14.8, 9.6, 17.3, 28.9, 35.1, 26.4, 19.2});
+    QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
+    const QDir out(QCoreApplication::applicationDirPath());
+    const auto save = [&](const QString &state) {
+        QCoreApplication::processEvents();
+        const QString path = out.filePath("wifiscan-" + state + ".png");
+        QVERIFY2(h.nav->grab().save(path), qPrintable(path));
+    };
+    save("tutorial");
+    h.start();
+    save("preparing");
+    h.results(12);
+    save("testing");
+    h.pressRecord();
+    h.results(3);
+    save("recording");
+    h.releaseRecord();
+    for (int spot = 0; spot < 4; ++spot) {
+        h.results(2);
+        h.recordSpot(spot % 2);
+    }
+    h.screen->actStartStop();
+    QCOMPARE(h.screen->recordedSpeeds().size(), 5);
+    save("stopped-five-spots");
+    h.screen->didEnterInEditMode(h.row(1));
+    QVERIFY(h.screen->editPopup());
+    save("confirm-popup");
+}
+
+QTEST_MAIN(tst_BMWifiScanVC)
+#include "tst_BMWifiScanVC.moc"

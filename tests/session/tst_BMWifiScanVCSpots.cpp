@@ -1,0 +1,382 @@
+#include "WifiScanHarness.h"
+#include "i18n/BMI18NManager.h"
+#include "model/BMSDKUISettings.h"
+#include "model/FZHistoricalResultSpotsSet.h"
+#include "platform/views/KeyboardNotifications.h"
+#include "platform/views/Switch.h"
+
+#include <QCompleter>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointingDevice>
+#include <QPushButton>
+#include <QStringListModel>
+
+using namespace Brightmere;
+
+// Spots on the test screen: recording with the control (mouse and touch),
+// default names, re-recording a row, deleting and renaming.
+class tst_BMWifiScanVCSpots : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void recordControl_data();
+    void recordControl();
+    void pressAndRelease_data();
+    void pressAndRelease();
+    void defaultNames_data();
+    void defaultNames();
+    void reRecord_data();
+    void reRecord();
+    void deleteSpot_data();
+    void deleteSpot();
+    void renameSpot_data();
+    void renameSpot();
+
+private:
+    static void choose(FZOptionsPopup *popup, int index);
+};
+
+void tst_BMWifiScanVCSpots::choose(FZOptionsPopup *popup, int index)
+{
+    for (QPushButton *button : popup->optionButtons()) {
+        if (FZOptionsPopup::tagOf(button) == index) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            return;
+        }
+    }
+    QFAIL("no such option");
+}
+
+void tst_BMWifiScanVCSpots::recordControl_data()
+{
+    QTest::addColumn<bool>("touch");
+    QTest::addColumn<QPoint>("dragTo"); // where the press moves before release; null: stays
+    QTest::addColumn<bool>("inside");
+    QTest::newRow("mouse, released inside") << false << QPoint() << true;
+    QTest::newRow("mouse, dragged out and back in") << false << QPoint(-30, 10) << true;
+    QTest::newRow("mouse, released outside") << false << QPoint(-30, 10) << false;
+    QTest::newRow("touch, released inside") << true << QPoint() << true;
+    QTest::newRow("touch, released outside") << true << QPoint(-30, 10) << false;
+}
+
+void tst_BMWifiScanVCSpots::recordControl()
+{
+    QFETCH(bool, touch);
+    QFETCH(QPoint, dragTo);
+    QFETCH(bool, inside);
+    WifiScanHarness h;
+    QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
+    h.start();
+    h.results(1);
+    BMImageButton *control = h.screen->btnRecordReset();
+    const QPoint centre = control->rect().center();
+    const QPoint releaseAt = inside ? centre : dragTo;
+    h.recorder.mark();
+    if (touch) {
+        static QPointingDevice *device = QTest::createTouchDevice();
+        QTest::touchEvent(control, device).press(0, centre);
+        QVERIFY(h.screen->isRecording());
+        if (!dragTo.isNull())
+            QTest::touchEvent(control, device).move(0, dragTo);
+        QTest::touchEvent(control, device).release(0, releaseAt);
+    } else {
+        QTest::mousePress(control, Qt::LeftButton, {}, centre);
+        QVERIFY(h.screen->isRecording());
+        if (!dragTo.isNull()) {
+            QTest::mouseMove(control, dragTo);
+            QTest::mouseMove(control, centre);
+        }
+        QTest::mouseRelease(control, Qt::LeftButton, {}, releaseAt);
+    }
+    // One press, one release, and the spot kept wherever it was released.
+    QCOMPARE(h.recorder.sinceMark(), (QStringList{"ActResetTouchDown", "SaveRecord", "ActResetTouchUpInside"}));
+    QCOMPARE(h.screen->recordedSpeeds().size(), 1);
+    QVERIFY(!h.screen->isRecording());
+    QVERIFY(!control->isTracking());
+}
+
+void tst_BMWifiScanVCSpots::pressAndRelease_data()
+{
+    QTest::addColumn<int>("resultsFirst");
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QStringList>("labels");
+    QTest::addColumn<bool>("average");
+    QTest::addColumn<double>("duration");
+    QTest::addColumn<double>("speed");
+    // Results arrive at 10, 20, 30, 40 ... Mbps, one every half second.
+    QTest::newRow("short press: the speed on show, not an average")
+        << 1 << "press,release" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+    QTest::newRow("held over two results: their mean with the one on show")
+        << 1 << "press,results:2,release" << QStringList{"Spot 1"} << true << 1.0 << 20.0;
+    QTest::newRow("two quick presses make one spot")
+        << 1 << "press,release,press,release" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+    QTest::newRow("a new result between presses makes a second spot")
+        << 1 << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
+    QTest::newRow("released outside still saves") << 1 << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
+                                                  << 10.0;
+    QTest::newRow("no result yet: no spot") << 0 << "press,release" << QStringList{} << false << 0.0 << 0.0;
+    QTest::newRow("stopped: released inside resets the run")
+        << 1 << "press,release,stop,press,release" << QStringList{} << false << 0.0 << 0.0;
+    QTest::newRow("stopped: released outside keeps it")
+        << 1 << "press,release,stop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+}
+
+void tst_BMWifiScanVCSpots::pressAndRelease()
+{
+    QFETCH(int, resultsFirst);
+    QFETCH(QString, steps);
+    QFETCH(QStringList, labels);
+    QFETCH(bool, average);
+    QFETCH(double, duration);
+    QFETCH(double, speed);
+    WifiScanHarness h({10.0, 20.0, 30.0, 40.0, 50.0});
+    h.start();
+    h.results(resultsFirst);
+    for (const QString &step : steps.split(',')) {
+        if (step == "press")
+            h.pressRecord();
+        else if (step == "release" || step == "releaseOut")
+            h.releaseRecord(step == "release");
+        else if (step == "stop")
+            h.screen->actStartStop();
+        else
+            h.results(step.section(':', 1).toInt());
+    }
+    QCOMPARE(h.labels(), labels);
+    QVERIFY(!h.screen->isRecording());
+    QCOMPARE(h.recorder.calls.contains("ActReset"), steps.endsWith("stop,press,release"));
+    QCOMPARE(h.recorder.calls.last(), QString("ActResetTouchUpInside"));
+    if (labels.isEmpty())
+        return;
+    const WifiTestResult::Ptr newest = h.screen->recordedSpeeds().constFirst();
+    QCOMPARE(newest->isAverage(), average);
+    QCOMPARE(newest->duration(), duration);
+    QCOMPARE(newest->speedInMbps(), speed);
+    QCOMPARE(newest->ssid(), BMSimulatedNetwork::shared().ssid());
+    QCOMPARE(newest->bssid(), BMSimulatedNetwork::shared().bssid());
+    QCOMPARE(h.row(0)->lblArea()->text(), labels.first());
+}
+
+void tst_BMWifiScanVCSpots::defaultNames_data()
+{
+    QTest::addColumn<QStringList>("loaded");
+    QTest::addColumn<bool>("resetFirst");
+    QTest::addColumn<QString>("next");
+    QTest::newRow("after Spot 7 comes Spot 8") << QStringList{"Spot 7"} << false << "Spot 8";
+    QTest::newRow("a name that is no number counts 0") << QStringList{"Living Room"} << false << "Spot 1";
+    QTest::newRow("read like atoi, the largest wins")
+        << QStringList{"Spot 7b", "Kitchen 3", "Hall -9", "Spot"} << false << "Spot 8";
+    QTest::newRow("after a reset, Spot 1") << QStringList{"Spot 7"} << true << "Spot 1";
+}
+
+void tst_BMWifiScanVCSpots::defaultNames()
+{
+    QFETCH(QStringList, loaded);
+    QFETCH(bool, resetFirst);
+    QFETCH(QString, next);
+    WifiScanHarness h;
+    WifiTestResult::List spots;
+    for (const QString &label : loaded) {
+        spots << WifiTestResult::create(5.0);
+        spots.last()->setLabel(label);
+    }
+    h.nav->hide();
+    h.screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create("Run", "HomeNet", QDateTime(), spots));
+    h.nav->show();
+    QCOMPARE(h.labels(), loaded);
+    if (resetFirst) {
+        h.pressRecord();
+        h.releaseRecord();
+        QVERIFY(h.screen->recordedSpeeds().isEmpty());
+    }
+    h.start();
+    h.results(1);
+    h.recordSpot();
+    QCOMPARE(h.labels().first(), next);
+}
+
+void tst_BMWifiScanVCSpots::reRecord_data()
+{
+    QTest::addColumn<bool>("alwaysReplace");
+    QTest::addColumn<bool>("alwaysCopy");
+    QTest::addColumn<int>("choice"); // popup option; -1: no popup expected
+    QTest::addColumn<bool>("switchOn");
+    QTest::addColumn<QList<double>>("speeds"); // of the spots afterwards, newest first
+    QTest::addColumn<QString>("remembered"); // the standing answer afterwards
+    // The row held is a 10 Mbps spot; the hold sees 20 (on show), 30 and 40.
+    QTest::newRow("replace") << false << false << 4 << false << QList<double>{30.0} << "";
+    QTest::newRow("copy") << false << false << 3 << false << QList<double>{30.0, 10.0} << "";
+    QTest::newRow("cancel drops the measurement") << false << false << 2 << false << QList<double>{10.0} << "";
+    QTest::newRow("replace, always") << false << false << 4 << true << QList<double>{30.0} << "replace";
+    QTest::newRow("copy, always") << false << false << 3 << true << QList<double>{30.0, 10.0} << "copy";
+    QTest::newRow("cancel with the switch on remembers nothing") << false << false << 2 << true << QList<double>{10.0}
+                                                                 << "";
+    QTest::newRow("always replace asks nothing") << true << false << -1 << false << QList<double>{30.0} << "replace";
+    QTest::newRow("always copy asks nothing") << false << true << -1 << false << QList<double>{30.0, 10.0} << "copy";
+    QTest::newRow("both always: copy wins") << true << true << -1 << false << QList<double>{30.0, 10.0} << "both";
+}
+
+void tst_BMWifiScanVCSpots::reRecord()
+{
+    QFETCH(bool, alwaysReplace);
+    QFETCH(bool, alwaysCopy);
+    QFETCH(int, choice);
+    QFETCH(bool, switchOn);
+    QFETCH(QList<double>, speeds);
+    QFETCH(QString, remembered);
+    WifiScanHarness h({10.0, 20.0, 30.0, 40.0});
+    BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
+    settings.setAlwaysReplaceRecording(alwaysReplace);
+    settings.setAlwaysCopyRecording(alwaysCopy);
+    h.start();
+    h.results(1);
+    h.recordSpot();
+    h.results(1);
+    BMSpeedRecordCell *row = h.row(0);
+    h.screen->didStartTapReRecordView(row);
+    h.results(2);
+    h.clock.advance(0.2);
+    h.screen->didFinishTapReRecordView(row);
+
+    FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
+    QCOMPARE(popup != nullptr, choice >= 0);
+    if (popup) {
+        QVERIFY(!h.screen->isRecording()); // stopped while the user decides
+        const QString note = popup->noteLabel()->text();
+        QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_replace_record_confirm_always") + "<br/>"));
+        QVERIFY(note.contains("color:#2882c6; font-size:8pt"));
+        QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_delete_record_can_be_cleared_in_settings")));
+        QCOMPARE(popup->optionButtons().size(), 3);
+        popup->optionSwitch()->setOn(switchOn);
+        choose(popup, choice);
+    }
+    QList<double> after;
+    for (const WifiTestResult::Ptr &spot : h.screen->recordedSpeeds())
+        after << spot->speedInMbps();
+    QCOMPARE(after, speeds);
+    QCOMPARE(h.labels(), QStringList(speeds.size(), "Spot 1"));
+    QVERIFY(!h.screen->isRecording() && !h.screen->wifiRecordBeingEdited() && h.screen->nextSpotRecordName().isNull());
+    if (speeds.first() == 30.0) {
+        const WifiTestResult::Ptr measured = h.screen->recordedSpeeds().constFirst();
+        QVERIFY(measured->isAverage());
+        QVERIFY(measured->duration() >= 1.2 - 1e-9);
+    }
+    if (choice == 4 || (choice < 0 && !alwaysCopy)) // a replaced spot is stamped anew
+        QCOMPARE(h.screen->recordedSpeeds().constFirst()->timeAfterTest(), h.clock.now());
+    QCOMPARE(settings.alwaysReplaceRecording(), remembered == "replace" || remembered == "both");
+    QCOMPARE(settings.alwaysCopyRecording(), remembered == "copy" || remembered == "both");
+}
+
+void tst_BMWifiScanVCSpots::deleteSpot_data()
+{
+    QTest::addColumn<bool>("alwaysDelete");
+    QTest::addColumn<int>("choice"); // -1: no popup expected
+    QTest::addColumn<bool>("switchOn");
+    QTest::addColumn<QStringList>("remaining");
+    QTest::newRow("always: at once, no question") << true << -1 << false << QStringList{"Spot 3", "Spot 1"};
+    QTest::newRow("confirmed") << false << 3 << false << QStringList{"Spot 3", "Spot 1"};
+    QTest::newRow("confirmed, always from now on") << false << 3 << true << QStringList{"Spot 3", "Spot 1"};
+    QTest::newRow("cancelled") << false << 2 << true << QStringList{"Spot 3", "Spot 2", "Spot 1"};
+}
+
+void tst_BMWifiScanVCSpots::deleteSpot()
+{
+    QFETCH(bool, alwaysDelete);
+    QFETCH(int, choice);
+    QFETCH(bool, switchOn);
+    QFETCH(QStringList, remaining);
+    WifiScanHarness h;
+    BMSDKUISettings::sharedInstance().setAlwaysDeleteRecording(alwaysDelete);
+    h.start();
+    for (int i = 0; i < 3; ++i) {
+        h.results(1);
+        h.recordSpot();
+    }
+    h.screen->actStartStop();
+    h.recorder.mark();
+    h.row(1)->setEditing(true, true); // as a swipe does
+    FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
+    QCOMPARE(popup != nullptr, choice >= 0);
+    if (popup) {
+        QCOMPARE(popup->popupContainerView()->findChild<QLabel *>("popupTitle")->text(), QString("Spot 2"));
+        QVERIFY(popup->noteLabel()->text().contains("font-size:8pt"));
+        popup->optionSwitch()->setOn(switchOn);
+        choose(popup, choice);
+    } else {
+        QCOMPARE(h.labels().size(), 3); // on the next turn of the main queue
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(h.labels(), remaining);
+    for (int i = 0; i < remaining.size(); ++i) {
+        QCOMPARE(h.row(i)->lblArea()->text(), remaining.at(i));
+        QVERIFY(!h.row(i)->isEditing());
+    }
+    QVERIFY(!h.screen->tblRecords()->isEditing());
+    QCOMPARE(BMSDKUISettings::sharedInstance().alwaysDeleteRecording(), alwaysDelete || (choice == 3 && switchOn));
+    QCOMPARE(h.recorder.sinceMark(), QStringList{}); // the host is not told
+}
+
+void tst_BMWifiScanVCSpots::renameSpot_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QStringList>("remembered");
+    QTest::addColumn<QStringList>("forgotten");
+    // Default names are remembered, except the highest ("Spot 2").
+    QTest::newRow("blank keeps the old label") << "   " << "Spot 1" << QStringList{"Spot 1"} << QStringList{"Spot 2"};
+    QTest::newRow("trimmed and remembered") << "  Hall  " << "Hall" << QStringList{"Hall"}
+                                            << QStringList{"Spot 2", "Spot 1", "  Hall  "};
+}
+
+void tst_BMWifiScanVCSpots::renameSpot()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, label);
+    QFETCH(QStringList, remembered);
+    QFETCH(QStringList, forgotten);
+    WifiScanHarness h;
+    h.screen->setAdHeight(50.0);
+    h.start();
+    for (int i = 0; i < 2; ++i) {
+        h.results(1);
+        h.recordSpot();
+    }
+    BMSpeedRecordCell *row = h.row(1);
+    const QStringList completions =
+        qobject_cast<QStringListModel *>(row->completer()->model())->stringList();
+    QCOMPARE(completions, BMSDKUISettings::sharedInstance().savedSpots());
+    QVERIFY(completions.contains("Living Room"));
+
+    h.screen->didBeginEditingSpeedRecord(row);
+    QVERIFY(!h.screen->btnStartStop()->isEnabled());
+    QVERIFY(h.screen->btnRecordReset()->isEnabled()); // a running test keeps it
+    QCOMPARE(h.screen->activeSpotTextField(), row->lblArea());
+    // A keyboard over the row lifts the table by its height less the ad strip.
+    const QRect keyboard(0, h.nav->height() - 300, h.nav->width(), 300);
+    KeyboardNotifications::postKeyboardDidShow(keyboard);
+    QVERIFY(h.screen->isEditingRecordName());
+    QCOMPARE(h.screen->keyboardSize(), keyboard.size());
+    QCOMPARE(h.screen->tblRecordsBottomConstraint(), 250);
+
+    row->lblArea()->setText(typed);
+    h.screen->didEndEditingSpeedRecord(row);
+    KeyboardNotifications::postKeyboardWillHide(keyboard);
+    QCOMPARE(row->lblArea()->text(), label);
+    QCOMPARE(h.screen->recordedSpeeds().at(1)->label(), label);
+    QVERIFY(h.screen->btnStartStop()->isEnabled());
+    QCOMPARE(h.recorder.calls.last(), QString("DidEndEditingSpeedRecord"));
+    QCOMPARE(h.screen->tblRecordsBottomConstraint(), 0);
+    QVERIFY(!h.screen->isEditingRecordName());
+
+    h.screen->actStartStop();
+    const QStringList saved = BMSDKUISettings::sharedInstance().savedSpots();
+    for (const QString &name : remembered)
+        QVERIFY2(saved.contains(name), qPrintable(name));
+    for (const QString &name : forgotten)
+        QVERIFY2(!saved.contains(name), qPrintable(name));
+}
+
+QTEST_MAIN(tst_BMWifiScanVCSpots)
+#include "tst_BMWifiScanVCSpots.moc"
