@@ -4,8 +4,10 @@
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSimulatedNetwork.h"
+#include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/foundation/ManualClock.h"
 #include "platform/views/Alert.h"
+#include "platform/views/ApplicationNotifications.h"
 #include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/ScrollView.h"
@@ -72,6 +74,45 @@ public:
     {
         BMSimulatedNetwork::shared().setReachabilityStatus(on ? BMSimulatedNetwork::kReachableViaWiFi
                                                               : BMSimulatedNetwork::kNotReachable);
+    }
+
+    // Runs a comma-separated script: start (and let setup finish),
+    // startStop (the control alone), results:N, press, release, releaseOut,
+    // record (press and release), wifiOff, resultNoWifi, background,
+    // resign, hide, show, edit (hand over a saved set of two spots), mark.
+    void run(const QString &steps)
+    {
+        for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
+            if (step == "start")
+                start();
+            else if (step == "startStop")
+                screen->actStartStop();
+            else if (step.startsWith("results:"))
+                results(step.section(':', 1).toInt());
+            else if (step == "press")
+                pressRecord();
+            else if (step == "release" || step == "releaseOut")
+                releaseRecord(step == "release");
+            else if (step == "record")
+                recordSpot();
+            else if (step == "wifiOff")
+                setWifi(false);
+            else if (step == "resultNoWifi")
+                screen->wiFiTesterDidUpdateWithTestResult(screen->wifiTester(), WifiTestResult::create(5.0));
+            else if (step == "background")
+                Brightmere::ApplicationNotifications::postDidEnterBackground();
+            else if (step == "resign")
+                Brightmere::ApplicationNotifications::postWillResignActive();
+            else if (step == "hide" || step == "show")
+                nav->setVisible(step == "show");
+            else if (step == "edit")
+                screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create(
+                    "Upstairs", "HomeNet", QDateTime(), {WifiTestResult::create(12.0), WifiTestResult::create(30.0)}));
+            else if (step == "mark")
+                recorder.mark();
+            else
+                qFatal("unknown step %s", qPrintable(step));
+        }
     }
 
     Brightmere::Alert *alert()

@@ -4,9 +4,7 @@
 #include "core/BMReachabilityManager.h"
 #include "core/BMWiFiTester.h"
 #include "i18n/BMI18NManager.h"
-#include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/foundation/NotificationCenter.h"
-#include "platform/views/ApplicationNotifications.h"
 #include "platform/views/PageControl.h"
 #include "platform/views/SystemSound.h"
 #include "session/BMFairzoneTutorialPageView.h"
@@ -44,48 +42,7 @@ private Q_SLOTS:
     void tutorialRebuiltThenRemovedForGood();
     void passwordStaysInMemoryOnly();
     void rendersEachState();
-
-private:
-    static void run(WifiScanHarness &h, const QString &steps);
 };
-
-void tst_BMWifiScanVC::run(WifiScanHarness &h, const QString &steps)
-{
-    for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
-        if (step == "start")
-            h.start();
-        else if (step == "startPress")
-            h.screen->actStartStop();
-        else if (step.startsWith("results:"))
-            h.results(step.section(':', 1).toInt());
-        else if (step == "stop")
-            h.screen->actStartStop();
-        else if (step == "wifiOff")
-            h.setWifi(false);
-        else if (step == "record")
-            h.recordSpot();
-        else if (step == "press")
-            h.pressRecord();
-        else if (step == "resultNoWifi")
-            h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->wifiTester(), WifiTestResult::create(5.0));
-        else if (step == "background")
-            ApplicationNotifications::postDidEnterBackground();
-        else if (step == "resign")
-            ApplicationNotifications::postWillResignActive();
-        else if (step == "hide")
-            h.nav->hide();
-        else if (step == "show")
-            h.nav->show();
-        else if (step == "edit")
-            h.screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create(
-                "Upstairs", "HomeNet", QDateTime::currentDateTimeUtc(),
-                {WifiTestResult::create(12.0), WifiTestResult::create(30.0)}));
-        else if (step == "mark")
-            h.recorder.mark();
-        else
-            QFAIL(qPrintable("unknown step " + step));
-    }
-}
 
 void tst_BMWifiScanVC::delegateCallOrder_data()
 {
@@ -100,10 +57,10 @@ void tst_BMWifiScanVC::delegateCallOrder_data()
     QTest::newRow("load and appear: a stop before the load")
         << "" << QStringList{"StopTesting", "ViewDidLoad", "ViewWillAppear"} << false << false << 0 << 0 << 0;
     QTest::newRow("start") << "mark,start" << QStringList{"StartTesting", "ActStart"} << false << true << 0 << 0 << 1;
-    QTest::newRow("stop") << "start,results:2,mark,stop" << QStringList{"StopTesting", "ActStop"} << false << false
+    QTest::newRow("stop") << "start,results:2,mark,startStop" << QStringList{"StopTesting", "ActStop"} << false << false
                           << 2 << 0 << 1;
     QTest::newRow("stop while preparing is ignored")
-        << "startPress,mark,stop" << QStringList{} << false << true << 0 << 0 << 1;
+        << "startStop,mark,startStop" << QStringList{} << false << true << 0 << 0 << 1;
     QTest::newRow("start without Wi-Fi") << "wifiOff,mark,start" << QStringList{"ActStartAndNoWifi"} << true << false
                                          << 0 << 0 << 0;
     QTest::newRow("Wi-Fi lost, found at the tester's finish: results and spots stay")
@@ -139,11 +96,11 @@ void tst_BMWifiScanVC::delegateCallOrder()
                                                     [&posts](const Notification &) { ++posts; });
     int subscribersAtMark = -1;
     const auto reachability = BMReachabilityManager::sharedInstance();
-    run(h, steps.section("mark", 0, 0));
+    h.run(steps.section("mark", 0, 0));
     if (steps.contains("mark")) {
         h.recorder.mark();
         subscribersAtMark = reachability->subscriberCount();
-        run(h, steps.section("mark", 1));
+        h.run(steps.section("mark", 1));
     }
     NotificationCenter::defaultCenter().removeObserver(&posts);
 
@@ -181,7 +138,7 @@ void tst_BMWifiScanVC::controlsPerState_data()
 
     QTest::newRow("stopped, nothing measured") << "" << true << "buttonStart.png:start" << false
                                                << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
-    QTest::newRow("preparing") << "startPress" << false << "buttonStop.png:stop" << true << "buttonRecord.png:record"
+    QTest::newRow("preparing") << "startStop" << false << "buttonStop.png:stop" << true << "buttonRecord.png:record"
                                << true << true << "wifiCounter" << "0.0";
     QTest::newRow("preparing, setup finished") << "start" << true << "buttonStop.png:stop" << true
                                                << "buttonRecord.png:record" << true << true << "wifiCounter" << "0.0";
@@ -190,7 +147,7 @@ void tst_BMWifiScanVC::controlsPerState_data()
     QTest::newRow("recording shows the running average")
         << "start,results:1,press,results:1" << true << "buttonStop.png:stop" << true << "buttonRecord.png:record"
         << true << false << "wifiCounterRecording" << "15.0";
-    QTest::newRow("stopped after results") << "start,results:2,stop" << true << "buttonStart.png:start" << true
+    QTest::newRow("stopped after results") << "start,results:2,startStop" << true << "buttonStart.png:start" << true
                                            << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
 }
 
@@ -207,7 +164,7 @@ void tst_BMWifiScanVC::controlsPerState()
     QFETCH(QString, speed);
 
     WifiScanHarness h({10.0, 20.0});
-    run(h, steps);
+    h.run(steps);
     BMWifiScanVC *s = h.screen;
     const auto look = [](BMImageButton *button) {
         const QString key = button->isEnabled() ? button->titleForState(BMImageButton::State::Normal)
@@ -311,7 +268,7 @@ void tst_BMWifiScanVC::soundGap()
         QVERIFY2(qAbs(playTimes[i] - playTimes[i - 1] - gap) < 1e-6,
                  qPrintable(QString("gap %1 between plays %2 and %3").arg(playTimes[i] - playTimes[i - 1]).arg(i - 1).arg(i)));
     QCOMPARE(SystemSound::playCount() - playsBefore, int(playTimes.size()));
-    h.screen->actStartStop();
+    h.run("startStop");
     QVERIFY(!h.screen->hasSoundTimer());
 }
 
@@ -382,46 +339,30 @@ void tst_BMWifiScanVC::tutorialPaging()
 void tst_BMWifiScanVC::tutorialRebuiltThenRemovedForGood()
 {
     WifiScanHarness h;
-    const auto pages = [&h] {
-        return h.screen->scrollTutorial() ? h.screen->scrollTutorial()->findChildren<BMFairzoneTutorialPageView *>()
-                                          : QList<BMFairzoneTutorialPageView *>{};
-    };
-    for (int appearance = 0; appearance < 2; ++appearance) {
+    for (int appearance = 0; appearance < 2; ++appearance, h.run("hide,show")) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCOMPARE(pages().size(), kTutorialPages);
-        QCOMPARE(pages().first()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_1"));
-        QCOMPARE(pages().last()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_4"));
+        const auto pages = h.screen->scrollTutorial()->findChildren<BMFairzoneTutorialPageView *>();
+        QCOMPARE(pages.size(), kTutorialPages);
+        QCOMPARE(pages.last()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_4"));
         QCOMPARE(h.screen->scrollTutorial()->contentSize().width(), kTutorialPages * h.screen->scrollTutorial()->width());
         QVERIFY(h.screen->pageResults()->isVisibleTo(h.screen));
-        h.nav->hide();
-        h.nav->show();
     }
-    h.start();
+    h.run("start,startStop,hide,show");
     QVERIFY(!h.screen->scrollTutorial() && !h.screen->pageResults());
     QVERIFY(h.screen->isWifiTutorialShown());
-    h.screen->actStartStop();
-    h.nav->hide();
-    h.nav->show();
-    QVERIFY(!h.screen->scrollTutorial());
 }
 
 void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
 {
     LogCapture log;
-    QString defaultsPath;
     {
         WifiScanHarness h;
-        defaultsPath = h.env.defaultsFilePath();
-        h.start();
-        h.results(2);
-        h.recordSpot();
-        h.screen->actStartStop(); // stopping writes the remembered spot names
+        h.run("start,results:2,record,startStop"); // a stop writes the remembered spot names
         QVERIFY(h.screen->wifiTester()->hasSdkPassword());
         QCOMPARE(h.screen->wifiTester()->sdkCustomer(), QString("acme"));
         QVERIFY(h.screen->wifiTester()->usesProductionServer());
         QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenName(), QString("WiFiSpeedScanScreen"));
-        QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenClass(), &BMWifiScanVC::staticMetaObject);
-        QFile defaults(defaultsPath);
+        QFile defaults(h.env.defaultsFilePath());
         QVERIFY(defaults.open(QIODevice::ReadOnly));
         QVERIFY(!defaults.readAll().contains(WifiScanHarness::kPassword));
     }
@@ -452,7 +393,7 @@ void tst_BMWifiScanVC::rendersEachState()
         h.results(2);
         h.recordSpot(spot % 2);
     }
-    h.screen->actStartStop();
+    h.run("startStop");
     QCOMPARE(h.screen->recordedSpeeds().size(), 5);
     save("stopped-five-spots");
     h.screen->didEnterInEditMode(h.row(1));

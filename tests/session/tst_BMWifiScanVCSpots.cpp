@@ -118,9 +118,9 @@ void tst_BMWifiScanVCSpots::pressAndRelease_data()
                                                   << 10.0;
     QTest::newRow("no result yet: no spot") << 0 << "press,release" << QStringList{} << false << 0.0 << 0.0;
     QTest::newRow("stopped: released inside resets the run")
-        << 1 << "press,release,stop,press,release" << QStringList{} << false << 0.0 << 0.0;
+        << 1 << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
     QTest::newRow("stopped: released outside keeps it")
-        << 1 << "press,release,stop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+        << 1 << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
 }
 
 void tst_BMWifiScanVCSpots::pressAndRelease()
@@ -134,19 +134,10 @@ void tst_BMWifiScanVCSpots::pressAndRelease()
     WifiScanHarness h({10.0, 20.0, 30.0, 40.0, 50.0});
     h.start();
     h.results(resultsFirst);
-    for (const QString &step : steps.split(',')) {
-        if (step == "press")
-            h.pressRecord();
-        else if (step == "release" || step == "releaseOut")
-            h.releaseRecord(step == "release");
-        else if (step == "stop")
-            h.screen->actStartStop();
-        else
-            h.results(step.section(':', 1).toInt());
-    }
+    h.run(steps);
     QCOMPARE(h.labels(), labels);
     QVERIFY(!h.screen->isRecording());
-    QCOMPARE(h.recorder.calls.contains("ActReset"), steps.endsWith("stop,press,release"));
+    QCOMPARE(h.recorder.calls.contains("ActReset"), steps.endsWith("startStop,press,release"));
     QCOMPARE(h.recorder.calls.last(), QString("ActResetTouchUpInside"));
     if (labels.isEmpty())
         return;
