@@ -749,7 +749,9 @@ void BMWifiScanVC::startSound()
     if (m_soundTimer != 0)
         return;
     QPointer<BMWifiScanVC> self(this);
-    m_soundTimer = BMSDKBackend::clock().startRepeating(kSoundTick, [self] {
+    // Stopped on the clock it was started on, whatever is set meanwhile.
+    m_soundClock = &BMSDKBackend::clock();
+    m_soundTimer = m_soundClock->startRepeating(kSoundTick, [self] {
         if (self)
             self->playSound();
     });
@@ -759,8 +761,9 @@ void BMWifiScanVC::stopSound()
 {
     if (m_soundTimer == 0)
         return;
-    BMSDKBackend::clock().stopRepeating(m_soundTimer);
+    m_soundClock->stopRepeating(m_soundTimer);
     m_soundTimer = 0;
+    m_soundClock = nullptr;
 }
 
 void BMWifiScanVC::playSound()

@@ -28,6 +28,7 @@ class RealTimePlot;
 
 namespace Brightmere {
 class BarButtonItem;
+class Clock;
 class PageControl;
 class ScrollView;
 class TableView;
@@ -274,6 +275,7 @@ private:
     quint32 m_soundID = 0;
     double m_lastPlayTime = 0.0;
     int m_soundTimer = 0;
+    Brightmere::Clock *m_soundClock = nullptr;
     bool m_waitingResetButtonTouchUp = false;
     bool m_isEditingRecordName = false;
     QSize m_keyboardSize;
