@@ -11,9 +11,13 @@ function(brightmere_add_test name)
         set(ARG_TIMEOUT 60)
     endif()
     add_test(NAME ${name} COMMAND ${name})
+    # A home of its own per test and build tree: Qt's test-mode folders live
+    # under it, so two trees running the same test at once never share files.
+    set(home ${CMAKE_BINARY_DIR}/test-home/${name})
+    file(MAKE_DIRECTORY ${home})
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}
-        ENVIRONMENT "${BRIGHTMERE_TEST_ENVIRONMENT}")
+        ENVIRONMENT "${BRIGHTMERE_TEST_ENVIRONMENT};HOME=${home}")
 endfunction()
 
 # In a sanitizer build every test runs with the kit's suppressions (findings

@@ -1,18 +1,24 @@
 #include "PageControl.h"
 
-// First cut: state only; drawing and taps come next.
+#include "ui/BrightmereColor.h"
+
+#include <QMouseEvent>
+#include <QPainter>
 
 namespace Brightmere {
 
 PageControl::PageControl(QWidget *parent)
     : QWidget(parent)
 {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void PageControl::setNumberOfPages(int pages)
 {
     m_numberOfPages = qMax(0, pages);
     setCurrentPage(m_currentPage);
+    updateGeometry();
 }
 
 void PageControl::setCurrentPage(int page)
@@ -35,7 +41,59 @@ void PageControl::setCurrentPageIndicatorTintColor(const QColor &color)
 
 QSize PageControl::sizeHint() const
 {
-    return QSize(qMax(1, m_numberOfPages) * 16, 20);
+    return QSize(qMax(1, m_numberOfPages) * kDotSpacing, 20);
+}
+
+QPointF PageControl::dotCentre(int page) const
+{
+    const qreal rowWidth = qreal(m_numberOfPages - 1) * kDotSpacing;
+    return {width() / 2.0 - rowWidth / 2.0 + page * kDotSpacing, height() / 2.0};
+}
+
+void PageControl::paintEvent(QPaintEvent *)
+{
+    if (m_numberOfPages <= 0)
+        return;
+    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor
+                                                          : Color::named(QStringLiteral("disable_gray"));
+    const QColor current = m_currentPageIndicatorTintColor.isValid()
+                               ? m_currentPageIndicatorTintColor
+                               : Color::named(QStringLiteral("medium_blue"));
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const qreal radius = kDotDiameter / 2.0;
+    for (int page = 0; page < m_numberOfPages; ++page) {
+        painter.setBrush(page == m_currentPage ? current : dot);
+        painter.drawEllipse(dotCentre(page), radius, radius);
+    }
+}
+
+void PageControl::mousePressEvent(QMouseEvent *event)
+{
+    // Taken, so the release comes here too.
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void PageControl::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    const qreal x = event->position().x();
+    const qreal centre = dotCentre(m_currentPage).x();
+    int page = m_currentPage;
+    if (x < centre - kDotDiameter / 2.0)
+        page = m_currentPage - 1;
+    else if (x > centre + kDotDiameter / 2.0)
+        page = m_currentPage + 1;
+    if (page < 0 || page >= m_numberOfPages || page == m_currentPage)
+        return;
+    m_currentPage = page;
+    update();
+    Q_EMIT valueChanged();
 }
 
 } // namespace Brightmere

@@ -7,7 +7,8 @@ namespace Brightmere {
 
 // A row of dots, one per page, the current one highlighted. A tap on either
 // side of the current dot moves one page that way and emits valueChanged;
-// setting currentPage from code emits nothing.
+// setting currentPage from code emits nothing. Colours not set (invalid)
+// take the kit's defaults: light grey dots, the current one medium blue.
 class PageControl : public QWidget
 {
     Q_OBJECT
@@ -26,10 +27,20 @@ public:
     QColor currentPageIndicatorTintColor() const { return m_currentPageIndicatorTintColor; }
     void setCurrentPageIndicatorTintColor(const QColor &color);
 
+    static constexpr int kDotDiameter = 7;
+    static constexpr int kDotSpacing = 16; // centre to centre
+
     QSize sizeHint() const override;
+    // The centre of a page's dot, in the control's coordinates.
+    QPointF dotCentre(int page) const;
 
 Q_SIGNALS:
     void valueChanged();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
     int m_numberOfPages = 0;

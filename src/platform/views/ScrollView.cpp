@@ -1,15 +1,11 @@
 #include "ScrollView.h"
 
-#include <QScrollBar>
-#include <QTimer>
+#include "DragTracker.h"
+#include "ScrollAnimator.h"
 
-// First cut: positions only; dragging and animation come next.
+#include <cmath>
 
 namespace Brightmere {
-
-namespace {
-int g_animationDuration = 250;
-}
 
 ScrollView::ScrollView(QWidget *parent)
     : QScrollArea(parent)
@@ -20,10 +16,20 @@ ScrollView::ScrollView(QWidget *parent)
     setWidget(m_content);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_content->resize(0, 0);
+
+    m_animator = new ScrollAnimator(this);
+    connect(m_animator, &ScrollAnimator::finished, this, &ScrollView::onAnimationFinished);
+    m_tracker = new DragTracker(viewport());
+    connect(m_tracker, &DragTracker::dragStarted, this, &ScrollView::onDragStarted);
+    connect(m_tracker, &DragTracker::dragMoved, this, &ScrollView::onDragMoved);
+    connect(m_tracker, &DragTracker::dragFinished, this, &ScrollView::onDragFinished);
 }
 
 void ScrollView::addSubview(QWidget *view)
 {
+    if (!view)
+        return;
     view->setParent(m_content);
     view->show();
 }
@@ -35,7 +41,14 @@ QList<QWidget *> ScrollView::subviews() const
 
 void ScrollView::removeAllSubviews()
 {
-    qDeleteAll(subviews());
+    // Out of the tree now, so a rebuild right after never sees the old ones;
+    // deleted later, as one of them may be handling the event that led here.
+    const QList<QWidget *> views = subviews();
+    for (QWidget *view : views) {
+        view->hide();
+        view->setParent(nullptr);
+        view->deleteLater();
+    }
 }
 
 QSize ScrollView::contentSize() const
@@ -45,40 +58,86 @@ QSize ScrollView::contentSize() const
 
 void ScrollView::setContentSize(const QSize &size)
 {
-    m_content->resize(size);
+    m_content->resize(size.expandedTo(QSize(0, 0)));
 }
 
 QPoint ScrollView::contentOffset() const
 {
-    return QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    return m_animator->offset();
 }
 
 void ScrollView::setContentOffset(const QPoint &offset, bool animated)
 {
-    horizontalScrollBar()->setValue(offset.x());
-    verticalScrollBar()->setValue(offset.y());
-    if (animated)
-        QTimer::singleShot(g_animationDuration, this, &ScrollView::didEndScrollingAnimation);
+    m_motion = animated ? Motion::Programmatic : Motion::None;
+    m_animator->scrollTo(offset, animated);
 }
 
 void ScrollView::scrollRectToVisible(const QRect &rect, bool animated)
 {
-    setContentOffset(rect.topLeft(), animated);
+    setContentOffset(m_animator->offsetShowing(rect), animated);
 }
 
 void ScrollView::setScrollEnabled(bool enabled)
 {
     m_scrollEnabled = enabled;
+    m_tracker->setEnabled(enabled);
+}
+
+bool ScrollView::isDragging() const
+{
+    return m_tracker->isDragging();
 }
 
 int ScrollView::animationDuration()
 {
-    return g_animationDuration;
+    return ScrollAnimator::duration();
 }
 
 void ScrollView::setAnimationDuration(int milliseconds)
 {
-    g_animationDuration = qMax(0, milliseconds);
+    ScrollAnimator::setDuration(milliseconds);
+}
+
+void ScrollView::onDragStarted()
+{
+    m_animator->stop();
+    m_motion = Motion::None;
+    m_dragStartOffset = contentOffset();
+}
+
+void ScrollView::onDragMoved(const QPoint &distance)
+{
+    m_animator->setOffset(m_animator->clamped(m_dragStartOffset - distance));
+}
+
+void ScrollView::onDragFinished(const QPoint &distance)
+{
+    onDragMoved(distance);
+    if (!m_pagingEnabled) {
+        Q_EMIT didEndDecelerating();
+        return;
+    }
+    m_motion = Motion::Settling;
+    m_animator->scrollTo(nearestPage(contentOffset()), true);
+}
+
+QPoint ScrollView::nearestPage(const QPoint &offset) const
+{
+    const QSize page = viewport()->size();
+    const auto nearest = [](int value, int step) {
+        return step > 0 ? int(std::lround(double(value) / step)) * step : value;
+    };
+    return m_animator->clamped(QPoint(nearest(offset.x(), page.width()), nearest(offset.y(), page.height())));
+}
+
+void ScrollView::onAnimationFinished()
+{
+    const Motion motion = m_motion;
+    m_motion = Motion::None;
+    if (motion == Motion::Settling)
+        Q_EMIT didEndDecelerating();
+    else if (motion == Motion::Programmatic)
+        Q_EMIT didEndScrollingAnimation();
 }
 
 } // namespace Brightmere

@@ -8,6 +8,8 @@
 
 namespace Brightmere {
 
+class DragTracker;
+class ScrollAnimator;
 class TableViewCell;
 class TableViewDataSource;
 
@@ -15,7 +17,7 @@ class TableViewDataSource;
 // that scrolls by dragging (mouse or touch) and hands rows out again for
 // reuse. A swipe to the left on a row whose data source allows editing turns
 // that row's editing on. Rows are real widgets, so they can hold text
-// fields and buttons.
+// fields and buttons. One section (0); rows span the viewport's width.
 class TableView : public QScrollArea
 {
     Q_OBJECT
@@ -23,6 +25,8 @@ class TableView : public QScrollArea
 public:
     enum class RowAnimation { None, Fade, Automatic };
     enum class ScrollPosition { None, Top, Middle, Bottom };
+    // How far a drag to the left on a row must go to turn its editing on.
+    static constexpr int kSwipeDistance = 40;
     // The state of the table's own drag (pan) gesture: anything but
     // GestureStatePossible means the user is scrolling the list.
     enum GestureState {
@@ -53,19 +57,30 @@ public:
     TableViewCell *cellForRowAtIndexPath(const IndexPath &indexPath) const;
     // The index of a row of this table; an invalid index for anything else.
     IndexPath indexPathForCell(const TableViewCell *cell) const;
+    // The rows at least partly inside the viewport, top to bottom.
     QList<TableViewCell *> visibleCells() const;
+    // The row under a point of the viewport; invalid where there is none.
+    IndexPath indexPathForRowAtPoint(const QPoint &viewportPoint) const;
 
     double rowHeight() const { return m_rowHeight; }
     void setRowHeight(double height);
 
+    // Offsets and rectangles are in the coordinates of the rows' content:
+    // row 0 starts at y 0. Targets are clamped to what can be scrolled;
+    // animated moves take ScrollAnimator::duration().
     QPoint contentOffset() const;
     void setContentOffset(const QPoint &offset, bool animated);
+    // Scrolls as little as makes the rectangle visible.
     void scrollRectToVisible(const QRect &rect, bool animated);
     void scrollToRowAtIndexPath(const IndexPath &indexPath, ScrollPosition position, bool animated);
+    // The height of all rows together.
+    int contentHeight() const;
 
     // Changes between begin and end are laid out together. Deleting rows
-    // takes them out at once (the data source must already have dropped
-    // them); the animation only concerns their look as they go.
+    // takes them out of the table at once (the data source must have dropped
+    // them by the end of the updates); the animation only concerns their
+    // look as they go. When the data source's count then disagrees with the
+    // rows left, the disagreement is logged and the table reloads.
     void beginUpdates();
     void endUpdates();
     void deleteRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation animation);
@@ -88,11 +103,40 @@ public:
     // The table a widget sits in: the nearest enclosing TableView, or null.
     static TableView *enclosingTableView(const QWidget *widget);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    enum class DragMode { None, Scroll, Swipe };
+
+    TableViewCell *makeRow(const IndexPath &indexPath);
+    void adoptRow(TableViewCell *row);
+    void retireRow(TableViewCell *row);
+    double askHeight(const IndexPath &indexPath);
+    void layoutRows();
+    void finishUpdates();
+    void fadeOut(TableViewCell *row);
+    void swipeIfFarEnough(const QPoint &distance);
+    void onPressed(const QPoint &position);
+    void onDragStarted(const QPoint &distance);
+    void onDragMoved(const QPoint &distance);
+    void onDragFinished(const QPoint &distance);
+    void onClicked(const QPoint &position);
+    void onDeleteButtonClicked();
+
     TableViewDataSource *m_dataSource = nullptr;
     QWidget *m_content = nullptr;
     QList<TableViewCell *> m_rows;
+    QList<int> m_heights;
     QList<QPointer<TableViewCell>> m_reusePool;
+    DragTracker *m_tracker = nullptr;
+    ScrollAnimator *m_animator = nullptr;
+    DragMode m_dragMode = DragMode::None;
+    QPoint m_dragStartOffset;
+    QPointer<TableViewCell> m_pressRow;
+    bool m_pressEndedEditing = false;
+    bool m_swiped = false;
+    bool m_layoutPending = false;
     double m_rowHeight = 44.0;
     int m_updateDepth = 0;
     bool m_editing = false;

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QWidget>
 
+class QToolButton;
+
 namespace Brightmere {
 
 // A row of a TableView. Rows are handed out again by their reuse identifier
@@ -11,12 +13,17 @@ namespace Brightmere {
 //
 // Editing: a swipe to the left on a row, or TableView::setEditing, turns the
 // row's editing on through setEditing(true, animated); subclasses that act on
-// it override setEditing and call the base.
+// it override setEditing and call the base. While editing, the row shows a
+// red delete strip on its right; a click on it emits deleteButtonClicked,
+// which the table turns into its data source's commitEditingStyle.
+// Subclasses that lay out in resizeEvent call the base too.
 class TableViewCell : public QWidget
 {
     Q_OBJECT
 
 public:
+    static constexpr int kDeleteStripWidth = 72;
+
     explicit TableViewCell(QWidget *parent = nullptr);
 
     QString reuseIdentifier() const { return m_reuseIdentifier; }
@@ -25,9 +32,21 @@ public:
     bool isEditing() const { return m_editing; }
     virtual void setEditing(bool editing, bool animated);
 
+    // The strip shown while editing.
+    QWidget *deleteStrip() const;
+
+Q_SIGNALS:
+    void deleteButtonClicked();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void placeDeleteStrip();
+
     QString m_reuseIdentifier;
     bool m_editing = false;
+    QToolButton *m_deleteStrip = nullptr;
 };
 
 } // namespace Brightmere
