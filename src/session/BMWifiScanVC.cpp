@@ -65,13 +65,13 @@ constexpr int kPlotTop = 5;
 constexpr int kPageDotsHeight = 18;
 constexpr int kControlSize = 68;
 constexpr int kControlInset = 16;
-constexpr int kCounterWidth = 150;
-constexpr int kCounterHeight = 64;
+// The round counter behind the speed figure; the controls sit beside it.
+constexpr int kCounterSize = 100;
 constexpr int kSoundSize = 36;
 constexpr int kRowGap = 6;
 constexpr int kHoldLabelHeight = 16;
 constexpr int kSsidHeight = 18;
-constexpr int kPanelHeight = kChartHeight + kRowGap + kControlSize + kHoldLabelHeight + kSsidHeight + kMargin;
+constexpr int kPanelHeight = kChartHeight + kRowGap + kCounterSize + kSsidHeight + kMargin;
 constexpr qreal kPanelCornerRadius = 5.0;
 
 // The feedback sound: the timer's period, the gap with no usable speed,
@@ -385,7 +385,7 @@ void BMWifiScanVC::buildViews()
     m_wifiCounterBackground->setAlignment(Qt::AlignCenter);
     m_lblWifiSpeed = new BMLabel(m_viewBordered);
     m_lblWifiSpeed->setObjectName(QStringLiteral("lblWifiSpeed"));
-    styleLabel(m_lblWifiSpeed, 34, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
+    styleLabel(m_lblWifiSpeed, 28, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
     m_lblUnit = new BMLabel(m_viewBordered);
     m_lblUnit->setObjectName(QStringLiteral("lblUnit"));
     styleLabel(m_lblUnit, 11, QFont::DemiBold, Color::named(QStringLiteral("medium_gray")));
@@ -488,17 +488,17 @@ void BMWifiScanVC::layoutViews()
     m_btnSound->setGeometry(panelWidth - kMargin - kSoundSize, kMargin, kSoundSize, kSoundSize);
 
     const int rowTop = kChartHeight + kRowGap;
-    const int counterX = (panelWidth - kCounterWidth) / 2;
-    const int counterY = rowTop + (kControlSize - kCounterHeight) / 2;
-    m_wifiCounterBackground->setGeometry(counterX, counterY, kCounterWidth, kCounterHeight);
-    m_lblWifiSpeed->setGeometry(counterX, counterY + 4, kCounterWidth, 40);
-    m_lblUnit->setGeometry(counterX, counterY + 42, kCounterWidth, 16);
+    const int counterX = (panelWidth - kCounterSize) / 2;
+    m_wifiCounterBackground->setGeometry(counterX, rowTop, kCounterSize, kCounterSize);
+    m_lblWifiSpeed->setGeometry(counterX, rowTop + 26, kCounterSize, 36);
+    m_lblUnit->setGeometry(counterX, rowTop + 62, kCounterSize, 14);
     showCounterImage();
-    m_btnStartStop->setGeometry(kControlInset, rowTop, kControlSize, kControlSize);
-    m_btnRecordReset->setGeometry(panelWidth - kControlInset - kControlSize, rowTop, kControlSize, kControlSize);
+    const int controlTop = rowTop + (kCounterSize - kControlSize) / 2 - kHoldLabelHeight / 2;
+    m_btnStartStop->setGeometry(kControlInset, controlTop, kControlSize, kControlSize);
+    m_btnRecordReset->setGeometry(panelWidth - kControlInset - kControlSize, controlTop, kControlSize, kControlSize);
     const int holdWidth = kControlSize + 2 * kControlInset;
-    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, rowTop + kControlSize, holdWidth, kHoldLabelHeight);
-    m_lblSSID->setGeometry(kMargin, rowTop + kControlSize + kHoldLabelHeight, panelWidth - 2 * kMargin, kSsidHeight);
+    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, controlTop + kControlSize, holdWidth, kHoldLabelHeight);
+    m_lblSSID->setGeometry(kMargin, rowTop + kCounterSize, panelWidth - 2 * kMargin, kSsidHeight);
     m_viewBorderedFrame->setGeometry(m_viewBordered->rect());
     m_viewBorderedFrame->raise();
 
