@@ -1,13 +1,59 @@
 #include "BMSpeedRecordCell.h"
 
 #include "BMSpeedRecordDelegate.h"
+#include "core/BMLogger.h"
+#include "i18n/BMI18NManager.h"
+#include "platform/foundation/StringFormat.h"
+#include "platform/views/TableView.h"
+#include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
+#include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainterPath>
 #include <QStringListModel>
 
-// First cut: the row's parts and its delegate; look and gestures come next.
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// The row's design on a 375-point-wide screen; the speed area keeps its
+// width and the name takes what is left.
+constexpr int kSideMargin = 12;
+constexpr int kSpeedAreaWidth = 150;
+constexpr int kNameToSpeedGap = 6;
+constexpr int kNameHeight = 30;
+constexpr int kUnitWidth = 34;
+constexpr int kSpeedToUnitGap = 4;
+constexpr int kAveragedSpeedTop = 2;
+constexpr int kNameFontPixels = 15;
+constexpr int kSpeedFontPixels = 18;
+constexpr int kUnitFontPixels = 11;
+constexpr int kAverageFontPixels = 10;
+constexpr int kPopupCornerRadius = 8;
+
+QFont kitFont(int pixels, QFont::Weight weight)
+{
+    QFont font;
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    return Brightmere::View::kitFont(font);
+}
+
+void setTextColor(QWidget *widget, const QColor &color)
+{
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::WindowText, color);
+    palette.setColor(QPalette::Text, color);
+    widget->setPalette(palette);
+}
+
+} // namespace
 
 BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
     : BMTableViewCell(parent)
@@ -20,7 +66,68 @@ BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
     , m_viewBg(new QWidget(this))
     , m_reRecordView(new QWidget(this))
 {
+    setReuseIdentifier(cellIdentifier());
+    m_recordingColor = Brightmere::Color::colorFromHex(QStringLiteral("70BE7B"));
+
+    // The background at the bottom, everything shown on the top part above
+    // it, and the re-record control over the speed area on top of all.
+    m_viewBg->setAutoFillBackground(true);
+    m_viewBg->lower();
+    for (QWidget *part : {static_cast<QWidget *>(m_lblArea), static_cast<QWidget *>(m_lblSpeed),
+                          static_cast<QWidget *>(m_lblUnit), static_cast<QWidget *>(m_lblAverage),
+                          m_reRecordView})
+        part->setParent(m_viewTop);
+    m_reRecordView->raise();
+    m_reRecordView->setObjectName(QStringLiteral("reRecordView"));
+    m_reRecordView->installEventFilter(this);
+
+    m_lblArea->setFont(kitFont(kNameFontPixels, QFont::Normal));
+    setTextColor(m_lblArea, Brightmere::Color::system(0));
+    m_lblSpeed->setFont(kitFont(kSpeedFontPixels, QFont::DemiBold));
+    m_lblSpeed->setAlignment(Qt::AlignRight | Qt::AlignTop);
+    m_lblUnit->setFont(kitFont(kUnitFontPixels, QFont::Normal));
+    m_lblUnit->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    setTextColor(m_lblUnit, Brightmere::Color::named(QStringLiteral("text_blue")));
+    m_lblAverage->setFont(kitFont(kAverageFontPixels, QFont::Normal));
+    m_lblAverage->setAlignment(Qt::AlignRight | Qt::AlignTop);
+    m_lblAverage->hide();
+
+    awakeFromNib();
+}
+
+void BMSpeedRecordCell::awakeFromNib()
+{
+    // The name field: clear on the row's background, no autocorrection,
+    // suggestions from the remembered names in a white rounded list.
+    m_lblArea->setFrame(false);
+    m_lblArea->setAutoFillBackground(false);
+    QPalette palette = m_lblArea->palette();
+    palette.setColor(QPalette::Base, Brightmere::Color::system(-1)); // clear
+    m_lblArea->setPalette(palette);
+    m_lblArea->setInputMethodHints(Qt::ImhNoPredictiveText);
+    m_lblArea->installEventFilter(this);
+    connect(m_lblArea, &QLineEdit::returnPressed, this, [this] { textFieldShouldReturn(); });
+
+    m_completer->setCaseSensitivity(Qt::CaseInsensitive);
+    m_completer->setFilterMode(Qt::MatchContains);
+    m_completer->setCompletionMode(QCompleter::PopupCompletion);
     m_lblArea->setCompleter(m_completer);
+    QAbstractItemView *popup = m_completer->popup();
+    popup->setFont(m_lblArea->font());
+    popup->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    popup->setStyleSheet(QStringLiteral("QListView { background-color: %1; border: 1px solid %2; border-radius: %3px;"
+                                        " padding: 0px 4px; }"
+                                        "QListView::item { padding: 4px 6px; }"
+                                        "QListView::item:selected { background-color: %4; color: %1; }")
+                             .arg(Brightmere::Color::system(2).name(),
+                                  Brightmere::Color::named(QStringLiteral("disable_gray")).name())
+                             .arg(kPopupCornerRadius)
+                             .arg(Brightmere::Color::named(QStringLiteral("medium_blue")).name()));
+    // The list is a window of its own: its corners are cut to the rounded
+    // border, so the rows behind show there.
+    popup->installEventFilter(this);
+
+    m_defaultTextColor = m_lblUnit->palette().color(QPalette::WindowText);
 }
 
 BMSpeedRecordDelegate *BMSpeedRecordCell::delegate() const
@@ -36,9 +143,85 @@ void BMSpeedRecordCell::setDelegate(BMSpeedRecordDelegate *delegate)
 
 void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool isEven)
 {
-    Q_UNUSED(isEven)
     m_record = record;
-    m_lblArea->setText(record ? record->label() : QString());
+    const bool averaged = record && record->isAverage();
+
+    const QColor textColor = averaged ? m_recordingColor : m_defaultTextColor;
+    for (QWidget *label : {m_lblAverage, m_lblSpeed, m_lblUnit})
+        setTextColor(label, textColor);
+    QPalette background = m_viewBg->palette();
+    background.setColor(QPalette::Window, averaged ? Brightmere::Color::named(QStringLiteral("fz_average_back"))
+                                                   : Brightmere::Color::system(isEven ? 3 : 4));
+    m_viewBg->setPalette(background);
+    m_lblAverage->setVisible(averaged);
+
+    if (!record) {
+        BMLogger::sharedInstance().log(QString::fromLatin1(metaObject()->className()), 3,
+                                       QStringLiteral("no spot to show; the row is left blank"));
+        m_lblArea->clear();
+        m_lblSpeed->clear();
+        m_lblUnit->clear();
+        m_lblAverage->clear();
+        layoutParts();
+        return;
+    }
+
+    m_lblArea->setText(record->label());
+    m_lblArea->setCursorPosition(0);
+    m_lblSpeed->setText(BMI18NManager::formatNumber(record->speedInMbps(), 1, 1));
+    m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+
+    double seconds = std::ceil(record->duration());
+    if (!std::isfinite(seconds)) {
+        BMLogger::sharedInstance().logFromModule(QString::fromLatin1(metaObject()->className()), 3,
+                                                 "spot '%@' has no usable duration (%@); 0 seconds are shown",
+                                                 record->label(), record->duration());
+        seconds = 0.0;
+    }
+    if (seconds == 1.0) {
+        m_lblAverage->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_record_averaged_over_one_second")));
+    } else {
+        const QString format = BMI18NManager::stringForCode(QStringLiteral("fairzones_record_averaged_over_format"));
+        m_lblAverage->setText(Brightmere::StringFormat::print(format, int(std::clamp(seconds, -1e9, 1e9))));
+    }
+    layoutParts();
+}
+
+void BMSpeedRecordCell::resizeEvent(QResizeEvent *event)
+{
+    BMTableViewCell::resizeEvent(event);
+    layoutParts();
+}
+
+void BMSpeedRecordCell::layoutParts()
+{
+    const int w = width();
+    const int h = height();
+    m_viewBg->setGeometry(0, 0, w, h);
+    m_viewTop->setGeometry(0, 0, w, h);
+
+    const int speedLeft = qMax(kSideMargin, w - kSpeedAreaWidth);
+    m_lblArea->setGeometry(kSideMargin, (h - kNameHeight) / 2, qMax(0, speedLeft - kNameToSpeedGap - kSideMargin),
+                           kNameHeight);
+    // The re-record control takes everything right of the name field.
+    const QRect name = m_lblArea->geometry();
+    m_reRecordView->setGeometry(name.x() + name.width(), 0, qMax(0, w - name.x() - name.width()), h);
+
+    // Figure and unit share a baseline: in the middle of the row, or near its
+    // top with the averaging note under them.
+    const QFontMetrics speedMetrics(m_lblSpeed->font());
+    const QFontMetrics unitMetrics(m_lblUnit->font());
+    const QFontMetrics noteMetrics(m_lblAverage->font());
+    const bool note = m_lblAverage->isVisibleTo(this);
+    const int baseline = note ? kAveragedSpeedTop + speedMetrics.ascent()
+                              : (h + speedMetrics.ascent() - speedMetrics.descent()) / 2;
+    const int unitLeft = w - kSideMargin - kUnitWidth;
+    m_lblUnit->setGeometry(unitLeft, baseline - unitMetrics.ascent(), kUnitWidth, unitMetrics.height());
+    const int speedRight = unitLeft - kSpeedToUnitGap;
+    m_lblSpeed->setGeometry(speedLeft, baseline - speedMetrics.ascent(), qMax(0, speedRight - speedLeft),
+                            speedMetrics.height());
+    m_lblAverage->setGeometry(speedLeft, baseline + speedMetrics.descent() - 1, w - kSideMargin - speedLeft,
+                              noteMetrics.height());
 }
 
 void BMSpeedRecordCell::setEditing(bool editing, bool animated)
@@ -48,26 +231,137 @@ void BMSpeedRecordCell::setEditing(bool editing, bool animated)
         delegate()->didEnterInEditMode(this);
 }
 
+void BMSpeedRecordCell::log(const QString &message) const
+{
+    BMLogger::sharedInstance().log(QString::fromLatin1(metaObject()->className()), 2, message);
+}
+
 void BMSpeedRecordCell::reRecordViewOnTouchDown()
 {
-    if (m_gestureStatus == 0 && delegate()) {
-        m_gestureStatus = 1;
-        delegate()->didStartTapReRecordView(this);
+    if (isEditing())
+        return;
+    // A touch that lands while the list scrolls is part of the scroll.
+    const Brightmere::TableView *table = Brightmere::TableView::enclosingTableView(this);
+    if (table && table->panGestureRecognizerState() != Brightmere::TableView::GestureStatePossible)
+        return;
+    log(QStringLiteral("reRecordViewOnTouchDown"));
+    log(Brightmere::StringFormat::print(QStringLiteral("pan gesture status %d"), m_gestureStatus));
+    if (m_gestureStatus != 0) {
+        log(QStringLiteral("Tap not started"));
+        return;
     }
+    log(QStringLiteral("Tap in progress"));
+    m_gestureStatus = 1;
+    if (BMSpeedRecordDelegate *d = delegate())
+        d->didStartTapReRecordView(this);
 }
 
 void BMSpeedRecordCell::reRecordViewOnTouchUpInside()
 {
-    if (m_gestureStatus == 1 && delegate()) {
-        delegate()->didFinishTapReRecordView(this);
-        m_gestureStatus = 0;
-    }
+    endHold(QStringLiteral("reRecordViewOnTouchUpInside"), &BMSpeedRecordDelegate::didFinishTapReRecordView);
 }
 
 void BMSpeedRecordCell::reRecordViewOnCancel()
 {
-    if (m_gestureStatus == 1 && delegate()) {
-        delegate()->didCancelTapReRecordView(this);
-        m_gestureStatus = 0;
+    endHold(QStringLiteral("reRecordViewOnCancel"), &BMSpeedRecordDelegate::didCancelTapReRecordView);
+}
+
+void BMSpeedRecordCell::endHold(const QString &message, void (BMSpeedRecordDelegate::*tell)(BMSpeedRecordCell *))
+{
+    log(message);
+    if (m_gestureStatus != 1)
+        return;
+    if (BMSpeedRecordDelegate *d = delegate())
+        (d->*tell)(this);
+    m_gestureStatus = 0;
+}
+
+void BMSpeedRecordCell::textFieldDidBeginEditing()
+{
+    if (m_editingName)
+        return;
+    m_editingName = true;
+    if (BMSpeedRecordDelegate *d = delegate())
+        d->didBeginEditingSpeedRecord(this);
+}
+
+void BMSpeedRecordCell::textFieldDidEndEditing()
+{
+    if (!m_editingName)
+        return;
+    m_editingName = false;
+    if (BMSpeedRecordDelegate *d = delegate())
+        d->didEndEditingSpeedRecord(this);
+}
+
+bool BMSpeedRecordCell::textFieldShouldReturn()
+{
+    m_lblArea->clearFocus();
+    // Without keyboard focus there is no focus-out to report the end.
+    textFieldDidEndEditing();
+    return true;
+}
+
+bool BMSpeedRecordCell::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_reRecordView)
+        return handleReRecordEvent(event);
+    if (watched == m_completer->popup() && event->type() == QEvent::Resize) {
+        auto *popup = static_cast<QWidget *>(watched);
+        QPainterPath outline;
+        outline.addRoundedRect(QRectF(popup->rect()), kPopupCornerRadius, kPopupCornerRadius);
+        popup->setMask(QRegion(outline.toFillPolygon().toPolygon()));
+    }
+    if (watched == m_lblArea) {
+        // The suggestion list taking the focus for a moment is still editing.
+        if (event->type() == QEvent::FocusIn
+            && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason)
+            textFieldDidBeginEditing();
+        else if (event->type() == QEvent::FocusOut
+                 && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason)
+            textFieldDidEndEditing();
+    }
+    return BMTableViewCell::eventFilter(watched, event);
+}
+
+bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        if (static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+            return false;
+        m_touchOnReRecordView = true;
+        reRecordViewOnTouchDown();
+        return true;
+    case QEvent::MouseMove: {
+        if (!m_touchOnReRecordView)
+            return false;
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        if (!m_reRecordView->rect().contains(mouse->position().toPoint())) {
+            m_touchOnReRecordView = false;
+            reRecordViewOnCancel();
+        }
+        return true;
+    }
+    case QEvent::MouseButtonRelease: {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        if (!m_touchOnReRecordView || mouse->button() != Qt::LeftButton)
+            return false;
+        m_touchOnReRecordView = false;
+        if (m_reRecordView->rect().contains(mouse->position().toPoint()))
+            reRecordViewOnTouchUpInside();
+        else
+            reRecordViewOnCancel();
+        return true;
+    }
+    case QEvent::Hide:
+        if (m_touchOnReRecordView) {
+            m_touchOnReRecordView = false;
+            reRecordViewOnCancel();
+        }
+        return false;
+    default:
+        return false;
     }
 }

@@ -16,8 +16,10 @@ class QStringListModel;
 // One spot in the test screen's list: its name (editable in place, with
 // completion from the remembered names), its speed in Mbps and, for an
 // averaged spot, over how many seconds it was averaged. Holding the row's
-// re-record control asks the screen to measure the spot anew; the row only
-// turns the touches into start / finish / cancel calls, one hold at a time.
+// re-record control (the speed area, right of the name) asks the screen to
+// measure the spot anew; the row only turns the touches into start / finish
+// / cancel calls, one hold at a time, and starts none while its table
+// scrolls. Every hold step is logged (module "BMSpeedRecordCell", level 2).
 class BMSpeedRecordCell : public BMTableViewCell
 {
     Q_OBJECT
@@ -54,12 +56,31 @@ public:
 
     void setEditing(bool editing, bool animated) override;
 
-    // The re-record control's touches.
+    // The re-record control's touches: a press is a touch-down, a release
+    // inside it a touch-up inside, and a release outside, a move out of it,
+    // the table taking the drag over or the control going away a cancel.
     void reRecordViewOnTouchDown();
     void reRecordViewOnTouchUpInside();
     void reRecordViewOnCancel();
 
+    // The name field's editing, as the field reports it to the row; Return
+    // ends it.
+    void textFieldDidBeginEditing();
+    void textFieldDidEndEditing();
+    bool textFieldShouldReturn();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void awakeFromNib();
+    void layoutParts();
+    bool handleReRecordEvent(QEvent *event);
+    // Ends a hold in progress with the delegate call given; nothing without one.
+    void endHold(const QString &message, void (BMSpeedRecordDelegate::*tell)(BMSpeedRecordCell *));
+    void log(const QString &message) const;
+
     QPointer<QObject> m_delegateObject;
     BMSpeedRecordDelegate *m_delegate = nullptr;
     WifiTestResult::Ptr m_record;
@@ -74,4 +95,7 @@ private:
     QWidget *m_viewBg = nullptr;
     QWidget *m_reRecordView = nullptr;
     int m_gestureStatus = 0;
+    // A press on the re-record control is being followed to its end.
+    bool m_touchOnReRecordView = false;
+    bool m_editingName = false;
 };

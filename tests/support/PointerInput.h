@@ -5,12 +5,10 @@
 #include <QTest>
 #include <QWidget>
 
-// Presses, drags and releases with the mouse or a finger, for tests of the
-// views that scroll and swipe. Points are in the coordinates of a frame
-// widget that stays put (a scroll view's viewport, say), as a user aims at
-// the screen while the content moves under the finger. The mouse goes to the
-// widget under the press and stays with it until the release, as Qt's mouse
-// grab does; a finger goes through the window.
+// The mouse or a finger on the views that scroll and swipe. Points are in a
+// frame widget that stays put (a viewport) while the content moves under the
+// pointer. The mouse stays with the widget it pressed, as Qt's grab does; a
+// finger goes through the window.
 namespace PointerInput {
 
 enum class Kind { Mouse, Touch };
@@ -27,37 +25,33 @@ inline QPointer<QWidget> &grabbed()
     return widget;
 }
 
-inline QPoint inGrabbed(QWidget *frame, const QPoint &point)
-{
-    return grabbed()->mapFromGlobal(frame->mapToGlobal(point));
-}
-
-inline void press(Kind kind, QWidget *frame, const QPoint &at)
+inline void send(Kind kind, QEvent::Type type, QWidget *frame, const QPoint &at)
 {
     if (kind == Kind::Touch) {
-        QTest::touchEvent(frame->window(), touchScreen()).press(0, frame->mapTo(frame->window(), at), frame->window());
+        QWidget *window = frame->window();
+        const QPoint p = frame->mapTo(window, at);
+        auto touch = QTest::touchEvent(window, touchScreen());
+        type == QEvent::MouseButtonPress ? touch.press(0, p, window)
+        : type == QEvent::MouseMove      ? touch.move(0, p, window)
+                                         : touch.release(0, p, window);
         return;
     }
-    QWidget *under = frame->childAt(at);
-    grabbed() = under ? under : frame;
-    QTest::mousePress(grabbed(), Qt::LeftButton, {}, inGrabbed(frame, at));
+    if (type == QEvent::MouseButtonPress)
+        grabbed() = frame->childAt(at) ? frame->childAt(at) : frame;
+    if (!grabbed())
+        return;
+    const QPoint p = grabbed()->mapFromGlobal(frame->mapToGlobal(at));
+    if (type == QEvent::MouseButtonPress)
+        QTest::mousePress(grabbed(), Qt::LeftButton, {}, p);
+    else if (type == QEvent::MouseMove)
+        QTest::mouseMove(grabbed(), p);
+    else
+        QTest::mouseRelease(grabbed(), Qt::LeftButton, {}, p);
 }
 
-inline void move(Kind kind, QWidget *frame, const QPoint &to)
-{
-    if (kind == Kind::Touch)
-        QTest::touchEvent(frame->window(), touchScreen()).move(0, frame->mapTo(frame->window(), to), frame->window());
-    else if (grabbed())
-        QTest::mouseMove(grabbed(), inGrabbed(frame, to));
-}
-
-inline void release(Kind kind, QWidget *frame, const QPoint &at)
-{
-    if (kind == Kind::Touch)
-        QTest::touchEvent(frame->window(), touchScreen()).release(0, frame->mapTo(frame->window(), at), frame->window());
-    else if (grabbed())
-        QTest::mouseRelease(grabbed(), Qt::LeftButton, {}, inGrabbed(frame, at));
-}
+inline void press(Kind kind, QWidget *frame, const QPoint &at) { send(kind, QEvent::MouseButtonPress, frame, at); }
+inline void move(Kind kind, QWidget *frame, const QPoint &to) { send(kind, QEvent::MouseMove, frame, to); }
+inline void release(Kind kind, QWidget *frame, const QPoint &at) { send(kind, QEvent::MouseButtonRelease, frame, at); }
 
 // Press, a few moves on the way, release at the end.
 inline void drag(Kind kind, QWidget *frame, const QPoint &from, const QPoint &to, int steps = 4)

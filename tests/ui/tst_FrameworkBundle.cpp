@@ -28,7 +28,6 @@ void tst_FrameworkBundle::imagesAreFoundByNameWithOrWithoutAnExtension_data()
     for (int page = 1; page <= 4; ++page)
         QTest::newRow(QByteArray("tutorial ") + QByteArray::number(page))
             << QStringLiteral("fairzones_scroll_%1").arg(page) << true << 1.6;
-    QTest::newRow("an upper-case extension") << QStringLiteral("buttonStop.PNG") << true << 1.0;
     QTest::newRow("unknown") << QStringLiteral("buttonPause.png") << false << 0.0;
     QTest::newRow("empty") << QString() << false << 0.0;
 }

@@ -1,0 +1,318 @@
+#include "LogCapture.h"
+#include "PointerInput.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "i18n/BMI18NManager.h"
+#include "platform/views/TableView.h"
+#include "platform/views/TableViewDataSource.h"
+#include "session/BMSpeedRecordCell.h"
+#include "session/BMSpeedRecordDelegate.h"
+#include "ui/BrightmereColor.h"
+
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStringListModel>
+#include <QTest>
+
+using namespace Brightmere;
+using PointerInput::Kind;
+
+namespace {
+
+WifiTestResult::Ptr spot(const QString &label, double speed, bool average, double duration)
+{
+    auto result = WifiTestResult::create(speed);
+    result->setLabel(label);
+    result->setAverage(average);
+    result->setDuration(duration);
+    return result;
+}
+
+// The screen's part: rows from the table's pool, set up for their spot, and
+// every call a row makes, in order.
+class SpotsScreen : public QObject, public TableViewDataSource, public BMSpeedRecordDelegate
+{
+public:
+    int numberOfRowsInSection(TableView *, int) override { return int(spots.size()); }
+    TableViewCell *cellForRowAtIndexPath(TableView *table, const IndexPath &index) override
+    {
+        auto *row = static_cast<BMSpeedRecordCell *>(
+            table->dequeueReusableCellWithIdentifier(BMTableViewCell::cellIdentifier(BMSpeedRecordCell::staticMetaObject)));
+        if (!row)
+            row = BMTableViewCell::cell<BMSpeedRecordCell>();
+        row->setRecordingColor(Color::colorFromHex(QStringLiteral("70BE7B")));
+        row->setDelegate(this);
+        row->setupWithRecord(spots.at(index.row()), index.row() % 2 == 0);
+        return row;
+    }
+    double heightForRowAtIndexPath(TableView *, const IndexPath &) override { return BMSpeedRecordCell::height(); }
+    bool canEditRowAtIndexPath(TableView *, const IndexPath &) override { return true; }
+
+    void didBeginEditingSpeedRecord(BMSpeedRecordCell *) override { calls << "begin"; }
+    void didEndEditingSpeedRecord(BMSpeedRecordCell *) override { calls << "end"; }
+    void didStartTapReRecordView(BMSpeedRecordCell *) override { calls << "start"; }
+    void didFinishTapReRecordView(BMSpeedRecordCell *) override { calls << "finish"; }
+    void didCancelTapReRecordView(BMSpeedRecordCell *) override { calls << "cancel"; }
+    void didEnterInEditMode(BMSpeedRecordCell *) override { calls << "edit"; }
+
+    WifiTestResult::List spots;
+    QStringList calls;
+};
+
+} // namespace
+
+class tst_BMSpeedRecordCell : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void showsTheSpotAndForgetsTheLastOne_data();
+    void showsTheSpotAndForgetsTheLastOne();
+    void holdsOneAtATime_data();
+    void holdsOneAtATime();
+    void aHoldIsLoggedStepByStep();
+    void touchesOnTheControl_data();
+    void touchesOnTheControl();
+    void nameEditingIsReportedWithSuggestions();
+    void rendersAListOfSpots();
+
+private:
+    BMSpeedRecordCell *row(int i) const
+    {
+        return static_cast<BMSpeedRecordCell *>(m_table->cellForRowAtIndexPath(IndexPath(i, 0)));
+    }
+
+    std::unique_ptr<TestEnvironment> m_env;
+    std::unique_ptr<QWidget> m_window;
+    TableView *m_table = nullptr;
+    SpotsScreen m_screen;
+};
+
+void tst_BMSpeedRecordCell::init()
+{
+    m_env = std::make_unique<TestEnvironment>();
+    BMSDKGeneralUtilities::setOSLanguageOverride(QStringLiteral("en"));
+    BMI18NManager::resetSharedInstanceForTesting();
+    m_screen.calls.clear();
+    m_screen.spots = {spot("Kitchen", 48.25, true, 4.2), spot("Living Room", 31.07, false, 0),
+                      spot("Spot 3", 12.0, true, 0.4), spot("Bedroom upstairs at the back", 7.94, false, 0),
+                      spot("Garden", 0.0, false, 0)};
+    m_window = std::make_unique<QWidget>();
+    m_window->resize(375, 38 * 5);
+    m_table = new TableView(m_window.get());
+    m_table->setGeometry(0, 0, 375, 38 * 5);
+    m_table->setDataSource(&m_screen);
+    m_table->reloadData();
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void tst_BMSpeedRecordCell::cleanup()
+{
+    m_window.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    BMSDKGeneralUtilities::setOSLanguageOverride(QString());
+    BMI18NManager::resetSharedInstanceForTesting();
+    m_env.reset();
+}
+
+void tst_BMSpeedRecordCell::showsTheSpotAndForgetsTheLastOne_data()
+{
+    QTest::addColumn<bool>("average");
+    QTest::addColumn<bool>("even");
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<double>("duration");
+    QTest::addColumn<QString>("speedText");
+    QTest::addColumn<QString>("note"); // empty: hidden
+    QTest::addColumn<QColor>("background");
+    const QColor averageBack = Color::named("fz_average_back");
+    QTest::newRow("averaged over 0.4 s") << true << true << 12.0 << 0.4 << "12.0" << "Averaged over 1 second"
+                                         << averageBack;
+    QTest::newRow("averaged over 1 s") << true << false << 12.0 << 1.0 << "12.0" << "Averaged over 1 second"
+                                       << averageBack;
+    QTest::newRow("averaged over 2.1 s, rounded up") << true << false << 4.35 << 2.1 << "4.3"
+                                                     << "Averaged over 3 seconds" << averageBack;
+    QTest::newRow("averaged over 0 s") << true << true << 2.79 << 0.0 << "2.7" << "Averaged over 0 seconds"
+                                       << averageBack;
+    QTest::newRow("plain, even row") << false << true << 2.79 << 3.0 << "2.7" << "" << Color::system(3);
+    QTest::newRow("plain, odd row") << false << false << 0.0 << 0.0 << "0.0" << "" << Color::system(4);
+}
+
+void tst_BMSpeedRecordCell::showsTheSpotAndForgetsTheLastOne()
+{
+    QFETCH(bool, average);
+    QFETCH(bool, even);
+    QFETCH(double, speed);
+    QFETCH(double, duration);
+    QFETCH(QString, speedText);
+    QFETCH(QString, note);
+    QFETCH(QColor, background);
+    BMSpeedRecordCell *cell = row(0);
+    const QColor nameColor = cell->lblArea()->palette().color(QPalette::Text);
+    // A reused row first showed the opposite kind of spot.
+    cell->setupWithRecord(spot("Before", 99.9, !average, 7.5), !even);
+    cell->setupWithRecord(spot("Hall", speed, average, duration), even);
+
+    QCOMPARE(cell->lblArea()->text(), QStringLiteral("Hall"));
+    QCOMPARE(cell->lblSpeed()->text(), speedText);
+    QCOMPARE(cell->lblUnit()->text(), QStringLiteral("Mbps"));
+    QCOMPARE(cell->lblAverage()->isVisibleTo(cell), !note.isEmpty());
+    if (!note.isEmpty())
+        QCOMPARE(cell->lblAverage()->text(), note);
+    QCOMPARE(cell->viewBg()->palette().color(QPalette::Window), background);
+    const QColor text = average ? Color::colorFromHex(QStringLiteral("70BE7B")) : cell->defaultTextColor();
+    for (const QLabel *label : {cell->lblSpeed(), cell->lblUnit(), cell->lblAverage()})
+        QCOMPARE(label->palette().color(QPalette::WindowText), text);
+    QCOMPARE(cell->lblArea()->palette().color(QPalette::Text), nameColor);
+}
+
+void tst_BMSpeedRecordCell::holdsOneAtATime_data()
+{
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<int>("status");
+    QTest::newRow("down, up inside") << QStringList{"down", "up"} << QStringList{"start", "finish"} << 0;
+    QTest::newRow("down, cancel") << QStringList{"down", "cancel"} << QStringList{"start", "cancel"} << 0;
+    QTest::newRow("held") << QStringList{"down"} << QStringList{"start"} << 1;
+    QTest::newRow("up without down") << QStringList{"up"} << QStringList{} << 0;
+    QTest::newRow("cancel without down") << QStringList{"cancel"} << QStringList{} << 0;
+    QTest::newRow("a second down during a hold") << QStringList{"down", "down", "up", "up"}
+                                                 << QStringList{"start", "finish"} << 0;
+    QTest::newRow("down while the list scrolls") << QStringList{"scrolling", "down", "up"} << QStringList{} << 0;
+    QTest::newRow("the list stopped again") << QStringList{"scrolling", "down", "stopped", "down", "up"}
+                                            << QStringList{"start", "finish"} << 0;
+    QTest::newRow("down while editing") << QStringList{"editing", "down", "up"} << QStringList{"edit"} << 0;
+    QTest::newRow("two holds") << QStringList{"down", "up", "down", "cancel"}
+                               << QStringList{"start", "finish", "start", "cancel"} << 0;
+}
+
+void tst_BMSpeedRecordCell::holdsOneAtATime()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, calls);
+    QFETCH(int, status);
+    BMSpeedRecordCell *cell = row(1);
+    for (const QString &step : steps) {
+        if (step == "down")
+            cell->reRecordViewOnTouchDown();
+        else if (step == "up")
+            cell->reRecordViewOnTouchUpInside();
+        else if (step == "cancel")
+            cell->reRecordViewOnCancel();
+        else if (step == "scrolling")
+            m_table->setPanGestureRecognizerState(TableView::GestureStateChanged);
+        else if (step == "stopped")
+            m_table->setPanGestureRecognizerState(TableView::GestureStatePossible);
+        else if (step == "editing")
+            cell->setEditing(true, true);
+    }
+    QCOMPARE(m_screen.calls, calls);
+    QCOMPARE(cell->gestureStatus(), status);
+}
+
+void tst_BMSpeedRecordCell::aHoldIsLoggedStepByStep()
+{
+    LogCapture log;
+    BMSpeedRecordCell *cell = row(0);
+    cell->reRecordViewOnTouchDown();
+    cell->reRecordViewOnTouchDown();
+    cell->reRecordViewOnTouchUpInside();
+    cell->reRecordViewOnCancel();
+    m_table->setPanGestureRecognizerState(TableView::GestureStateBegan);
+    cell->reRecordViewOnTouchDown(); // part of a scroll: not even logged
+    const QStringList expected{"reRecordViewOnTouchDown", "pan gesture status 0", "Tap in progress",
+                               "reRecordViewOnTouchDown", "pan gesture status 1", "Tap not started",
+                               "reRecordViewOnTouchUpInside", "reRecordViewOnCancel"};
+    QCOMPARE(log.messages(), expected);
+    for (const LogCapture::Line &line : log.lines()) {
+        QCOMPARE(line.module, QStringLiteral("BMSpeedRecordCell"));
+        QCOMPARE(line.level, 2);
+    }
+}
+
+void tst_BMSpeedRecordCell::touchesOnTheControl_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<QPoint>("from"); // from the control's left edge, in the middle of the row
+    QTest::addColumn<QPoint>("to");
+    QTest::addColumn<QStringList>("calls");
+    for (const Kind kind : {Kind::Mouse, Kind::Touch}) {
+        const QByteArray k = PointerInput::name(kind);
+        QTest::newRow(k + " released inside") << kind << QPoint(60, 0) << QPoint(62, 2)
+                                              << QStringList{"start", "finish"};
+        QTest::newRow(k + " released just outside") << kind << QPoint(2, 0) << QPoint(-5, 0)
+                                                    << QStringList{"start", "cancel"};
+        QTest::newRow(k + " the list scrolls away") << kind << QPoint(60, 0) << QPoint(60, -40)
+                                                    << QStringList{"start", "cancel"};
+        QTest::newRow(k + " on the name edits it instead") << kind << QPoint(-100, 0) << QPoint(-100, 0)
+                                                           << QStringList{"begin"};
+    }
+}
+
+void tst_BMSpeedRecordCell::touchesOnTheControl()
+{
+    QFETCH(Kind, kind);
+    QFETCH(QPoint, from);
+    QFETCH(QPoint, to);
+    QFETCH(QStringList, calls);
+    BMSpeedRecordCell *cell = row(2);
+    QWidget *screen = m_table->viewport();
+    const QPoint origin = cell->reRecordView()->mapTo(screen, QPoint(0, 19));
+    PointerInput::press(kind, screen, origin + from);
+    PointerInput::move(kind, screen, origin + to);
+    PointerInput::release(kind, screen, origin + to);
+    QCOMPARE(m_screen.calls, calls);
+    QCOMPARE(cell->gestureStatus(), 0);
+    QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
+}
+
+void tst_BMSpeedRecordCell::nameEditingIsReportedWithSuggestions()
+{
+    BMSpeedRecordCell *cell = row(3);
+    QCompleter *completer = cell->completer();
+    qobject_cast<QStringListModel *>(completer->model())->setStringList({"Kitchen", "Living Room", "Dining room"});
+    QTest::mouseClick(cell->lblArea(), Qt::LeftButton);
+    QVERIFY(cell->lblArea()->hasFocus());
+    cell->lblArea()->clear();
+    QTest::keyClicks(cell->lblArea(), "ROO");
+    // Suggested by any part, in any case, in a list with its corners cut round;
+    // the list opening is still editing.
+    QTRY_VERIFY(completer->popup()->isVisible());
+    QCOMPARE(completer->completionModel()->rowCount(), 2);
+    QVERIFY(!completer->popup()->mask().contains(QPoint(0, 0)));
+    QCOMPARE(m_screen.calls, QStringList{"begin"});
+    completer->popup()->hide();
+    QTest::keyClick(cell->lblArea(), Qt::Key_Return);
+    QVERIFY(!cell->lblArea()->hasFocus());
+    QCOMPARE(cell->lblArea()->text(), QStringLiteral("ROO"));
+    // Leaving the field by another way ends it once too.
+    cell->lblArea()->setFocus(Qt::MouseFocusReason);
+    row(4)->lblArea()->setFocus(Qt::MouseFocusReason);
+    QCOMPARE(m_screen.calls, (QStringList{"begin", "end", "begin", "end", "begin"}));
+}
+
+void tst_BMSpeedRecordCell::rendersAListOfSpots()
+{
+    m_window->resize(375, 38 * 5 + 20);
+    m_table->setGeometry(0, 10, 375, 38 * 5);
+    row(3)->setEditing(true, false);
+    for (int i = 0; i < 5; ++i) {
+        // The name on the left; the control over the whole speed area.
+        const QRect name = row(i)->lblArea()->geometry();
+        const QRect control = row(i)->reRecordView()->geometry();
+        QCOMPARE(control, QRect(name.right() + 1, 0, 375 - name.right() - 1, 38));
+        QVERIFY(control.contains(row(i)->lblSpeed()->geometry()) && control.contains(row(i)->lblUnit()->geometry()));
+        QVERIFY(name.width() >= 200);
+    }
+    const QString path = QCoreApplication::applicationDirPath() + "/spot_rows.png";
+    QVERIFY(m_window->grab().save(path));
+    qInfo("spot rows drawn to %s", qPrintable(path));
+}
+
+QTEST_MAIN(tst_BMSpeedRecordCell)
+#include "tst_BMSpeedRecordCell.moc"
