@@ -588,14 +588,14 @@ void BMWifiScanVC::reloadPlot()
     m_lblPreparing->raise();
     m_charPlot->renderInView(m_viewPlotHolder, ChartThemeRegistry::themeNamed(QString::fromLatin1(kCPTBMClearTheme)),
                              false);
-    m_btnStartStop->raise();
-    m_btnRecordReset->raise();
-    m_btnSound->raise();
-    // What lies over the chart stays over it.
+    // The tutorial stays over the chart, the controls over both.
     if (m_scrollTutorial)
         m_scrollTutorial->raise();
     if (m_pageResults)
         m_pageResults->raise();
+    m_btnStartStop->raise();
+    m_btnRecordReset->raise();
+    m_btnSound->raise();
     m_viewBorderedFrame->raise();
 }
 

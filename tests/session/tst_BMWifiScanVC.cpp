@@ -396,7 +396,7 @@ void tst_BMWifiScanVC::rendersEachState()
     h.run("startStop");
     QCOMPARE(h.screen->recordedSpeeds().size(), 5);
     save("stopped-five-spots");
-    h.screen->didEnterInEditMode(h.row(1));
+    h.row(1)->setEditing(true, true); // as a swipe does
     QVERIFY(h.screen->editPopup());
     save("confirm-popup");
 }
