@@ -1,17 +1,18 @@
 // The demo host: how a newcomer runs the kit. It embeds the kit the way a
-// customer's application does: a navigation stack with the kit's screen on
-// top, a Wi-Fi tester from the core library's factory (the simulated home
-// network unless BRIGHTMERE_DOWNLOAD_URL names a file to measure for real).
-// With --screenshot it renders its window to a PNG and exits, which is how
-// it runs where there is no display. When BRIGHTMERE_I18N_URL (or the core
+// customer's application does: a navigation stack with the Fairzone test
+// screen at its root, measuring the simulated home network unless
+// BRIGHTMERE_DOWNLOAD_URL names a file to measure for real. The customer's
+// name and password come from BRIGHTMERE_CUSTOMER and BRIGHTMERE_PASSWORD;
+// the password goes to the screen and nowhere else. With --screenshot it
+// starts a test, renders its window to a PNG a few seconds later and exits,
+// which is how it runs where there is no display. When BRIGHTMERE_I18N_URL (or the core
 // library's BRIGHTMERE_SERVER_URL) names a localisation service, the texts
 // are refreshed from it at start.
-#include "DemoHomeViewController.h"
-
 #include "core/BMSDKBackend.h"
 #include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/views/NavigationController.h"
+#include "session/BMWifiScanVC.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -46,16 +47,21 @@ int main(int argc, char *argv[])
     if (!i18nUrl.isEmpty() || !qEnvironmentVariable("BRIGHTMERE_SERVER_URL").isEmpty())
         BMI18NManager::sharedInstance()->updateBundleTexts();
 
-    auto *home = new DemoHomeViewController;
-    Brightmere::NavigationController navigation(home);
+    auto *scan = new BMWifiScanVC;
+    const QString customer = qEnvironmentVariable("BRIGHTMERE_CUSTOMER");
+    scan->setSdkCustomer(customer.isEmpty() ? QStringLiteral("demo") : customer);
+    scan->setSdkPassword(qEnvironmentVariable("BRIGHTMERE_PASSWORD"));
+    Brightmere::NavigationController navigation(scan);
     navigation.setWindowTitle(QStringLiteral("Brightmere demo"));
     navigation.resize(390, 700);
     navigation.show();
 
     if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
-        // Long enough for the tester to set up and deliver a few results.
-        QTimer::singleShot(3000, &navigation, [&navigation, path] {
+        // Press start as a user would, then give the tester time to set up
+        // and deliver a few results.
+        QTimer::singleShot(300, scan, [scan] { scan->actStartStop(); });
+        QTimer::singleShot(4000, &navigation, [&navigation, path] {
             const bool saved = navigation.grab().save(path);
             QTextStream(stdout) << (saved ? "Saved the demo window to " : "Could not save ") << path << '\n';
             QApplication::exit(saved ? 0 : 1);
