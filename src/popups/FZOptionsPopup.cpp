@@ -4,6 +4,7 @@
 #include "platform/views/KeyWindow.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QEvent>
 #include <QMouseEvent>
@@ -203,10 +204,7 @@ QWidget *FZOptionsPopup::makeSeparator(QWidget *parentView)
 {
     auto *separator = new QWidget(parentView);
     separator->setObjectName(QStringLiteral("optionSeparator"));
-    separator->setAutoFillBackground(true);
-    QPalette palette = separator->palette();
-    palette.setColor(QPalette::Window, Brightmere::Color::system(3));
-    separator->setPalette(palette);
+    Brightmere::View::setBackgroundColor(separator, Brightmere::Color::system(3));
     separator->show();
     m_separators.append(separator);
     return separator;

@@ -3,6 +3,7 @@
 #include "core/BMLogger.h"
 
 #include <QHash>
+#include <QPalette>
 #include <QMutex>
 #include <QMutexLocker>
 
@@ -164,6 +165,16 @@ bool findAndResignFirstResponder(QWidget *view)
         return false;
     }
     return resign(view);
+}
+
+void setBackgroundColor(QWidget *view, const QColor &color)
+{
+    if (!view)
+        return;
+    view->setAutoFillBackground(true);
+    QPalette palette = view->palette();
+    palette.setColor(QPalette::Window, color);
+    view->setPalette(palette);
 }
 
 } // namespace Brightmere::View

@@ -83,4 +83,8 @@ T *loadFromNib(QWidget *parent = nullptr)
 // changed, when none in the tree holds the focus.
 bool findAndResignFirstResponder(QWidget *view);
 
+// Fills the widget's background with the colour, as a view's background
+// colour does (Qt leaves widgets unfilled unless told).
+void setBackgroundColor(QWidget *view, const QColor &color);
+
 } // namespace Brightmere::View

@@ -6,6 +6,7 @@
 #include "platform/views/Switch.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QBoxLayout>
 #include <QFrame>
@@ -22,14 +23,6 @@ constexpr int kRowVerticalMargin = 10;
 constexpr int kRowMinimumHeight = 52;
 constexpr int kLabelPixels = 16;
 
-void fill(QWidget *widget, const QColor &color)
-{
-    widget->setAutoFillBackground(true);
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::Window, color);
-    widget->setPalette(palette);
-}
-
 // A hairline between rows, inset on the left as grouped lists draw it.
 QWidget *separator(QWidget *parent)
 {
@@ -38,7 +31,7 @@ QWidget *separator(QWidget *parent)
     layout->setContentsMargins(kSideMargin, 0, 0, 0);
     auto *line = new QWidget(holder);
     line->setFixedHeight(1);
-    fill(line, Brightmere::Color::system(3));
+    Brightmere::View::setBackgroundColor(line, Brightmere::Color::system(3));
     layout->addWidget(line);
     return holder;
 }
@@ -100,7 +93,7 @@ FZMiscellaneousSettingsViewController::FZMiscellaneousSettingsViewController(QWi
 
 void FZMiscellaneousSettingsViewController::buildView()
 {
-    fill(this, Brightmere::Color::system(4));
+    Brightmere::View::setBackgroundColor(this, Brightmere::Color::system(4));
 
     m_confirmReplacementLabel = makeLabel(QStringLiteral("confirmReplacementLabel"));
     m_confirmCopyLabel = makeLabel(QStringLiteral("confirmCopyLabel"));
@@ -111,7 +104,7 @@ void FZMiscellaneousSettingsViewController::buildView()
 
     auto *group = new QWidget(this);
     group->setObjectName(QStringLiteral("confirmationsGroup"));
-    fill(group, Brightmere::Color::system(2));
+    Brightmere::View::setBackgroundColor(group, Brightmere::Color::system(2));
     auto *rows = new QVBoxLayout(group);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);

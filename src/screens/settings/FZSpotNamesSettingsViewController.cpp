@@ -84,14 +84,6 @@ QToolButton *actionButton(const QString &objectName, QWidget *parent)
     return button;
 }
 
-void fill(QWidget *widget, const QColor &color)
-{
-    widget->setAutoFillBackground(true);
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::Window, color);
-    widget->setPalette(palette);
-}
-
 } // namespace
 
 FZSpotNamesSettingsViewController::FZSpotNamesSettingsViewController(QWidget *parent)
@@ -107,7 +99,7 @@ FZSpotNamesSettingsViewController::~FZSpotNamesSettingsViewController()
 
 void FZSpotNamesSettingsViewController::buildView()
 {
-    fill(this, Color::system(2));
+    Brightmere::View::setBackgroundColor(this, Color::system(2));
 
     // The two actions under the bar: with a back button and the title, the
     // bar has no room left for two labelled buttons on a phone.
@@ -124,7 +116,7 @@ void FZSpotNamesSettingsViewController::buildView()
     actions->addWidget(m_rightButton);
     auto *hairline = new QWidget(this);
     hairline->setFixedHeight(1);
-    fill(hairline, Color::system(3));
+    Brightmere::View::setBackgroundColor(hairline, Color::system(3));
 
     m_spotNamesTextView = new QPlainTextEdit(this);
     m_spotNamesTextView->setObjectName(QStringLiteral("spotNamesTextView"));
