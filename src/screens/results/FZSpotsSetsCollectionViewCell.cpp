@@ -6,7 +6,7 @@
 #include <QLabel>
 
 namespace {
-constexpr int kHorizontalInset = 8;
+constexpr int kHorizontalInset = 5;
 constexpr int kVerticalInset = 4;
 }
 
