@@ -3,8 +3,11 @@
 #include "FZSpotsSetsCollectionViewCell.h"
 #include "FZSpotsSetsHeaderCollectionViewCell.h"
 #include "core/BMLogger.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "platform/foundation/Clock.h"
 #include "ui/BMBorderedView.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QEvent>
 #include <QScrollArea>
@@ -90,6 +93,21 @@ QColor FZBaseCollectionViewController::backgroundColorForSection(int section)
 QColor FZBaseCollectionViewController::cellTextColor()
 {
     return Brightmere::Color::named(QStringLiteral("medium_gray"));
+}
+
+QFont FZBaseCollectionViewController::systemFont(double pixels, QFont::Weight weight, bool italic)
+{
+    QFont font;
+    font.setPixelSize(qMax(1, qRound(pixels)));
+    font.setWeight(weight);
+    font.setItalic(italic);
+    return Brightmere::View::kitFont(font);
+}
+
+QString FZBaseCollectionViewController::dateTextForSpot(const WifiTestResult &spot)
+{
+    const qint64 ms = qRound64((spot.timeAfterTest() + Brightmere::Clock::kReferenceDateUnixSeconds) * 1000.0);
+    return BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC));
 }
 
 QSizeF FZBaseCollectionViewController::sizeForItemAtIndexPath(const IndexPath &indexPath)

@@ -2,9 +2,11 @@
 
 #include "FZAttributedText.h"
 #include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
+#include "core/WifiTestResult.h"
 #include "platform/views/IndexPath.h"
 #include "ui/BMSDKUIBaseViewController.h"
 
+#include <QFont>
 #include <QList>
 
 class BMBorderedView;
@@ -70,6 +72,11 @@ public:
     static QColor backgroundColorForSection(int section);
     // The grey every cell text is painted in.
     static QColor cellTextColor();
+    // The kit's face at a size in pixels (rounded), weight and slant.
+    static QFont systemFont(double pixels, QFont::Weight weight, bool italic = false);
+    // When a spot was measured (its seconds since 1 January 2001), as the
+    // grids show it.
+    static QString dateTextForSpot(const WifiTestResult &spot);
 
 protected:
     void viewDidLoad() override;

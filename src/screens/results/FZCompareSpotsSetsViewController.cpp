@@ -2,9 +2,7 @@
 
 #include "FZSpotsSetsHeaderCollectionViewCell.h"
 #include "core/BMLogger.h"
-#include "core/BMSDKGeneralUtilities.h"
 #include "i18n/BMI18NManager.h"
-#include "platform/foundation/Clock.h"
 #include "platform/views/Switch.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
@@ -26,15 +24,6 @@ constexpr int kLabelPixels = 15;
 // With the page's margin and spacing this leaves the grid ending
 // kSwitchAreaHeight above the bottom.
 constexpr int kPageMargin = 12;
-
-QFont systemFont(double pixels, QFont::Weight weight, bool italic = false)
-{
-    QFont font;
-    font.setPixelSize(qMax(1, qRound(pixels)));
-    font.setWeight(weight);
-    font.setItalic(italic);
-    return Brightmere::View::kitFont(font);
-}
 
 QTextCharFormat fontFormat(const QFont &font)
 {
@@ -144,9 +133,7 @@ FZAttributedText FZCompareSpotsSetsViewController::textForRecord(const WifiTestR
                                                           BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
     const QString networkLine = record->ssid() + QLatin1Char('\n');
     const QString accessPointLine = QStringLiteral("(%1)\n").arg(record->bssid());
-    const qint64 ms = qRound64((record->timeAfterTest() + Brightmere::Clock::kReferenceDateUnixSeconds) * 1000.0);
-    const QString date =
-        BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC));
+    const QString date = dateTextForSpot(*record);
 
     FZAttributedText text(speedLine + networkLine + accessPointLine + date);
     const qsizetype restStart = speedLine.size();

@@ -2,9 +2,7 @@
 
 #include "FZSpotsSetsHeaderCollectionViewCell.h"
 #include "core/BMLogger.h"
-#include "core/BMSDKGeneralUtilities.h"
 #include "i18n/BMI18NManager.h"
-#include "platform/foundation/Clock.h"
 #include "platform/views/NavigationController.h"
 #include "ui/BMMainButton.h"
 #include "ui/BrightmereColor.h"
@@ -22,22 +20,6 @@ constexpr int kFontPixels = 12;
 constexpr double kSecondLineScale = 0.7;
 constexpr int kButtonHeight = 48;
 
-QFont systemFont(double pixels, QFont::Weight weight, bool italic = false)
-{
-    QFont font;
-    font.setPixelSize(qMax(1, qRound(pixels)));
-    font.setWeight(weight);
-    font.setItalic(italic);
-    return Brightmere::View::kitFont(font);
-}
-
-// The spot's time, counted from 1 January 2001 as the tester stamps it.
-QString spotDate(const WifiTestResult &spot)
-{
-    const qint64 ms = qRound64((spot.timeAfterTest() + Brightmere::Clock::kReferenceDateUnixSeconds) * 1000.0);
-    return BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC));
-}
-
 // First line bold black, second line small grey; the second line's face
 // differs between the columns.
 void styleTwoLines(FZAttributedText &text, bool italicSecondLine)
@@ -45,13 +27,13 @@ void styleTwoLines(FZAttributedText &text, bool italicSecondLine)
     const QString string = text.string();
     const qsizetype split = string.indexOf(QLatin1Char('\n'));
     const qsizetype firstLength = split < 0 ? string.size() : split;
-    FZSpotsSetViewController::addTextAttributes(text, 0, firstLength, systemFont(kFontPixels, QFont::Bold),
+    FZSpotsSetViewController::addTextAttributes(text, 0, firstLength, FZBaseCollectionViewController::systemFont(kFontPixels, QFont::Bold),
                                                 Brightmere::Color::system(0));
     if (split < 0)
         return;
     FZSpotsSetViewController::addTextAttributes(
         text, split + 1, string.size() - split - 1,
-        systemFont(kFontPixels * kSecondLineScale, QFont::Normal, italicSecondLine),
+        FZBaseCollectionViewController::systemFont(kFontPixels * kSecondLineScale, QFont::Normal, italicSecondLine),
         Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
 }
 
@@ -159,7 +141,7 @@ FZAttributedText FZSpotsSetViewController::textForCellWithIndexPath(const IndexP
     if (!spot)
         return FZAttributedText();
     if (indexPath.row() == 0) {
-        FZAttributedText text(QStringLiteral("%1\n%2").arg(spot->label(), spotDate(*spot)));
+        FZAttributedText text(QStringLiteral("%1\n%2").arg(spot->label(), dateTextForSpot(*spot)));
         setupFirstColumnStyle(text);
         return text;
     }
