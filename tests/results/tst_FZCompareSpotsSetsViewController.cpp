@@ -48,7 +48,11 @@ class tst_FZCompareSpotsSetsViewController : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("TZ", "UTC"); }
+    void initTestCase()
+    {
+        qputenv("TZ", "UTC");
+        Brightmere::Switch::setSlideDuration(0); // pictures show where the knob ends
+    }
     void init() { m_env = std::make_unique<TestEnvironment>(); }
     void cleanup()
     {

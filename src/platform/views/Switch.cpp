@@ -12,7 +12,7 @@ const QColor kOnColor(52, 199, 89);
 const QColor kOffColor(218, 218, 222);
 const QColor kKnobColor(255, 255, 255);
 const QColor kKnobShadow(0, 0, 0, 70);
-constexpr int kSlideMilliseconds = 150;
+int g_slideMilliseconds = 150;
 
 } // namespace
 
@@ -23,7 +23,6 @@ Switch::Switch(QWidget *parent)
     setCursor(Qt::PointingHandCursor);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_slide = new QVariantAnimation(this);
-    m_slide->setDuration(kSlideMilliseconds);
     connect(m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
         m_position = value.toReal();
         update();
@@ -35,6 +34,16 @@ void Switch::setOn(bool on, bool animated)
     m_animateNext = animated;
     setChecked(on);
     m_animateNext = false;
+}
+
+int Switch::slideDuration()
+{
+    return g_slideMilliseconds;
+}
+
+void Switch::setSlideDuration(int milliseconds)
+{
+    g_slideMilliseconds = qMax(0, milliseconds);
 }
 
 QSize Switch::sizeHint() const
@@ -57,7 +66,7 @@ void Switch::nextCheckState()
 
 void Switch::moveKnob()
 {
-    const bool animated = m_animateNext;
+    const bool animated = m_animateNext && g_slideMilliseconds > 0;
     const qreal target = isChecked() ? 1.0 : 0.0;
     m_slide->stop();
     if (!animated) {
@@ -65,6 +74,7 @@ void Switch::moveKnob()
         update();
         return;
     }
+    m_slide->setDuration(g_slideMilliseconds);
     m_slide->setStartValue(m_position);
     m_slide->setEndValue(target);
     m_slide->start();

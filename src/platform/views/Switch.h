@@ -24,6 +24,11 @@ public:
 
     QSize sizeHint() const override;
 
+    // How long a tap's slide takes, for every switch; 0 makes the knob jump
+    // (tests and pictures want the end state at once).
+    static int slideDuration();
+    static void setSlideDuration(int milliseconds);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void checkStateSet() override;
