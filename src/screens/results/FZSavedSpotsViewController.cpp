@@ -49,28 +49,21 @@ FZSavedSpotsViewController::FZSavedSpotsViewController(QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_tableView);
 
+    // Kept by this screen and swapped in and out of the bar as the mode changes.
     QPointer<FZSavedSpotsViewController> self(this);
-    m_optionsItem = new BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconSpotsSetsOption")),
-                                      BarButtonItem::Style::Plain, {}, this);
-    m_optionsItem->setObjectName(QStringLiteral("iconSpotsSetsOption"));
-    m_optionsItem->setAction([self] {
-        if (self)
-            self->showSetsOptions(self->m_optionsItem);
-    });
-    m_cancelItem = new BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconBack")),
-                                     BarButtonItem::Style::Plain, {}, this);
-    m_cancelItem->setObjectName(QStringLiteral("cancelCompare"));
-    m_cancelItem->setAction([self] {
-        if (self)
-            self->cancelCompare(self->m_cancelItem);
-    });
-    m_forwardItem = new BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QStringLiteral("forwardIcon")),
-                                      BarButtonItem::Style::Plain, {}, this);
-    m_forwardItem->setObjectName(QStringLiteral("forwardIcon"));
-    m_forwardItem->setAction([self] {
-        if (self)
-            self->compareSelectedSpotsSets(self->m_forwardItem);
-    });
+    const auto makeItem = [this, self](const char *image, void (FZSavedSpotsViewController::*action)(QObject *)) {
+        auto *item = new BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QString::fromLatin1(image)),
+                                       BarButtonItem::Style::Plain, {}, this);
+        item->setObjectName(QString::fromLatin1(image));
+        item->setAction([self, item, action] {
+            if (self)
+                (self.data()->*action)(item);
+        });
+        return item;
+    };
+    m_optionsItem = makeItem("iconSpotsSetsOption", &FZSavedSpotsViewController::showSetsOptions);
+    m_cancelItem = makeItem("iconBack", &FZSavedSpotsViewController::cancelCompare);
+    m_forwardItem = makeItem("forwardIcon", &FZSavedSpotsViewController::compareSelectedSpotsSets);
 }
 
 FZSavedSpotsViewController::~FZSavedSpotsViewController()
