@@ -1,0 +1,245 @@
+#include "FZBaseCollectionViewController.h"
+
+#include "FZSpotsSetsCollectionViewCell.h"
+#include "FZSpotsSetsHeaderCollectionViewCell.h"
+#include "core/BMLogger.h"
+#include "ui/BMBorderedView.h"
+#include "ui/BrightmereColor.h"
+
+#include <QEvent>
+#include <QScrollArea>
+#include <QScroller>
+#include <QVBoxLayout>
+#include <QtMath>
+
+using Brightmere::IndexPath;
+
+namespace {
+const QString kModule = QStringLiteral("FZBaseCollectionViewController");
+constexpr int kSideMargin = 12;
+}
+
+FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
+    : BMSDKUIBaseViewController(parent)
+{
+    setAutoFillBackground(true);
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::Window, Brightmere::Color::system(2));
+    setPalette(palette);
+
+    m_borderedView = new BMBorderedView(this);
+    m_borderedView->setObjectName(QStringLiteral("borderedView"));
+    auto *frame = new QVBoxLayout(m_borderedView);
+    // Inside the one-point border, so the cells never paint over it.
+    frame->setContentsMargins(1, 1, 1, 1);
+    frame->setSpacing(0);
+
+    m_headerRow = new QWidget(m_borderedView);
+    m_headerRow->setObjectName(QStringLiteral("headerRow"));
+    m_headerRow->hide();
+    m_headerRow->installEventFilter(this);
+    frame->addWidget(m_headerRow);
+
+    m_collectionView = new QScrollArea(m_borderedView);
+    m_collectionView->setObjectName(QStringLiteral("collectionView"));
+    m_collectionView->setFrameShape(QFrame::NoFrame);
+    m_collectionView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_collectionView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_collectionView->setWidgetResizable(false);
+    m_content = new QWidget;
+    m_content->setObjectName(QStringLiteral("collectionContent"));
+    m_collectionView->setWidget(m_content);
+    m_collectionView->viewport()->installEventFilter(this);
+    m_collectionView->viewport()->setAutoFillBackground(true);
+    // A drag scrolls the rows, as a finger does on the phone.
+    QScroller::grabGesture(m_collectionView->viewport(), QScroller::LeftMouseButtonGesture);
+    frame->addWidget(m_collectionView, 1);
+
+    m_pageLayout = new QVBoxLayout(this);
+    m_pageLayout->setContentsMargins(kSideMargin, kSideMargin, kSideMargin, kSideMargin);
+    m_pageLayout->setSpacing(kSideMargin);
+    m_pageLayout->addWidget(m_borderedView, 1);
+}
+
+void FZBaseCollectionViewController::viewDidLoad()
+{
+    BMSDKUIBaseViewController::viewDidLoad();
+    buildHeaderCells();
+}
+
+void FZBaseCollectionViewController::viewWillAppear(bool animated)
+{
+    BMSDKUIBaseViewController::viewWillAppear(animated);
+    // No bouncing past the ends to switch off: the scroll area stops at its edges.
+    if (layout())
+        layout()->activate();
+    reloadData();
+}
+
+void FZBaseCollectionViewController::columnSelected(int column)
+{
+    Q_UNUSED(column)
+    reloadData();
+}
+
+QColor FZBaseCollectionViewController::backgroundColorForSection(int section)
+{
+    return Brightmere::Color::system(section % 2 == 1 ? 4 : 3);
+}
+
+QColor FZBaseCollectionViewController::cellTextColor()
+{
+    return Brightmere::Color::named(QStringLiteral("medium_gray"));
+}
+
+QSizeF FZBaseCollectionViewController::sizeForItemAtIndexPath(const IndexPath &indexPath)
+{
+    const int columns = numberOfColumns();
+    if (m_totalWidth == 0.0) {
+        // Only a shown grid has its real width; a hidden one may still have
+        // the size it was made with.
+        QWidget *viewport = m_collectionView->viewport();
+        const int width = viewport->isVisible() ? viewport->width() : 0;
+        if (width > 0 && columns > 0) {
+            m_totalWidth = width;
+            m_columnWidths.clear();
+            double used = 0.0;
+            for (int column = 0; column < columns - 1; ++column) {
+                const double columnWidth = columnWidthProportionWithIndex(column) * m_totalWidth;
+                m_columnWidths.append(columnWidth);
+                used += columnWidth;
+            }
+            m_columnWidths.append(m_totalWidth - used);
+        }
+    }
+    const int column = indexPath.row();
+    const double width = column >= 0 && column < m_columnWidths.size() ? m_columnWidths.at(column) : 0.0;
+    return QSizeF(width, rowHeight());
+}
+
+double FZBaseCollectionViewController::columnX(int column) const
+{
+    double x = 0.0;
+    for (int c = 0; c < column && c < m_columnWidths.size(); ++c)
+        x += m_columnWidths.at(c);
+    return x;
+}
+
+void FZBaseCollectionViewController::reloadData()
+{
+    willReloadData();
+    qDeleteAll(m_cells);
+    m_cells.clear();
+    const int rows = qMax(0, numberOfRows());
+    const int columns = qMax(0, numberOfColumns());
+    const QString identifier = cellIdentifier();
+    for (int section = 0; section < rows; ++section) {
+        for (int column = 0; column < columns; ++column) {
+            auto *cell = new FZSpotsSetsCollectionViewCell(m_content);
+            cell->setReuseIdentifier(identifier);
+            cell->setObjectName(QStringLiteral("cell_%1_%2").arg(section).arg(column));
+            cell->setBackgroundColor(backgroundColorForSection(section));
+            FZAttributedText text = textForCellWithIndexPath(IndexPath(column, section));
+            // Grey over the whole text: only the column styles' fonts show.
+            text.addForegroundOverAll(cellTextColor());
+            cell->setAttributedText(text);
+            m_cells.append(cell);
+        }
+    }
+    layoutCells();
+    refreshHeaderCells();
+    layoutHeaderCells();
+}
+
+void FZBaseCollectionViewController::layoutCells()
+{
+    const int columns = qMax(0, numberOfColumns());
+    if (columns == 0) {
+        m_content->resize(0, 0);
+        return;
+    }
+    const int height = rowHeight();
+    for (int index = 0; index < m_cells.size(); ++index) {
+        const int section = index / columns;
+        const int column = index % columns;
+        const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, section));
+        const int left = qRound(columnX(column));
+        const int right = qRound(columnX(column) + size.width());
+        m_cells.at(index)->setGeometry(left, section * height, right - left, height);
+        m_cells.at(index)->show();
+    }
+    m_content->resize(qRound(m_totalWidth), int(m_cells.size() / columns) * height);
+}
+
+void FZBaseCollectionViewController::buildHeaderCells()
+{
+    m_headerRow->setVisible(showsHeaderRow());
+    if (!showsHeaderRow())
+        return;
+    m_headerRow->setFixedHeight(headerRowHeight());
+    const QString identifier = headerCellIdentifier();
+    for (int column = 0; column < numberOfColumns(); ++column) {
+        auto *cell = new FZSpotsSetsHeaderCollectionViewCell(m_headerRow);
+        cell->setObjectName(QStringLiteral("%1_%2").arg(identifier).arg(column));
+        cell->setColumn(column);
+        cell->setDelegate(this);
+        // The grid's border closes the last column; no divider beside it.
+        cell->dividerView()->setVisible(column < numberOfColumns() - 1);
+        cell->show();
+        m_headerCells.append(cell);
+    }
+}
+
+void FZBaseCollectionViewController::refreshHeaderCells()
+{
+    for (FZSpotsSetsHeaderCollectionViewCell *cell : std::as_const(m_headerCells)) {
+        cell->setTitle(titleForColumnWithIndex(cell->column()));
+        configureHeaderCell(cell, cell->column());
+    }
+}
+
+void FZBaseCollectionViewController::configureHeaderCell(FZSpotsSetsHeaderCollectionViewCell *, int)
+{
+}
+
+void FZBaseCollectionViewController::layoutHeaderCells()
+{
+    for (FZSpotsSetsHeaderCollectionViewCell *cell : std::as_const(m_headerCells)) {
+        const int column = cell->column();
+        const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, 0));
+        const int left = qRound(columnX(column));
+        const int right = qRound(columnX(column) + size.width());
+        cell->setGeometry(left, 0, right - left, m_headerRow->height());
+    }
+}
+
+FZSpotsSetsCollectionViewCell *FZBaseCollectionViewController::cellAt(int section, int column) const
+{
+    const int columns = numberOfColumns();
+    if (section < 0 || column < 0 || column >= columns)
+        return nullptr;
+    const qsizetype index = qsizetype(section) * columns + column;
+    return index < m_cells.size() ? m_cells.at(index) : nullptr;
+}
+
+void FZBaseCollectionViewController::viewCellTouchUpInside(FZSpotsSetsHeaderCollectionViewCell *cell)
+{
+    if (!cell || !m_headerCells.contains(cell)) {
+        BMLogger::sharedInstance().logFromModule(kModule, 2, "%@: tap from a heading cell not of this grid; ignored",
+                                                 metaObject()->className());
+        return;
+    }
+    columnSelected(cell->column());
+}
+
+bool FZBaseCollectionViewController::eventFilter(QObject *watched, QEvent *event)
+{
+    // The first width the grid gets fixes the columns; later ones lay out again.
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Show) {
+        if (watched == m_collectionView->viewport())
+            layoutCells();
+        if (watched == m_collectionView->viewport() || watched == m_headerRow)
+            layoutHeaderCells();
+    }
+    return BMSDKUIBaseViewController::eventFilter(watched, event);
+}

@@ -1,0 +1,109 @@
+#include "FZSpotsSetsHeaderCollectionViewCell.h"
+
+#include "FZAttributedText.h"
+#include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
+#include "resources/FrameworkBundle.h"
+#include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+namespace {
+constexpr int kInset = 8;
+constexpr int kIconSize = 14;
+constexpr int kDetailPixels = 10;
+}
+
+FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget *parent)
+    : QWidget(parent)
+{
+    setAutoFillBackground(true);
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::Window, Brightmere::Color::colorWithHexString(QStringLiteral("E8E8E8")));
+    setPalette(palette);
+
+    m_titleLabel = new QLabel(this);
+    m_titleLabel->setObjectName(QStringLiteral("titleLabel"));
+    m_titleLabel->setTextFormat(Qt::RichText);
+    m_titleLabel->setWordWrap(true);
+
+    m_detailLabel = new QLabel(this);
+    m_detailLabel->setObjectName(QStringLiteral("detailLabel"));
+    QFont detailFont = m_detailLabel->font();
+    detailFont.setPixelSize(kDetailPixels);
+    m_detailLabel->setFont(Brightmere::View::kitFont(detailFont));
+    QPalette detailPalette = m_detailLabel->palette();
+    detailPalette.setColor(QPalette::WindowText, Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
+    m_detailLabel->setPalette(detailPalette);
+    m_detailLabel->hide();
+
+    m_iconImageView = new QLabel(this);
+    m_iconImageView->setObjectName(QStringLiteral("iconImageView"));
+    m_iconImageView->setFixedSize(kIconSize, kIconSize);
+    m_iconImageView->hide();
+
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(1);
+    texts->addStretch(1);
+    texts->addWidget(m_titleLabel);
+    texts->addWidget(m_detailLabel);
+    texts->addStretch(1);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(kInset, 0, kInset, 0);
+    row->setSpacing(6);
+    row->addLayout(texts, 1);
+    row->addWidget(m_iconImageView, 0, Qt::AlignVCenter);
+
+    m_dividerView = new QWidget(this);
+    m_dividerView->setObjectName(QStringLiteral("dividerView"));
+    m_dividerView->setAutoFillBackground(true);
+    QPalette dividerPalette = m_dividerView->palette();
+    dividerPalette.setColor(QPalette::Window, Brightmere::Color::system(3).darker(115));
+    m_dividerView->setPalette(dividerPalette);
+
+    // Over everything else, so a tap anywhere on the cell lands on it.
+    m_button = new QPushButton(this);
+    m_button->setObjectName(QStringLiteral("headerButton"));
+    m_button->setFlat(true);
+    m_button->setStyleSheet(QStringLiteral("background: transparent; border: none;"));
+    m_button->setCursor(Qt::PointingHandCursor);
+    connect(m_button, &QPushButton::clicked, this, [this] { touchUpInside(); });
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::setTitle(const FZAttributedText &title)
+{
+    m_titleLabel->setText(title.isEmpty() ? QString() : title.toHtml());
+    m_titleLabel->setAlignment(title.alignment() | Qt::AlignVCenter);
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::setDetail(const QString &detail)
+{
+    m_detailLabel->setText(detail);
+    m_detailLabel->setVisible(!detail.isEmpty());
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::setIconNamed(const QString &name)
+{
+    m_iconName = name;
+    const QIcon icon = Brightmere::FrameworkBundle::imageNamed(name);
+    // Drawn for the screen's pixel ratio, so the arrow stays sharp.
+    m_iconImageView->setPixmap(icon.isNull() ? QPixmap() : icon.pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+    m_iconImageView->setVisible(!icon.isNull());
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_dividerView->setGeometry(width() - 1, 0, 1, height());
+    m_button->setGeometry(rect());
+    m_button->raise();
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::touchUpInside()
+{
+    if (m_delegate)
+        m_delegate->viewCellTouchUpInside(this);
+}
