@@ -13,6 +13,7 @@
 #include "i18n/BMI18NManager.h"
 #include "platform/views/NavigationController.h"
 #include "session/BMWifiScanVC.h"
+#include "storyboard/BMSDKUIStoryboard.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -47,6 +48,8 @@ int main(int argc, char *argv[])
     if (!i18nUrl.isEmpty() || !qEnvironmentVariable("BRIGHTMERE_SERVER_URL").isEmpty())
         BMI18NManager::sharedInstance()->updateBundleTexts();
 
+    // Once, before any screen: the saved-results screens are reached by segue.
+    BMSDKUIStoryboard::registerSegues();
     auto *scan = new BMWifiScanVC;
     const QString customer = qEnvironmentVariable("BRIGHTMERE_CUSTOMER");
     scan->setSdkCustomer(customer.isEmpty() ? QStringLiteral("demo") : customer);

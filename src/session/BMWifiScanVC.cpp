@@ -29,6 +29,9 @@
 #include "platform/views/SystemSound.h"
 #include "platform/views/TableView.h"
 #include "popups/FZConfirmSpotModificationPopup.h"
+#include "popups/FZLabelOptionsPopup.h"
+#include "popups/FZOptionsPopup.h"
+#include "popups/FZTextViewOptionsPopup.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BMBorderedView.h"
 #include "ui/BMImageButton.h"
@@ -55,6 +58,7 @@ namespace {
 
 const char kImageNameProperty[] = "brightmereImageName";
 const char kEditSpotsSetSetterProperty[] = "editSpotsSetSetter";
+const char kShowSavedSpotsSegue[] = "showSavedSpotsSegue";
 
 // Layout of the phone-sized screen, in points.
 constexpr int kMargin = 8;
@@ -207,6 +211,11 @@ void BMWifiScanVC::setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &spot
 FZConfirmSpotModificationPopup *BMWifiScanVC::editPopup() const
 {
     return m_editPopup.data();
+}
+
+FZTextViewOptionsPopup *BMWifiScanVC::saveCurrentSpotAlert() const
+{
+    return m_saveCurrentSpotAlert.data();
 }
 
 RealTimePlot *BMWifiScanVC::charPlot() const
@@ -845,6 +854,139 @@ void BMWifiScanVC::leftMenuBtnTapped()
 }
 
 // ---------------------------------------------------------------------------
+// Saving the run
+
+void BMWifiScanVC::menuHistoricalResultsTapped()
+{
+    showHistoricalResultsOptions(m_historyItem);
+}
+
+void BMWifiScanVC::showHistoricalResultsOptions(QObject *)
+{
+    if (m_recordedSpeeds.isEmpty()) {
+        showSavedSpots();
+        return;
+    }
+    FZOptionsPopup *popup = FZOptionsPopup::popupWithOptions(
+        {BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_save")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_view_saved_list")),
+         BMI18NManager::stringForCode(QStringLiteral("cancel"))});
+    QPointer<BMWifiScanVC> self(this);
+    popup->setOptionChosenBlock([self](int index) {
+        if (!self)
+            return;
+        if (index == 1)
+            self->showSaveCurrentSpotSetScreen();
+        else if (index == 2)
+            self->showSavedSpots();
+    });
+    popup->show();
+}
+
+void BMWifiScanVC::showSaveCurrentSpotSetScreen()
+{
+    QPointer<BMWifiScanVC> self(this);
+    FZTextViewOptionsPopup *popup = FZTextViewOptionsPopup::popupWithOptions(
+        {BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_save_alert_title")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_save_alert_message")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_save_alert_save")),
+         BMI18NManager::stringForCode(QStringLiteral("cancel"))},
+        [self](QLineEdit *textField) {
+            textField->setPlaceholderText(BMI18NManager::stringForCode(
+                QStringLiteral("fairzones_historical_results_save_alert_title_placeholder")));
+            if (!self)
+                return;
+            // A set loaded for editing proposes its own title.
+            textField->setText(self->m_spotsSetName);
+            self->m_spotNameTextField = textField;
+        },
+        FZOptionsPopup::Horizontal);
+    popup->setOptionChosenBlock([self](int index) {
+        if (self && index == 2)
+            self->saveCurrentSpotSet();
+    });
+    popup->show();
+    if (QLineEdit *field = popup->textField())
+        field->setFocus(Qt::OtherFocusReason);
+    m_saveCurrentSpotAlert = popup;
+}
+
+void BMWifiScanVC::saveCurrentSpotSet()
+{
+    const QString title = m_spotNameTextField ? m_spotNameTextField->text().trimmed() : QString();
+    if (m_recordedSpeeds.isEmpty()) {
+        log(2, QStringLiteral("no spots to save"));
+        return;
+    }
+    if (title.isEmpty()) {
+        showTitleCannotBeNil();
+        return;
+    }
+    if (FZHistoricalResultSpotsSet::spotsSetWithName(title)) {
+        showSpotsSetAlreadyExistsDialogWithName(title);
+        return;
+    }
+    m_spotsSetName = title;
+    saveCurrentSpotSetWithName(title);
+}
+
+void BMWifiScanVC::saveCurrentSpotSetWithName(const QString &name)
+{
+    const QString ssid = BMSDKNetworkUtilities::currentWifiSSID().value_or(QString());
+    const double now = BMSDKBackend::clock().now() + Clock::kReferenceDateUnixSeconds;
+    const QDateTime date = QDateTime::fromMSecsSinceEpoch(qint64(now * 1000.0), Qt::UTC);
+    if (!FZHistoricalResultSpotsSet::saveSetWithName(name, ssid, date, m_recordedSpeeds)) {
+        // The store has logged why; the run stays on screen, so nothing is lost.
+        log(3, StringFormat::print("the run could not be saved as '%@'", name));
+        alertControllerWithTitle(
+            BMI18NManager::stringForCode(QStringLiteral("bmOops")),
+            BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_failed_message")));
+        return;
+    }
+    showSavedSpots();
+}
+
+void BMWifiScanVC::showTitleCannotBeNil()
+{
+    FZLabelOptionsPopup *popup = FZLabelOptionsPopup::popupWithOptions(
+        {BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_title_nil_title")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_title_nil_message")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_title_nil_ok"))},
+        FZOptionsPopup::Vertical);
+    popup->show();
+}
+
+void BMWifiScanVC::showSpotsSetAlreadyExistsDialogWithName(const QString &name)
+{
+    const QString title = StringFormat::print(
+        "'%@' %@", name,
+        BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_already_exist_title")));
+    FZOptionsPopup *popup = FZOptionsPopup::popupWithOptions(
+        {title, BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_already_exist_cancel")),
+         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_save_already_exist_confirm"))},
+        FZOptionsPopup::Horizontal);
+    QPointer<BMWifiScanVC> self(this);
+    popup->setOptionChosenBlock([self, name](int index) {
+        if (!self)
+            return;
+        // Back to the prompt, which proposes spotsSetName again, not the
+        // rejected title.
+        if (index == 1)
+            self->showSaveCurrentSpotSetScreen();
+        // Replacing keeps spotsSetName as it was, on purpose.
+        else if (index == 2)
+            self->saveCurrentSpotSetWithName(name);
+    });
+    popup->show();
+}
+
+void BMWifiScanVC::showSavedSpots()
+{
+    performSegueWithIdentifier(QString::fromLatin1(kShowSavedSpotsSegue), nullptr);
+}
+
+// ---------------------------------------------------------------------------
 // Application state and keyboard
 
 void BMWifiScanVC::applicationDidEnterBackground(const Notification &)
@@ -871,6 +1013,10 @@ void BMWifiScanVC::appDidBecomeActive(const Notification &)
 
 void BMWifiScanVC::keyboardDidShow(const Notification &notification)
 {
+    // The title prompt moves itself above the keyboard; the spots under it
+    // stay where they are.
+    if (m_saveCurrentSpotAlert)
+        return;
     m_isEditingRecordName = true;
     const QRect keyboard = KeyboardNotifications::endFrame(notification);
     m_keyboardSize = keyboard.size();

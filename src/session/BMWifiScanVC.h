@@ -23,6 +23,7 @@ class BMLabel;
 class BMSpeedRecord;
 class BMWiFiTester;
 class FZConfirmSpotModificationPopup;
+class FZTextViewOptionsPopup;
 class QLabel;
 class RealTimePlot;
 
@@ -116,8 +117,24 @@ public:
     void actSoundOnOff();
     void menuButtonTapped();
     void leftMenuBtnTapped();
-    // The history control on the bar; saving runs comes with a later screen.
-    virtual void menuHistoricalResultsTapped() {}
+    // The history control on the bar: the saving menu.
+    virtual void menuHistoricalResultsTapped();
+
+    // Saving the run as a spots set. With no spots the menu leads straight
+    // to the saved sets; otherwise it offers saving and the saved list.
+    // Saving asks for a title (proposing spotsSetName), refuses a blank one
+    // and asks before replacing a set of that title.
+    void showHistoricalResultsOptions(QObject *sender);
+    void showSaveCurrentSpotSetScreen();
+    void saveCurrentSpotSet();
+    void saveCurrentSpotSetWithName(const QString &name);
+    void showTitleCannotBeNil();
+    void showSpotsSetAlreadyExistsDialogWithName(const QString &name);
+    // Opens the list of saved sets ("showSavedSpotsSegue").
+    void showSavedSpots();
+    // The title field and the title prompt while it is open; null otherwise.
+    QLineEdit *spotNameTextField() const { return m_spotNameTextField.data(); }
+    FZTextViewOptionsPopup *saveCurrentSpotAlert() const;
 
     // Recording spots.
     void startRecording();
@@ -285,6 +302,8 @@ private:
     QColor m_lblWifiSpeedNormalColor;
     QString m_counterImageName;
     QPointer<FZConfirmSpotModificationPopup> m_editPopup;
+    QPointer<QLineEdit> m_spotNameTextField;
+    QPointer<FZTextViewOptionsPopup> m_saveCurrentSpotAlert;
     int m_tblRecordsBottomConstraint = 0;
     QStringList m_completionNames;
 

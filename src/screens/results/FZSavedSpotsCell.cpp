@@ -1,0 +1,117 @@
+#include "FZSavedSpotsCell.h"
+
+#include "core/BMLogger.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "resources/FrameworkBundle.h"
+#include "ui/BMLabel.h"
+#include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
+
+#include <QLabel>
+
+namespace {
+
+constexpr int kSideMargin = 16;
+constexpr int kIconSize = 24;
+constexpr int kNamePixels = 17;
+constexpr int kDatePixels = 13;
+constexpr int kNameHeight = 22;
+constexpr int kDateHeight = 18;
+constexpr int kLineGap = 2;
+// The hairline under each row.
+constexpr int kSeparatorHeight = 1;
+
+BMLabel *makeLabel(QWidget *parent, const QString &objectName, int pixels, QFont::Weight weight, const QColor &color)
+{
+    auto *label = new BMLabel(parent);
+    label->setObjectName(objectName);
+    QFont font = label->font();
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    label->setFont(font);
+    label->baseInit();
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, color);
+    label->setPalette(palette);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    return label;
+}
+
+} // namespace
+
+FZSavedSpotsCell::FZSavedSpotsCell(QWidget *parent)
+    : BMTableViewCell(parent)
+{
+    setReuseIdentifier(QString::fromLatin1(kReuseIdentifier));
+    Brightmere::View::setBackgroundColor(this, Brightmere::Color::system(3));
+
+    m_content = new QWidget(this);
+    m_content->setObjectName(QStringLiteral("contentView"));
+    m_content->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_nameTextView = makeLabel(m_content, QStringLiteral("nameTextView"), kNamePixels, QFont::DemiBold,
+                               Brightmere::Color::system(0));
+    m_dateTextView = makeLabel(m_content, QStringLiteral("dateTextView"), kDatePixels, QFont::Normal,
+                               Brightmere::Color::system(1));
+    m_comparableIconImageView = new QLabel(m_content);
+    m_comparableIconImageView->setObjectName(QStringLiteral("comparableIconImageView"));
+    m_comparableIconImageView->setPixmap(
+        Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconComparable")).pixmap(kIconSize, kIconSize));
+    m_comparableIconImageView->hide();
+    // Under the strip the table adds while the row is swiped.
+    m_content->lower();
+    paintBackground();
+}
+
+void FZSavedSpotsCell::setupWithSpotsSet(const FZHistoricalResultSpotsSet::Ptr &spotsSet, int mode)
+{
+    m_spotsSet = spotsSet;
+    if (!spotsSet) {
+        BMLogger::sharedInstance().logFromModule(QStringLiteral("FZSavedSpotsCell"), 2,
+                                                 "asked to show no set; the row stays empty");
+        m_nameTextView->clear();
+        m_dateTextView->clear();
+        m_comparableIconImageView->hide();
+        return;
+    }
+    m_nameTextView->setText(spotsSet->name());
+    m_dateTextView->setText(BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(spotsSet->date()));
+    // The mark only means something while sets are being picked.
+    m_comparableIconImageView->setVisible(mode == 1 && spotsSet->isComparable());
+    layoutContent();
+}
+
+void FZSavedSpotsCell::setSelected(bool selected, bool animated)
+{
+    BMTableViewCell::setSelected(selected, animated);
+    m_showsSelection = selected;
+    paintBackground();
+}
+
+void FZSavedSpotsCell::resizeEvent(QResizeEvent *event)
+{
+    BMTableViewCell::resizeEvent(event);
+    layoutContent();
+}
+
+void FZSavedSpotsCell::layoutContent()
+{
+    m_content->setGeometry(0, 0, width(), qMax(0, QWidget::height() - kSeparatorHeight));
+    const int iconSpace = m_comparableIconImageView->isVisible() ? kIconSize + kSideMargin : 0;
+    const int textWidth = qMax(0, width() - 2 * kSideMargin - iconSpace);
+    const int textTop = (m_content->height() - kNameHeight - kLineGap - kDateHeight) / 2;
+    m_nameTextView->setGeometry(kSideMargin, textTop, textWidth, kNameHeight);
+    m_dateTextView->setGeometry(kSideMargin, textTop + kNameHeight + kLineGap, textWidth, kDateHeight);
+    // A long name is cut where the row ends rather than running under the mark.
+    m_nameTextView->setText(m_spotsSet ? QFontMetrics(m_nameTextView->font())
+                                             .elidedText(m_spotsSet->name(), Qt::ElideRight, textWidth)
+                                       : QString());
+    m_comparableIconImageView->setGeometry(width() - kSideMargin - kIconSize, (m_content->height() - kIconSize) / 2,
+                                           kIconSize, kIconSize);
+}
+
+void FZSavedSpotsCell::paintBackground()
+{
+    Brightmere::View::setBackgroundColor(m_content, m_showsSelection
+                                                        ? Brightmere::Color::named(QStringLiteral("fz_compare_set"))
+                                                        : Brightmere::Color::system(4));
+}

@@ -1,0 +1,352 @@
+#include "PointerInput.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "i18n/BMI18NManager.h"
+#include "model/FZHistoricalResultSpotsSet.h"
+#include "platform/views/BarButtonItem.h"
+#include "platform/views/KeyWindow.h"
+#include "platform/views/NavigationController.h"
+#include "platform/views/NavigationItem.h"
+#include "platform/views/Storyboard.h"
+#include "platform/views/TableView.h"
+#include "popups/FZOptionsPopup.h"
+#include "screens/results/FZCompareSpotsSetsViewController.h"
+#include "screens/results/FZSavedSpotsCell.h"
+#include "ui/BMLabel.h"
+#include "screens/results/FZSavedSpotsViewController.h"
+#include "screens/results/FZSpotsSetViewController.h"
+#include "storyboard/BMSDKUIStoryboard.h"
+
+#include <QDir>
+#include <QPushButton>
+#include <QTest>
+
+using Brightmere::IndexPath;
+
+namespace {
+
+// Stands in for the test screen taking a set back.
+class EditSetter : public QObject, public BMWifiScanVCEditSpotsSetSetter
+{
+public:
+    void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &set) override { received = set; }
+    FZHistoricalResultSpotsSet::Ptr received;
+};
+
+WifiTestResult::List spots(const QStringList &labels)
+{
+    WifiTestResult::List list;
+    for (const QString &label : labels) {
+        auto spot = WifiTestResult::create(20.0);
+        spot->setLabel(label);
+        list << spot;
+    }
+    return list;
+}
+
+} // namespace
+
+// Four saved sets, newest first: "Ground floor" (Kitchen, Hall), "Upstairs"
+// (Bedroom, Hall), "Garden" (Patio: shares nothing) and "Attic" (Kitchen).
+class tst_FZSavedSpotsViewController : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        const QDateTime day(QDate(2025, 3, 14), QTime(9, 30), Qt::UTC);
+        FZHistoricalResultSpotsSet::saveSetWithName("Attic", "HomeNet", day, spots({"Kitchen"}));
+        FZHistoricalResultSpotsSet::saveSetWithName("Garden", "HomeNet", day.addSecs(60), spots({"Patio"}));
+        FZHistoricalResultSpotsSet::saveSetWithName("Upstairs", "HomeNet", day.addSecs(120), spots({"Bedroom", "Hall"}));
+        FZHistoricalResultSpotsSet::saveSetWithName("Ground floor", "HomeNet", day.addSecs(180),
+                                                    spots({"Kitchen", "Hall"}));
+        BMSDKUIStoryboard::registerSegues(&m_board);
+        m_screen = new FZSavedSpotsViewController;
+        m_screen->setStoryboard(&m_board);
+        m_screen->setEditSpotsSetSetterObject(&m_setter);
+        m_nav = std::make_unique<Brightmere::NavigationController>(m_screen);
+        m_nav->resize(375, 667);
+        Brightmere::KeyWindow::makeKeyWindow(m_nav.get());
+        m_nav->show();
+    }
+
+    void cleanup()
+    {
+        m_nav.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_env.reset();
+    }
+
+    void picksInCompareMode_data()
+    {
+        QTest::addColumn<QStringList>("taps");
+        QTest::addColumn<QStringList>("listed");
+        QTest::addColumn<QStringList>("picked"); // first, then second
+        QTest::addColumn<bool>("forward");
+        const QStringList all{"Ground floor", "Upstairs", "Garden", "Attic"};
+        const QStringList aroundGround{"Ground floor", "Upstairs", "Attic"};
+        QTest::newRow("first pick narrows, itself included")
+            << QStringList{"Ground floor"} << aroundGround << QStringList{"Ground floor"} << false;
+        QTest::newRow("second pick brings the forward button")
+            << QStringList{"Ground floor", "Upstairs"} << aroundGround << QStringList{"Ground floor", "Upstairs"}
+            << true;
+        QTest::newRow("third pick refused")
+            << QStringList{"Ground floor", "Upstairs", "Attic"} << aroundGround
+            << QStringList{"Ground floor", "Upstairs"} << true;
+        QTest::newRow("unpicking the second keeps the first")
+            << QStringList{"Ground floor", "Upstairs", "Upstairs"} << aroundGround << QStringList{"Ground floor"}
+            << false;
+        QTest::newRow("unpicking the first promotes the second")
+            << QStringList{"Ground floor", "Attic", "Ground floor"} << QStringList{"Ground floor", "Attic"}
+            << QStringList{"Attic"} << false;
+        QTest::newRow("promoted, then a new second")
+            << QStringList{"Ground floor", "Upstairs", "Ground floor", "Ground floor"}
+            << QStringList{"Ground floor", "Upstairs"} << QStringList{"Upstairs", "Ground floor"} << true;
+        QTest::newRow("unpicking the only pick lists all again")
+            << QStringList{"Upstairs", "Upstairs"} << all << QStringList{} << false;
+        QTest::newRow("a set sharing nothing cannot be picked")
+            << QStringList{"Garden"} << all << QStringList{} << false;
+    }
+
+    void picksInCompareMode()
+    {
+        QFETCH(QStringList, taps);
+        QFETCH(QStringList, listed);
+        QFETCH(QStringList, picked);
+        QFETCH(bool, forward);
+        m_screen->enableCompareSetsMode();
+        for (const QString &name : taps)
+            tap(name);
+        QCOMPARE(names(), listed);
+        QCOMPARE(nameOf(m_screen->firstSpotsSetToCompare()), picked.value(0));
+        QCOMPARE(nameOf(m_screen->secondSpotsSetToCompre()), picked.value(1));
+        QCOMPARE(m_screen->navigationItem()->rightBarButtonItem() == m_screen->forwardButton(), forward);
+        QCOMPARE(m_screen->navigationItem()->rightBarButtonItem() != nullptr, forward);
+        // The rows that look picked are the picks, whatever the order.
+        QStringList shown;
+        for (int row = 0; row < m_screen->allSpotsSets().size(); ++row) {
+            if (cell(row)->showsSelection())
+                shown << cell(row)->nameTextView()->text();
+        }
+        QStringList expected = picked;
+        expected.sort();
+        shown.sort();
+        QCOMPARE(shown, expected);
+    }
+
+    void comparableMarkOnlyInCompareMode_data()
+    {
+        QTest::addColumn<bool>("compare");
+        QTest::addColumn<QList<bool>>("marks");
+        QTest::newRow("normal") << false << QList<bool>{false, false, false, false};
+        QTest::newRow("compare") << true << QList<bool>{true, true, false, true};
+    }
+
+    void comparableMarkOnlyInCompareMode()
+    {
+        QFETCH(bool, compare);
+        QFETCH(QList<bool>, marks);
+        if (compare)
+            m_screen->enableCompareSetsMode();
+        QList<bool> shown;
+        for (int row = 0; row < 4; ++row)
+            shown << cell(row)->comparableIconImageView()->isVisible();
+        QCOMPARE(shown, marks);
+        QCOMPARE(cell(0)->dateTextView()->text(),
+                 BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(m_screen->allSpotsSets().at(0)->date()));
+    }
+
+    void optionsPopupAndCancel_data()
+    {
+        QTest::addColumn<int>("choice");
+        QTest::addColumn<int>("mode");
+        QTest::newRow("compare sets") << 1 << 1;
+        QTest::newRow("cancel") << 2 << 0;
+    }
+
+    void optionsPopupAndCancel()
+    {
+        QFETCH(int, choice);
+        QFETCH(int, mode);
+        QCOMPARE(m_screen->navigationItem()->rightBarButtonItem(), m_screen->optionsButton());
+        m_screen->optionsButton()->trigger();
+        choose(choice);
+        QCOMPARE(m_screen->currentUIMode(), mode);
+        QCOMPARE(m_screen->canEditRowAtIndexPath(m_screen->tableView(), IndexPath(0, 0)), mode == 0);
+        if (mode == 0)
+            return;
+        QCOMPARE(m_screen->navigationItem()->leftBarButtonItem(), m_screen->cancelCompareButton());
+        tap("Ground floor");
+        tap("Upstairs");
+        m_screen->cancelCompareButton()->trigger();
+        QCOMPARE(m_screen->currentUIMode(), 0);
+        QVERIFY(!m_screen->firstSpotsSetToCompare() && !m_screen->secondSpotsSetToCompre());
+        QCOMPARE(names().size(), 4);
+        QCOMPARE(m_screen->navigationItem()->rightBarButtonItem(), m_screen->optionsButton());
+        QVERIFY(m_screen->navigationItem()->leftBarButtonItem() != m_screen->cancelCompareButton());
+        QVERIFY(!cell(0)->showsSelection() && !cell(1)->showsSelection());
+    }
+
+    void deleteBySwipe_data()
+    {
+        QTest::addColumn<bool>("compare");
+        QTest::addColumn<QStringList>("left");
+        QTest::newRow("normal mode deletes from the store") << false
+                                                            << QStringList{"Ground floor", "Garden", "Attic"};
+        QTest::newRow("compare mode deletes nothing") << true
+                                                      << QStringList{"Ground floor", "Upstairs", "Garden", "Attic"};
+    }
+
+    void deleteBySwipe()
+    {
+        QFETCH(bool, compare);
+        QFETCH(QStringList, left);
+        if (compare)
+            m_screen->enableCompareSetsMode();
+        PointerInput::drag(PointerInput::Kind::Mouse, m_screen->tableView()->viewport(), QPoint(300, 96),
+                           QPoint(200, 96));
+        QCOMPARE(cell(1)->isEditing(), !compare);
+        if (!compare)
+            QTest::mouseClick(cell(1)->deleteStrip(), Qt::LeftButton);
+        else // even asked directly, compare mode keeps the set
+            m_screen->commitEditingStyle(m_screen->tableView(),
+                                         Brightmere::TableViewDataSource::EditingStyle::Delete, IndexPath(1, 0));
+        QCOMPARE(names(), left);
+        QCOMPARE(m_screen->tableView()->numberOfRowsInSection(0), left.size());
+        QStringList stored;
+        for (const auto &set : FZHistoricalResultSpotsSet::allSpotsSets())
+            stored << set->name();
+        QCOMPARE(stored, left);
+    }
+
+    void deletingEverySetLeavesAnEmptyList()
+    {
+        for (int i = 0; i < 4; ++i)
+            m_screen->commitEditingStyle(m_screen->tableView(),
+                                         Brightmere::TableViewDataSource::EditingStyle::Delete, IndexPath(0, 0));
+        QCOMPARE(m_screen->tableView()->numberOfRowsInSection(0), 0);
+        QVERIFY(FZHistoricalResultSpotsSet::allSpotsSets().isEmpty());
+    }
+
+    void openingASetHandsItOver()
+    {
+        QCOMPARE(m_screen->screenNameAndClassForEventTracker().screenName(), QString("Spots Set Screen"));
+        // A real click on the second row.
+        PointerInput::press(PointerInput::Kind::Mouse, m_screen->tableView()->viewport(), QPoint(150, 96));
+        PointerInput::release(PointerInput::Kind::Mouse, m_screen->tableView()->viewport(), QPoint(150, 96));
+        auto *shown = qobject_cast<FZSpotsSetViewController *>(m_nav->topViewController());
+        QVERIFY(shown);
+        QCOMPARE(shown->spotsSet()->name(), QString("Upstairs"));
+        QCOMPARE(shown->editSpotsSetSetterObject(), &m_setter);
+        QVERIFY(!cell(1)->showsSelection());
+    }
+
+    void comparingHandsOverBothPicksInOrder()
+    {
+        m_screen->enableCompareSetsMode();
+        tap("Upstairs");
+        tap("Ground floor");
+        m_screen->forwardButton()->trigger();
+        auto *shown = qobject_cast<FZCompareSpotsSetsViewController *>(m_nav->topViewController());
+        QVERIFY(shown && shown->spotsSetsComparison());
+        QCOMPARE(shown->spotsSetsComparison()->firstSet()->name(), QString("Upstairs"));
+        QCOMPARE(shown->spotsSetsComparison()->secondSet()->name(), QString("Ground floor"));
+        // Back again: the picks and the narrowed list are still there.
+        m_nav->popViewControllerAnimated(false);
+        QCOMPARE(m_nav->topViewController(), m_screen);
+        QCOMPARE(names(), (QStringList{"Ground floor", "Upstairs"}));
+        QVERIFY(m_screen->readyToCompareSpotsSets());
+        QCOMPARE(m_screen->navigationItem()->rightBarButtonItem(), m_screen->forwardButton());
+    }
+
+    void laterAppearancesDoNotReadTheStore_data()
+    {
+        QTest::addColumn<bool>("emptyAtFirst");
+        QTest::addColumn<int>("rowsAfterReturn");
+        QTest::newRow("a listed store is kept") << false << 4;
+        QTest::newRow("an empty list reads again") << true << 1;
+    }
+
+    void laterAppearancesDoNotReadTheStore()
+    {
+        QFETCH(bool, emptyAtFirst);
+        QFETCH(int, rowsAfterReturn);
+        if (emptyAtFirst) {
+            // A screen opened on an empty store.
+            m_nav.reset();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            FZHistoricalResultSpotsSet::deleteAllSpotsSets();
+            m_screen = new FZSavedSpotsViewController;
+            m_screen->setStoryboard(&m_board);
+            m_nav = std::make_unique<Brightmere::NavigationController>(m_screen);
+            m_nav->show();
+            QCOMPARE(m_screen->tableView()->numberOfRowsInSection(0), 0);
+        }
+        FZHistoricalResultSpotsSet::saveSetWithName("Cellar", "HomeNet", QDateTime::currentDateTimeUtc(),
+                                                    spots({"Hall"}));
+        m_nav->pushViewController(new FZSpotsSetViewController, false);
+        m_nav->popViewControllerAnimated(false);
+        QCOMPARE(m_nav->topViewController(), m_screen);
+        QVERIFY(m_screen->isInitialTableLoadDone());
+        QCOMPARE(m_screen->tableView()->numberOfRowsInSection(0), rowsAfterReturn);
+    }
+
+    void rendersBothModes()
+    {
+        const QDir folder(QCoreApplication::applicationDirPath());
+        QCoreApplication::processEvents();
+        QVERIFY(m_nav->grab().save(folder.filePath("saved-normal.png")));
+        m_screen->enableCompareSetsMode();
+        tap("Ground floor");
+        tap("Attic");
+        QCoreApplication::processEvents();
+        QVERIFY(m_nav->grab().save(folder.filePath("saved-compare.png")));
+        QCOMPARE(m_screen->title(), BMI18NManager::stringForCode("fairzones_historical_results_saved_compare_title"));
+    }
+
+private:
+    FZSavedSpotsCell *cell(int row) const
+    {
+        return qobject_cast<FZSavedSpotsCell *>(m_screen->tableView()->cellForRowAtIndexPath(IndexPath(row, 0)));
+    }
+    QStringList names() const
+    {
+        QStringList list;
+        for (const auto &set : m_screen->allSpotsSets())
+            list << set->name();
+        return list;
+    }
+    static QString nameOf(const FZHistoricalResultSpotsSet::Ptr &set) { return set ? set->name() : QString(); }
+    void tap(const QString &name)
+    {
+        const int row = int(names().indexOf(name));
+        QVERIFY2(row >= 0, qPrintable(name));
+        m_screen->didSelectRowAtIndexPath(m_screen->tableView(), IndexPath(row, 0));
+    }
+    void choose(int index)
+    {
+        QCoreApplication::processEvents();
+        for (FZOptionsPopup *popup : m_nav->findChildren<FZOptionsPopup *>()) {
+            if (!popup->isVisible())
+                continue;
+            for (QPushButton *button : popup->optionButtons()) {
+                if (FZOptionsPopup::tagOf(button) == index) {
+                    QTest::mouseClick(button, Qt::LeftButton);
+                    return;
+                }
+            }
+        }
+        QFAIL("no popup with that option");
+    }
+
+    std::unique_ptr<TestEnvironment> m_env;
+    Brightmere::Storyboard m_board;
+    EditSetter m_setter;
+    std::unique_ptr<Brightmere::NavigationController> m_nav;
+    FZSavedSpotsViewController *m_screen = nullptr;
+};
+
+QTEST_MAIN(tst_FZSavedSpotsViewController)
+#include "tst_FZSavedSpotsViewController.moc"
