@@ -59,8 +59,11 @@ void Switch::checkStateSet()
 void Switch::nextCheckState()
 {
     // A tap slides the knob; a change from code jumps unless asked to slide.
+    // A click changes the state with checkStateSet() held back, so the knob
+    // is moved here.
     m_animateNext = true;
     QAbstractButton::nextCheckState();
+    moveKnob();
     m_animateNext = false;
 }
 

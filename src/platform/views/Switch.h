@@ -24,6 +24,9 @@ public:
 
     QSize sizeHint() const override;
 
+    // Where the knob is drawn: 0 at the off end, 1 at the on end.
+    qreal knobPosition() const { return m_position; }
+
     // How long a tap's slide takes, for every switch; 0 makes the knob jump
     // (tests and pictures want the end state at once).
     static int slideDuration();
