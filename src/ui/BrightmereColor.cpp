@@ -25,7 +25,7 @@ struct NamedColor
 
 // Several keys share a value on purpose: each names a role, and roles may
 // part ways later.
-constexpr std::array<NamedColor, 21> kTable{{
+constexpr std::array<NamedColor, 22> kTable{{
     {"norva_red_1", "FF0000"},
     {"norva_action_bar_green", "23ACA3"},
     {"dark_blue", "066DA9"},
@@ -47,6 +47,7 @@ constexpr std::array<NamedColor, 21> kTable{{
     {"wifi_health_good", "73FF73"},
     {"wifi_health_poor", "FF7373"},
     {"wifi_health_working", "2769C0"},
+    {"fz_report_text", "333333"},
 }};
 
 // Components of a difference below this (in QColor's 16-bit units) come from

@@ -75,6 +75,7 @@ void tst_BrightmereColor::namedColors_data()
         {"unselected_button_blue", "2d8fc8"}, {"wifi_health_average", "ffd24d"},
         {"wifi_health_good", "73ff73"},     {"wifi_health_poor", "ff7373"},
         {"wifi_health_working", "2769c0"},
+        {"fz_report_text", "333333"},
     };
     for (const auto &[key, hex] : table)
         QTest::newRow(key) << QString::fromLatin1(key) << QString::fromLatin1(hex);
@@ -90,7 +91,7 @@ void tst_BrightmereColor::namedColors()
     QFETCH(QString, hex);
     LogCapture log;
     const QColor color = Color::named(key);
-    QCOMPARE(Color::namedColorKeys().size(), 21);
+    QCOMPARE(Color::namedColorKeys().size(), 22);
     QCOMPARE(Color::namedColorKeys().contains(key), !hex.isEmpty());
     if (hex.isEmpty()) {
         QVERIFY(!color.isValid());

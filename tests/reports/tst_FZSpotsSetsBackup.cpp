@@ -1,0 +1,233 @@
+#include "reports/FZSpotsSetsBackup.h"
+
+#include "LogCapture.h"
+#include "ReportFixtures.h"
+#include "TestEnvironment.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+using namespace ReportFixtures;
+using Set = FZHistoricalResultSpotsSet;
+
+namespace {
+
+QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A set with every kind of value a spot can hold.
+Set::Ptr richSet()
+{
+    auto set = makeSet(QStringLiteral("Casa, planta 1 \"A\" 客厅"), {"Cocina", "Salón"}, {12.345678901234, 0.0});
+    auto odd = WifiTestResult::create(qQNaN(), 763637999.125);
+    odd->setAverage(true);
+    odd->setDuration(7.25);
+    odd->setCoordinate(BMLocationCoordinate2D{40.4168, -3.7038});
+    set->mutableSpots().append(odd);  // no label, SSID or BSSID at all
+    return set;
+}
+
+} // namespace
+
+class tst_FZSpotsSetsBackup : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_env = std::make_unique<TestEnvironment>(); }
+    void cleanup() { m_env.reset(); }
+
+    void roundTripGivesTheStoreBack();
+    void restoreMerges_data();
+    void restoreMerges();
+    void refusedFileLeavesTheStoreAlone_data();
+    void refusedFileLeavesTheStoreAlone();
+
+private:
+    std::unique_ptr<TestEnvironment> m_env;
+};
+
+void tst_FZSpotsSetsBackup::roundTripGivesTheStoreBack()
+{
+    QVERIFY(Set::saveSpotSet(richSet()));
+    QVERIFY(Set::saveSpotSet(numberedSet("Office", 30)));
+    QVERIFY(Set::saveSpotSet(makeSet("Empty", {})));
+    const Set::Dictionary before = Set::allSpotsSetsDictionary();
+    const QString path = m_env->filePath("backup.json");
+    QVERIFY(FZSpotsSetsBackup::writeBackup(path).isOk());
+    QCOMPARE(QJsonDocument::fromJson(fileBytes(path)).object().value("formatVersion").toInt(), 1);
+
+    Set::deleteAllSpotsSets();
+    QVERIFY(Set::allSpotsSetsDictionary().isEmpty());
+    const FZReportResult result = FZSpotsSetsBackup::restoreBackup(path);
+    QVERIFY2(result.isOk(), qPrintable(result.message()));
+    QCOMPARE(result.addedTitles().size(), 3);
+
+    const Set::Dictionary after = Set::allSpotsSetsDictionary();
+    QCOMPARE(after.keys(), before.keys());
+    for (const QString &title : before.keys()) {
+        QVERIFY2(FZSpotsSetsBackup::hasSameContent(*after.value(title), *before.value(title)), qPrintable(title));
+        QCOMPARE(after.value(title)->name(), title);
+    }
+    const auto odd = after.value(richSet()->name())->mutableSpots().last();
+    QVERIFY(odd->label().isNull());
+    QVERIFY(qIsNaN(odd->speedInMbps()));
+    QCOMPARE(odd->coordinate()->longitude, -3.7038);
+    // A backup of the restored store is the very same file.
+    QCOMPARE(FZSpotsSetsBackup::backupJsonOfStore(), fileBytes(path));
+}
+
+void tst_FZSpotsSetsBackup::restoreMerges_data()
+{
+    QTest::addColumn<QStringList>("storedTitles");  // "Title" or "Title=other" for other content
+    QTest::addColumn<QStringList>("fileTitles");
+    QTest::addColumn<QStringList>("added");
+    QTest::addColumn<QStringList>("skipped");
+    QTest::addColumn<QStringList>("titlesAfter");
+    QTest::newRow("into an empty store") << QStringList{} << QStringList{"Home", "Office"}
+                                         << QStringList{"Home", "Office"} << QStringList{}
+                                         << QStringList{"Home", "Office"};
+    QTest::newRow("identical set skipped") << QStringList{"Home"} << QStringList{"Home", "Office"}
+                                           << QStringList{"Office"} << QStringList{"Home"}
+                                           << QStringList{"Home", "Office"};
+    QTest::newRow("other content renamed") << QStringList{"Home=other"} << QStringList{"Home"}
+                                           << QStringList{"Home (2)"} << QStringList{}
+                                           << QStringList{"Home", "Home (2)"};
+    QTest::newRow("next free number") << QStringList{"Home=other", "Home (2)=other"} << QStringList{"Home"}
+                                      << QStringList{"Home (3)"} << QStringList{}
+                                      << QStringList{"Home", "Home (2)", "Home (3)"};
+    QTest::newRow("already restored under a new title") << QStringList{"Home=other", "Home (2)"}
+                                                        << QStringList{"Home"} << QStringList{}
+                                                        << QStringList{"Home"} << QStringList{"Home", "Home (2)"};
+}
+
+void tst_FZSpotsSetsBackup::restoreMerges()
+{
+    QFETCH(QStringList, storedTitles);
+    QFETCH(QStringList, fileTitles);
+    QFETCH(QStringList, added);
+    QFETCH(QStringList, skipped);
+    QFETCH(QStringList, titlesAfter);
+    // "Home" in the file is the set makeSet builds; other content differs by one speed.
+    Set::Dictionary fileSets;
+    for (const QString &title : fileTitles)
+        fileSets.insert(title, makeSet(title, {"Kitchen", "Hall"}));
+    for (const QString &entry : storedTitles) {
+        const QString title = entry.section(u'=', 0, 0);
+        auto set = makeSet(title, {"Kitchen", "Hall"}, entry.endsWith("=other") ? QList<double>{10, 99} : QList<double>{});
+        QVERIFY(Set::saveSpotSet(set));
+    }
+    const Set::Dictionary storedBefore = Set::allSpotsSetsDictionary();
+    const QByteArray json = FZSpotsSetsBackup::backupJson(fileSets);
+
+    const FZReportResult result = FZSpotsSetsBackup::restoreBackupJson(json);
+    QVERIFY2(result.isOk(), qPrintable(result.message()));
+    QCOMPARE(result.addedTitles(), added);
+    QCOMPARE(result.skippedTitles(), skipped);
+    const Set::Dictionary after = Set::allSpotsSetsDictionary();
+    QCOMPARE(after.keys(), titlesAfter);
+    // Nothing stored was replaced.
+    for (const QString &title : storedBefore.keys())
+        QVERIFY(FZSpotsSetsBackup::hasSameContent(*after.value(title), *storedBefore.value(title)));
+
+    // Restoring the same file again adds nothing and writes nothing.
+    const QByteArray stored = fileBytes(m_env->defaultsFilePath());
+    const FZReportResult again = FZSpotsSetsBackup::restoreBackupJson(json);
+    QVERIFY(again.isOk());
+    QCOMPARE(again.addedTitles(), QStringList());
+    QCOMPARE(again.skippedTitles(), fileTitles);
+    QCOMPARE(fileBytes(m_env->defaultsFilePath()), stored);
+}
+
+void tst_FZSpotsSetsBackup::refusedFileLeavesTheStoreAlone_data()
+{
+    Set::Dictionary sets;
+    sets.insert("Home", makeSet("Home", {"Kitchen"}));
+    const QByteArray good = FZSpotsSetsBackup::backupJson(sets);
+    const auto edited = [&good](const std::function<void(QJsonObject &set, QJsonObject &spot, QJsonObject &root)> &edit) {
+        QJsonObject root = QJsonDocument::fromJson(good).object();
+        QJsonArray sets = root.value("sets").toArray();
+        QJsonObject set = sets.at(0).toObject();
+        QJsonArray spots = set.value("spots").toArray();
+        QJsonObject spot = spots.at(0).toObject();
+        edit(set, spot, root);
+        // Put the edited parts back, unless the edit removed or replaced their container.
+        if (set.value("spots").isArray()) {
+            spots[0] = spot;
+            set.insert("spots", spots);
+        }
+        if (root.value("sets").isArray()) {
+            sets[0] = set;
+            root.insert("sets", sets);
+        }
+        return QJsonDocument(root).toJson();
+    };
+
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("emptyStore");
+    using E = FZReportResult::Error;
+    QTest::newRow("empty file") << QByteArray() << int(E::Malformed) << false;
+    QTest::newRow("not JSON") << QByteArray("Home,Kitchen,12.5") << int(E::Malformed) << false;
+    QTest::newRow("truncated") << good.left(good.size() / 2) << int(E::Malformed) << false;
+    QTest::newRow("truncated, into an empty store") << good.left(good.size() - 3) << int(E::Malformed) << true;
+    QTest::newRow("a list, not an object") << QByteArray("[1, 2]") << int(E::Malformed) << false;
+    QTest::newRow("another kind of file") << edited([](auto &, auto &, QJsonObject &root) { root.insert("format", "notes"); })
+                                          << int(E::Malformed) << false;
+    QTest::newRow("future version") << edited([](auto &, auto &, QJsonObject &root) { root.insert("formatVersion", 2); })
+                                    << int(E::FutureVersion) << false;
+    QTest::newRow("version as text") << edited([](auto &, auto &, QJsonObject &root) { root.insert("formatVersion", "1"); })
+                                     << int(E::WrongTypes) << false;
+    QTest::newRow("sets not a list") << edited([](auto &, auto &, QJsonObject &root) { root.insert("sets", QJsonObject()); })
+                                     << int(E::WrongTypes) << false;
+    QTest::newRow("title a number") << edited([](QJsonObject &set, auto &, auto &) { set.insert("title", 7); })
+                                    << int(E::WrongTypes) << false;
+    QTest::newRow("date not a time") << edited([](QJsonObject &set, auto &, auto &) { set.insert("date", "yesterday"); })
+                                     << int(E::WrongTypes) << false;
+    QTest::newRow("spots missing") << edited([](QJsonObject &set, auto &, auto &) { set.remove("spots"); })
+                                   << int(E::WrongTypes) << false;
+    QTest::newRow("speed as text") << edited([](auto &, QJsonObject &spot, auto &) { spot.insert("speedInMbps", "12.5"); })
+                                   << int(E::WrongTypes) << false;
+    QTest::newRow("average as word") << edited([](auto &, QJsonObject &spot, auto &) { spot.insert("average", "yes"); })
+                                     << int(E::WrongTypes) << false;
+    QTest::newRow("label missing") << edited([](auto &, QJsonObject &spot, auto &) { spot.remove("label"); })
+                                   << int(E::WrongTypes) << false;
+    QTest::newRow("coordinate a list") << edited([](auto &, QJsonObject &spot, auto &) { spot.insert("coordinate", QJsonArray{1, 2}); })
+                                       << int(E::WrongTypes) << false;
+}
+
+void tst_FZSpotsSetsBackup::refusedFileLeavesTheStoreAlone()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(int, error);
+    QFETCH(bool, emptyStore);
+    if (!emptyStore) {
+        QVERIFY(Set::saveSpotSet(makeSet("Home", {"Kitchen"}, {55.0})));
+        QVERIFY(Set::saveSpotSet(numberedSet("Office", 5)));
+    }
+    const QByteArray defaults = fileBytes(m_env->defaultsFilePath());
+    const auto archive = Set::savedSpotsSetsDictionary();
+    const QString path = m_env->filePath("backup.json");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(json);
+    file.close();
+
+    LogCapture log;
+    const FZReportResult result = FZSpotsSetsBackup::restoreBackup(path);
+    QCOMPARE(int(result.error()), error);
+    QVERIFY(!result.message().isEmpty());
+    QVERIFY(log.contains(QStringLiteral("backup refused")));
+    QCOMPARE(fileBytes(m_env->defaultsFilePath()), defaults);
+    QCOMPARE(QFile::exists(m_env->defaultsFilePath()), !emptyStore);
+    QCOMPARE(Set::savedSpotsSetsDictionary(), archive);
+    QVERIFY(result.addedTitles().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_FZSpotsSetsBackup)
+#include "tst_FZSpotsSetsBackup.moc"
