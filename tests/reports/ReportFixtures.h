@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 // Sets with known values for the report tests.
 namespace ReportFixtures {
 
@@ -42,16 +44,40 @@ inline FZHistoricalResultSpotsSet::Ptr numberedSet(const QString &name, int coun
     return makeSet(name, labels, speeds);
 }
 
-// The lines of a CSV without its byte-order mark, split at CRLF.
-inline QStringList csvLines(const QByteArray &csv)
+// A reader as strict as a spreadsheet's: RFC 4180 fields, CRLF between records.
+inline QList<QStringList> parseCsv(const QByteArray &csv)
 {
     QString text = QString::fromUtf8(csv);
     if (text.startsWith(QChar(0xFEFF)))
         text.remove(0, 1);
-    QStringList lines = text.split(QStringLiteral("\r\n"));
-    if (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    return lines;
+    QList<QStringList> records{QStringList()};
+    QString field;
+    bool quoted = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (quoted && c == u'"' && i + 1 < text.size() && text.at(i + 1) == u'"')
+            field.append(text.at(++i));
+        else if (c == u'"')
+            quoted = !quoted;
+        else if (!quoted && c == u',')
+            records.last().append(std::exchange(field, QString()));
+        else if (!quoted && c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n')
+            (records.last().append(std::exchange(field, QString())), records.append(QStringList()), ++i);
+        else
+            field.append(c);
+    }
+    if (records.last().isEmpty() && field.isEmpty())
+        records.removeLast();
+    return records;
+}
+
+// The first field of each record after the header.
+inline QStringList firstColumn(const QByteArray &csv)
+{
+    QStringList labels;
+    for (const QStringList &record : parseCsv(csv).mid(1))
+        labels.append(record.value(0));
+    return labels;
 }
 
 } // namespace ReportFixtures
