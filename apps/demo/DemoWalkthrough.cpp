@@ -28,6 +28,7 @@
 #include "session/BMSpeedRecordCell.h"
 #include "session/BMWifiScanVC.h"
 
+#include <QAbstractAnimation>
 #include <QApplication>
 #include <QEventLoop>
 #include <QLineEdit>
@@ -46,12 +47,19 @@ constexpr int kConfirmDeleteOption = 3;
 constexpr int kSaveMenuOption = 1;
 constexpr int kSavePromptOption = 2;
 
-// What the event loop would do between two user actions, closed popups
-// included (they go by deleteLater).
+// What the event loop would do between two user actions: closed popups go
+// (by deleteLater) and fades run to their end, so no picture catches a
+// half-faded row, whatever the machine's speed.
 void settle()
 {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        for (QAbstractAnimation *animation : window->findChildren<QAbstractAnimation *>()) {
+            if (animation->state() == QAbstractAnimation::Running && animation->totalDuration() > 0)
+                animation->setCurrentTime(animation->totalDuration());
+        }
+    }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
@@ -91,8 +99,9 @@ DemoWalkthrough::DemoWalkthrough(const QString &folder, QTextStream &out)
     BMSDKBackend::setClock(&m_clock);
     BMSDKBackend::setSampleInterval(kInterval);
     BMSDKBackend::setSimulatedTrace(kFirstRunTrace);
-    // Scrolls land at once: a picture never catches one half way.
+    // Scrolls and switches land at once: a picture never catches one half way.
     Brightmere::ScrollView::setAnimationDuration(0);
+    Brightmere::Switch::setSlideDuration(0);
     m_ready = true;
 }
 
@@ -158,10 +167,13 @@ bool DemoWalkthrough::step(const QString &name, const Action &action)
 {
     Step done;
     done.name = name;
-    done.ok = action(done.detail);
     const int number = int(m_steps.size()) + 1;
     done.picture = m_folder.filePath(QStringLiteral("%1-%2.png").arg(number, 2, 10, QLatin1Char('0')).arg(name));
-    if (!snap(done.picture)) {
+    m_picture = done.picture;
+    m_pictureTaken = false;
+    done.ok = action(done.detail);
+    // A step pictures where it ends unless it pictured its key moment itself.
+    if (!m_pictureTaken && !snapStep()) {
         done.ok = false;
         done.detail += QStringLiteral(" (picture not saved)");
     }
@@ -169,6 +181,12 @@ bool DemoWalkthrough::step(const QString &name, const Action &action)
           << Qt::endl;
     m_steps << done;
     return done.ok;
+}
+
+bool DemoWalkthrough::snapStep()
+{
+    m_pictureTaken = snap(m_picture);
+    return m_pictureTaken;
 }
 
 // Through the history menu and the title prompt, as a user saves a run.
@@ -181,6 +199,7 @@ bool DemoWalkthrough::saveRunAs(const QString &title, QString &detail)
         return false;
     }
     scan->spotNameTextField()->setText(title);
+    snapStep(); // the prompt with the title typed
     choose(scan->saveCurrentSpotAlert(), kSavePromptOption);
     auto *list = top<FZSavedSpotsViewController>();
     if (!list || !setNames(list).contains(title)) {

@@ -62,6 +62,7 @@ private:
     using Action = std::function<bool(QString &detail)>;
     bool step(const QString &name, const Action &action);
     bool snap(const QString &path);
+    bool snapStep();
     void results(int count);
     void recordSpot(int resultsWhileHeld);
     bool choose(FZOptionsPopup *popup, int index);
@@ -77,10 +78,15 @@ private:
     QDir m_folder;
     QTextStream &m_out;
     bool m_ready = false;
-    Brightmere::ManualClock m_clock{1000.0};
+    // The clock counts seconds from 2001-01-01 UTC: a spring morning of 2026,
+    // so the saved sets carry a believable date.
+    static constexpr double kStart = 799581600.0;
+    Brightmere::ManualClock m_clock{kStart};
     DemoWindow *m_window = nullptr;
     bool m_withService = false;
     QList<Step> m_steps;
+    QString m_picture;
+    bool m_pictureTaken = false;
     QStringList m_spotTables;
     QStringList m_compareTable;
 };
