@@ -81,7 +81,7 @@ DemoOptions DemoOptions::parse(const QStringList &arguments, const QProcessEnvir
         options.errors << QStringLiteral("--walkthrough and --screenshot exclude each other");
     // The walk is scripted on the simulated network; a real tester would make it a lottery.
     if (!options.walkthroughDir.isEmpty() && !options.testerUrl.isEmpty())
-        options.errors << QStringLiteral("--walkthrough runs on the simulated network only; drop --tester");
+        options.errors << QStringLiteral("--walkthrough runs on the simulated network only; drop --tester (or BRIGHTMERE_DOWNLOAD_URL)");
     return options;
 }
 

@@ -2,6 +2,7 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoWalkthrough.h"
 #include "DemoWindow.h"
 #include "LogCapture.h"
 #include "TestEnvironment.h"
@@ -16,7 +17,10 @@
 #include "storyboard/BMSDKUIStoryboard.h"
 #include "ui/BMScreenChangeNotification.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QToolButton>
 #include <QTest>
 
@@ -167,6 +171,70 @@ private Q_SLOTS:
         QTEST(QString::fromLatin1(top->metaObject()->className()), "screen");
         QVERIFY(window->navigation()->viewControllers().size() <= 2);
         QTEST(BMI18NManager::sharedInstance()->currentLanguage(), "language");
+    }
+
+    // The whole tour in process: what the summary tells must match what was
+    // done, and the password given never shows.
+    void walkthroughSummary()
+    {
+        LogCapture capture;
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir folder;
+        DemoWalkthrough walk(folder.path(), out);
+        QVERIFY(walk.isReady());
+        DemoOptions options;
+        options.password = QString::fromLatin1(kPassword);
+        auto window = makeWindow(options);
+        QVERIFY(walk.run(window.get(), options));
+        const QString summary = walk.summary();
+        QCOMPARE(walk.steps().size(), 18);
+        for (const DemoWalkthrough::Step &step : walk.steps())
+            QVERIFY2(QFileInfo(step.picture).size() > 10000, qPrintable(step.picture));
+        QVERIFY(QFileInfo::exists(folder.filePath("09-save-ground-floor.png")));
+        // Rows of the compare table: first set, then second, as measured.
+        QVERIFY(summary.contains("spot | Ground floor | After moving router"));
+        QVERIFY(summary.contains("Kitchen | 12.0 Mbps | 22.0 Mbps"));
+        QVERIFY(summary.contains("first run: Spot 4 16.7 Mbps, Spot 3 23.2 Mbps, Kitchen 12.0 Mbps"));
+        QVERIFY(summary.contains("18 steps, 0 failed"));
+        QCOMPARE(text.count(QStringLiteral("] ok  ")), 18);
+        QVERIFY(!text.contains(QString::fromLatin1(kPassword)) && !summary.contains(QString::fromLatin1(kPassword)));
+        for (const LogCapture::Line &line : capture.lines())
+            QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
+        window.reset();
+    }
+
+    // A step that cannot save its picture fails, and the tour stops there.
+    void walkthroughStopsAtTheFirstFailedStep()
+    {
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkdir("02-preparing.png")); // a folder where the picture should go
+        DemoWalkthrough walk(folder.path(), out);
+        auto window = makeWindow(DemoOptions());
+        QVERIFY(!walk.run(window.get(), DemoOptions()));
+        QCOMPARE(walk.steps().size(), 2);
+        QVERIFY(walk.steps().at(0).ok);
+        QVERIFY(!walk.steps().at(1).ok);
+        QVERIFY(walk.summary().contains("FAIL  preparing: tester setting up (picture not saved)"));
+        QVERIFY(walk.summary().contains("2 steps, 1 failed"));
+        QVERIFY(text.contains("walkthrough stopped at preparing"));
+        window.reset();
+    }
+
+    void walkthroughNeedsAFolder()
+    {
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir parent;
+        QFile file(parent.filePath("taken"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        DemoWalkthrough walk(parent.filePath("taken"), out);
+        QVERIFY(!walk.isReady());
+        QVERIFY(!walk.run(nullptr, DemoOptions()));
+        QVERIFY(text.contains("cannot prepare"));
     }
 
 private:
