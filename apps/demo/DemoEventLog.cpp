@@ -7,7 +7,7 @@
 #include <QFontMetrics>
 #include <QPlainTextEdit>
 #include <QScrollBar>
-#include <QToolButton>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,16 +34,15 @@ DemoEventLog::DemoEventLog(QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 
-    m_header = new QToolButton(this);
+    m_header = new QPushButton(this);
     m_header->setObjectName(QStringLiteral("demoEventLogHeader"));
-    m_header->setToolButtonStyle(Qt::ToolButtonTextOnly);
     m_header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_header->setFixedHeight(kCollapsedHeight);
     m_header->setFont(logFont(9, QFont::DemiBold));
-    m_header->setStyleSheet(QStringLiteral("QToolButton { background: %1; color: %2; border: none;"
+    m_header->setStyleSheet(QStringLiteral("QPushButton { background: %1; color: %2; border: none;"
                                            " border-top: 1px solid %3; text-align: left; padding-left: 10px; }")
                                 .arg(hex("fixed_dark_blue"), hex("fz_chart_back"), hex("strong_medium_blue")));
-    connect(m_header, &QToolButton::clicked, this, [this] { setExpanded(!m_expanded); });
+    connect(m_header, &QPushButton::clicked, this, [this] { setExpanded(!m_expanded); });
     layout->addWidget(m_header);
 
     m_text = new QPlainTextEdit(this);

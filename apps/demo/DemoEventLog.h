@@ -4,7 +4,7 @@
 #include <QWidget>
 
 class QPlainTextEdit;
-class QToolButton;
+class QPushButton;
 
 // The host's record of what the kit told it, as a thin strip under the
 // screens: its header shows the count and the newest line; a tap on it
@@ -28,7 +28,7 @@ public:
     bool isExpanded() const { return m_expanded; }
     void setExpanded(bool expanded);
     void clear();
-    QToolButton *header() const { return m_header; }
+    QPushButton *header() const { return m_header; }
 
 Q_SIGNALS:
     void lineAppended(const QString &line);
@@ -42,6 +42,6 @@ private:
     QStringList m_lines;
     int m_total = 0;
     bool m_expanded = false;
-    QToolButton *m_header = nullptr;
+    QPushButton *m_header = nullptr;
     QPlainTextEdit *m_text = nullptr;
 };

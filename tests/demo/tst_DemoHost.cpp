@@ -21,7 +21,7 @@
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QToolButton>
+#include <QPushButton>
 #include <QTest>
 
 // The demo host's own parts: what its command line means, the event log,
