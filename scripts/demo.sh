@@ -1,6 +1,10 @@
 #!/usr/bin/env bash
 # Command 1 of the quick start: build everything and run the demo host.
-# Without a display the demo runs offscreen and saves what it shows as PNG.
+# With a display it opens in a phone-sized window. Without one it runs the
+# headless walkthrough offscreen: a picture per step into build/walkthrough/
+# (or BRIGHTMERE_WALKTHROUGH_DIR) and a summary on standard output; the exit
+# code is the walkthrough's (0 only when every step did what it should).
+# Arguments after the script's own go to the demo (see --help).
 #
 # The loopback localisation service starts with it on a free port, serving
 # tools/localisation-service/bundles, and the demo downloads its texts from
@@ -20,9 +24,10 @@ fi
 
 demo_args=("$@")
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
-    echo "No display found: running the demo offscreen."
+    walk_dir=${BRIGHTMERE_WALKTHROUGH_DIR:-"$build_dir/walkthrough"}
+    echo "No display found: running the walkthrough offscreen into $walk_dir."
     export QT_QPA_PLATFORM=offscreen
-    demo_args=(--screenshot "$build_dir/demo.png" "$@")
+    demo_args=(--walkthrough "$walk_dir" "$@")
 fi
 
 if [ "$with_service" -eq 0 ]; then
@@ -48,4 +53,4 @@ if [ -z "$url" ]; then
     exit 1
 fi
 echo "Localisation service at $url"
-BRIGHTMERE_I18N_URL="$url" "$build_dir/apps/demo/brightmere_demo" "${demo_args[@]}"
+"$build_dir/apps/demo/brightmere_demo" --i18n-service "$url" "${demo_args[@]}"

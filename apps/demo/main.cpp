@@ -1,13 +1,19 @@
 // The demo host: how a newcomer runs the kit. It embeds the kit the way a
-// customer's application does: a navigation stack with the Fairzone test
-// screen at its root, measuring the simulated home network unless
-// BRIGHTMERE_DOWNLOAD_URL names a file to measure for real. The customer's
-// name and password come from BRIGHTMERE_CUSTOMER and BRIGHTMERE_PASSWORD;
-// the password goes to the screen and nowhere else. With --screenshot it
-// starts a test, renders its window to a PNG a few seconds later and exits,
-// which is how it runs where there is no display. When BRIGHTMERE_I18N_URL (or the core
-// library's BRIGHTMERE_SERVER_URL) names a localisation service, the texts
-// are refreshed from it at start.
+// customer's application does (see DemoWindow) and measures the simulated
+// home network unless --tester names an address to measure for real.
+//
+//   brightmere_demo                      interactive, in a phone-sized window
+//   brightmere_demo --walkthrough DIR    headless tour, pictures into DIR
+//   brightmere_demo --screenshot FILE    one picture of a running test
+//
+// The customer's name and password come from --customer/--password or
+// BRIGHTMERE_CUSTOMER/BRIGHTMERE_PASSWORD; the password goes to the screen
+// and nowhere else. --i18n-service (or BRIGHTMERE_I18N_URL, or the core
+// library's BRIGHTMERE_SERVER_URL) names a localisation service whose texts
+// are fetched at start.
+#include "DemoOptions.h"
+#include "DemoWalkthrough.h"
+#include "DemoWindow.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
@@ -16,57 +22,75 @@
 #include "storyboard/BMSDKUIStoryboard.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QTextStream>
 #include <QTimer>
-#include <QUrl>
+
+#include <memory>
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("BrightmereDemo"));
     QApplication::setOrganizationName(QStringLiteral("Brightmere"));
+    QTextStream out(stdout);
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
-    parser.addHelpOption();
-    QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                  QStringLiteral("Run a few seconds, render the window to <file> (PNG) and exit."),
-                                  QStringLiteral("file"));
-    parser.addOption(screenshot);
-    parser.process(app);
-
-    const QString downloadUrl = qEnvironmentVariable("BRIGHTMERE_DOWNLOAD_URL");
-    if (!downloadUrl.isEmpty()) {
-        BMSDKBackend::setKind(BMSDKBackend::Kind::System);
-        BMSDKBackend::setSystemDownloadUrl(QUrl(downloadUrl));
+    const DemoOptions options = DemoOptions::parse(QApplication::arguments(), QProcessEnvironment::systemEnvironment());
+    if (options.helpShown) {
+        out << DemoOptions::helpText();
+        return 0;
+    }
+    if (!options.isValid()) {
+        QTextStream err(stderr);
+        for (const QString &error : options.errors)
+            err << "brightmere_demo: " << error << '\n';
+        err << DemoOptions::helpText();
+        return 2;
     }
 
-    const QString i18nUrl = qEnvironmentVariable("BRIGHTMERE_I18N_URL");
-    if (!i18nUrl.isEmpty())
-        BMSDKRestServiceManager::setBrightmereServerURL(i18nUrl);
-    if (!i18nUrl.isEmpty() || !qEnvironmentVariable("BRIGHTMERE_SERVER_URL").isEmpty())
-        BMI18NManager::sharedInstance()->updateBundleTexts();
+    // The tour sets up its own world before anything of the kit reads settings.
+    std::unique_ptr<DemoWalkthrough> walkthrough;
+    if (!options.walkthroughDir.isEmpty()) {
+        walkthrough = std::make_unique<DemoWalkthrough>(options.walkthroughDir, out);
+        if (!walkthrough->isReady())
+            return 1;
+    } else if (!options.testerUrl.isEmpty()) {
+        BMSDKBackend::setKind(BMSDKBackend::Kind::System);
+        BMSDKBackend::setSystemDownloadUrl(options.testerUrl);
+    }
 
-    // Once, before any screen: the saved-results screens are reached by segue.
+    if (!options.i18nServiceUrl.isEmpty())
+        BMSDKRestServiceManager::setBrightmereServerURL(options.i18nServiceUrl.toString());
+    // Once, before any screen: the saved-results and settings screens are reached by segue.
     BMSDKUIStoryboard::registerSegues();
-    auto *scan = new BMWifiScanVC;
-    const QString customer = qEnvironmentVariable("BRIGHTMERE_CUSTOMER");
-    scan->setSdkCustomer(customer.isEmpty() ? QStringLiteral("demo") : customer);
-    scan->setSdkPassword(qEnvironmentVariable("BRIGHTMERE_PASSWORD"));
-    Brightmere::NavigationController navigation(scan);
-    navigation.setWindowTitle(QStringLiteral("Brightmere demo"));
-    navigation.resize(390, 700);
-    navigation.show();
 
-    if (parser.isSet(screenshot)) {
-        const QString path = parser.value(screenshot);
+    DemoWindow window(options);
+    out << "Demo host: customer " << options.customer << ", "
+        << (options.password.isEmpty() ? "no password" : "password given") << ", "
+        << (options.testerUrl.isEmpty() || walkthrough ? QStringLiteral("simulated network")
+                                                       : QStringLiteral("tester ") + options.testerUrl.toString())
+        << ", texts "
+        << (options.i18nServiceUrl.isEmpty() ? QStringLiteral("built in") : options.i18nServiceUrl.toString())
+        << Qt::endl;
+
+    if (walkthrough) {
+        const bool ok = walkthrough->run(&window, options);
+        out << walkthrough->summary() << Qt::flush;
+        return ok ? 0 : 1;
+    }
+
+    if (!options.i18nServiceUrl.isEmpty() || !qEnvironmentVariable("BRIGHTMERE_SERVER_URL").isEmpty())
+        BMI18NManager::sharedInstance()->updateBundleTexts();
+    window.show();
+
+    if (!options.screenshotPath.isEmpty()) {
+        const QString path = options.screenshotPath;
+        BMWifiScanVC *scan = window.scan();
         // Press start as a user would, then give the tester time to set up
         // and deliver a few results.
         QTimer::singleShot(300, scan, [scan] { scan->actStartStop(); });
-        QTimer::singleShot(4000, &navigation, [&navigation, path] {
-            const bool saved = navigation.grab().save(path);
-            QTextStream(stdout) << (saved ? "Saved the demo window to " : "Could not save ") << path << '\n';
+        QTimer::singleShot(4000, &window, [&window, &out, path] {
+            const bool saved = window.grab().save(path);
+            out << (saved ? "Saved the demo window to " : "Could not save ") << path << Qt::endl;
             QApplication::exit(saved ? 0 : 1);
         });
     }

@@ -1,0 +1,523 @@
+#include "DemoWalkthrough.h"
+
+#include "DemoEventLog.h"
+#include "DemoHostDelegate.h"
+#include "DemoMenu.h"
+#include "DemoOptions.h"
+#include "DemoWindow.h"
+#include "core/BMSDKBackend.h"
+#include "core/BMSimulatedNetwork.h"
+#include "i18n/BMI18NManager.h"
+#include "model/BMSDKUISettings.h"
+#include "model/FZResultSpotsSetsComparison.h"
+#include "platform/foundation/UserDefaults.h"
+#include "platform/views/BarButtonItem.h"
+#include "platform/views/NavigationController.h"
+#include "platform/views/PageControl.h"
+#include "platform/views/ScrollView.h"
+#include "platform/views/Switch.h"
+#include "platform/views/TableView.h"
+#include "popups/FZConfirmSpotModificationPopup.h"
+#include "popups/FZOptionsPopup.h"
+#include "popups/FZTextViewOptionsPopup.h"
+#include "screens/results/FZCompareSpotsSetsViewController.h"
+#include "screens/results/FZSavedSpotsViewController.h"
+#include "screens/results/FZSpotsSetViewController.h"
+#include "screens/settings/FZMiscellaneousSettingsViewController.h"
+#include "screens/settings/FZSpotNamesSettingsViewController.h"
+#include "session/BMSpeedRecordCell.h"
+#include "session/BMWifiScanVC.h"
+
+#include <QAbstractAnimation>
+#include <QApplication>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+// The first run's walk: a slow room, a fair one, a good one, a fast one.
+const QList<double> kFirstRunTrace{8.0, 12.0, 30.0, 45.0};
+// After moving the router every room is faster.
+const QList<double> kSecondRunTrace{22.0, 35.0, 48.0, 60.0};
+// Popup options as the kit numbers them (0 is the title).
+constexpr int kReplaceOption = 4;
+constexpr int kConfirmDeleteOption = 3;
+constexpr int kSaveMenuOption = 1;
+constexpr int kSavePromptOption = 2;
+
+// What the event loop would do between two user actions: closed popups go
+// (by deleteLater) and fades run to their end, so no picture catches a
+// half-faded row, whatever the machine's speed.
+void settle()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        for (QAbstractAnimation *animation : window->findChildren<QAbstractAnimation *>()) {
+            if (animation->state() == QAbstractAnimation::Running && animation->totalDuration() > 0)
+                animation->setCurrentTime(animation->totalDuration());
+        }
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QString mbps(double speed)
+{
+    return QString::number(speed, 'f', 1) + QStringLiteral(" Mbps");
+}
+
+QStringList setNames(FZSavedSpotsViewController *list)
+{
+    QStringList names;
+    for (const auto &set : list->allSpotsSets())
+        names << set->name();
+    return names;
+}
+
+} // namespace
+
+DemoWalkthrough::DemoWalkthrough(const QString &folder, QTextStream &out)
+    : m_folder(folder)
+    , m_out(out)
+{
+    if (!m_home.isValid() || !m_folder.mkpath(QStringLiteral("."))) {
+        m_out << "walkthrough: cannot prepare " << (m_home.isValid() ? folder : m_home.path()) << '\n';
+        return;
+    }
+    // Settings, saved sets and text caches all go under the temporary home.
+    for (const char *variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
+        const QString path = m_home.filePath(QString::fromLatin1(variable).toLower());
+        QDir().mkpath(path);
+        qputenv(variable, path.toLocal8Bit());
+    }
+    Brightmere::UserDefaults::setStandardFilePath(m_home.filePath(QStringLiteral("defaults.ini")));
+    BMSDKBackend::reset();
+    BMSimulatedNetwork::shared().reset();
+    BMSDKBackend::setKind(BMSDKBackend::Kind::Simulated);
+    BMSDKBackend::setClock(&m_clock);
+    BMSDKBackend::setSampleInterval(kInterval);
+    BMSDKBackend::setSimulatedTrace(kFirstRunTrace);
+    // Scrolls and switches land at once: a picture never catches one half way.
+    Brightmere::ScrollView::setAnimationDuration(0);
+    Brightmere::Switch::setSlideDuration(0);
+    m_ready = true;
+}
+
+DemoWalkthrough::~DemoWalkthrough()
+{
+    BMSDKBackend::setClock(nullptr);
+}
+
+void DemoWalkthrough::results(int count)
+{
+    m_clock.advance(count * kInterval);
+    settle();
+}
+
+void DemoWalkthrough::recordSpot(int resultsWhileHeld)
+{
+    m_window->scan()->actRecordResetTouchDown();
+    results(resultsWhileHeld);
+    m_window->scan()->actRecordResetTouchUp(true);
+    settle();
+}
+
+template<typename T>
+T *DemoWalkthrough::top() const
+{
+    settle();
+    return qobject_cast<T *>(m_window->navigation()->topViewController());
+}
+
+FZOptionsPopup *DemoWalkthrough::visibleOptionsPopup() const
+{
+    settle();
+    FZOptionsPopup *shown = nullptr;
+    for (FZOptionsPopup *popup : m_window->findChildren<FZOptionsPopup *>()) {
+        if (popup->isVisible())
+            shown = popup;
+    }
+    return shown;
+}
+
+// A tap on the option's button, as a user gives it.
+bool DemoWalkthrough::choose(FZOptionsPopup *popup, int index)
+{
+    if (!popup)
+        return false;
+    for (QPushButton *button : popup->optionButtons()) {
+        if (FZOptionsPopup::tagOf(button) == index) {
+            button->click();
+            settle();
+            return true;
+        }
+    }
+    return false;
+}
+
+bool DemoWalkthrough::snap(const QString &path)
+{
+    settle();
+    return m_window->grab().save(path);
+}
+
+bool DemoWalkthrough::step(const QString &name, const Action &action)
+{
+    Step done;
+    done.name = name;
+    const int number = int(m_steps.size()) + 1;
+    done.picture = m_folder.filePath(QStringLiteral("%1-%2.png").arg(number, 2, 10, QLatin1Char('0')).arg(name));
+    m_picture = done.picture;
+    m_pictureTaken = false;
+    done.ok = action(done.detail);
+    // A step pictures where it ends unless it pictured its key moment itself.
+    if (!m_pictureTaken && !snapStep()) {
+        done.ok = false;
+        done.detail += QStringLiteral(" (picture not saved)");
+    }
+    m_out << QStringLiteral("[%1] %2 %3: %4").arg(number, 2).arg(done.ok ? u"ok  " : u"FAIL", name, done.detail)
+          << Qt::endl;
+    m_steps << done;
+    return done.ok;
+}
+
+bool DemoWalkthrough::snapStep()
+{
+    m_pictureTaken = snap(m_picture);
+    return m_pictureTaken;
+}
+
+// Through the history menu and the title prompt, as a user saves a run.
+bool DemoWalkthrough::saveRunAs(const QString &title, QString &detail)
+{
+    BMWifiScanVC *scan = m_window->scan();
+    scan->historyButton()->trigger();
+    if (!choose(visibleOptionsPopup(), kSaveMenuOption) || !scan->saveCurrentSpotAlert()) {
+        detail = QStringLiteral("the save prompt did not open");
+        return false;
+    }
+    scan->spotNameTextField()->setText(title);
+    snapStep(); // the prompt with the title typed
+    choose(scan->saveCurrentSpotAlert(), kSavePromptOption);
+    auto *list = top<FZSavedSpotsViewController>();
+    if (!list || !setNames(list).contains(title)) {
+        detail = QStringLiteral("\"%1\" is not in the saved list").arg(title);
+        return false;
+    }
+    detail = QStringLiteral("saved sets: %1").arg(setNames(list).join(QStringLiteral(", ")));
+    return true;
+}
+
+// As a user does: a tap on the name, typing, the end of the edit.
+bool DemoWalkthrough::renameSpot(int row, const QString &name)
+{
+    BMWifiScanVC *scan = m_window->scan();
+    auto *cell = qobject_cast<BMSpeedRecordCell *>(scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(row, 0)));
+    if (!cell)
+        return false;
+    scan->didBeginEditingSpeedRecord(cell);
+    cell->lblArea()->setText(name);
+    scan->didEndEditingSpeedRecord(cell);
+    settle();
+    return scan->recordedSpeeds().value(row) && scan->recordedSpeeds().at(row)->label() == name;
+}
+
+QString DemoWalkthrough::spotsLine() const
+{
+    QStringList spots;
+    for (const WifiTestResult::Ptr &spot : m_window->scan()->recordedSpeeds())
+        spots << QStringLiteral("%1 %2").arg(spot->label(), mbps(spot->speedInMbps()));
+    return spots.join(QStringLiteral(", "));
+}
+
+// A refresh from the localisation service ends with one of its two
+// notifications; without a service there is nothing to wait for.
+bool DemoWalkthrough::waitForTexts()
+{
+    if (!m_withService)
+        return true;
+    QEventLoop loop;
+    bool available = false;
+    QObject::connect(m_window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed, &loop,
+                     [&](bool ok) {
+                         available = ok;
+                         loop.quit();
+                     });
+    QTimer::singleShot(10000, &loop, &QEventLoop::quit); // a local service answers in well under that
+    loop.exec();
+    return available;
+}
+
+bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
+{
+    if (!m_ready || !window)
+        return false;
+    m_window = window;
+    m_withService = !options.i18nServiceUrl.isEmpty();
+    BMWifiScanVC *scan = window->scan();
+    BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
+    // The tour shows every confirmation.
+    settings.setAlwaysReplaceRecording(false);
+    settings.setAlwaysCopyRecording(false);
+    settings.setAlwaysDeleteRecording(false);
+    window->show();
+    settle();
+
+    const QList<std::pair<QString, Action>> tour{
+        {QStringLiteral("tutorial"),
+         [&](QString &detail) {
+             Brightmere::ScrollView *strip = scan->scrollTutorial();
+             if (!strip || !scan->pageResults()) {
+                 detail = QStringLiteral("no tutorial on the first start");
+                 return false;
+             }
+             strip->setContentOffset(QPoint(strip->width(), 0), false);
+             Q_EMIT strip->didEndDecelerating();
+             settle();
+             detail = QStringLiteral("page %1 of %2").arg(scan->pageResults()->currentPage() + 1).arg(kTutorialPages);
+             return scan->pageResults()->currentPage() == 1
+                 && window->hostDelegate()->count(QStringLiteral("delegate: ScanScreenTutorialView")) == 1;
+         }},
+        {QStringLiteral("preparing"),
+         [&](QString &detail) {
+             scan->actStartStop();
+             settle();
+             detail = QStringLiteral("tester setting up");
+             return scan->isPreparingWifiTester()
+                 && window->hostDelegate()->count(QStringLiteral("notification: kWiFiFairzoneTestStarted")) == 1;
+         }},
+        {QStringLiteral("testing"),
+         [&](QString &detail) {
+             results(6);
+             detail = QStringLiteral("%1 results, last %2")
+                          .arg(scan->testedSpeeds().size())
+                          .arg(scan->testedSpeeds().isEmpty() ? QString()
+                                                              : mbps(scan->testedSpeeds().constLast()->speedInMbps()));
+             return scan->isScanning() && !scan->isPreparingWifiTester() && scan->testedSpeeds().size() >= 5;
+         }},
+        {QStringLiteral("four-spots"),
+         [&](QString &detail) {
+             for (int spot = 0; spot < 4; ++spot) {
+                 results(1);
+                 recordSpot(spot == 3 ? 2 : 0); // the last one averages a few results
+             }
+             detail = spotsLine();
+             m_spotTables << QStringLiteral("four spots: ") + detail;
+             return scan->recordedSpeeds().size() == 4;
+         }},
+        {QStringLiteral("rename"),
+         [&](QString &detail) {
+             const bool renamed = renameSpot(3, QStringLiteral("Kitchen"));
+             detail = spotsLine();
+             return renamed && scan->recordedSpeeds().constLast()->label() == u"Kitchen";
+         }},
+        {QStringLiteral("re-record"),
+         [&](QString &detail) {
+             BMSpeedRecordCell *row = qobject_cast<BMSpeedRecordCell *>(
+                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(1, 0)));
+             if (!row)
+                 return false;
+             scan->didStartTapReRecordView(row);
+             results(2);
+             scan->didFinishTapReRecordView(row);
+             settle();
+             detail = scan->editPopup() ? QStringLiteral("replace popup shown") : QStringLiteral("no replace popup");
+             return scan->editPopup() != nullptr;
+         }},
+        {QStringLiteral("replaced"),
+         [&](QString &detail) {
+             choose(scan->editPopup(), kReplaceOption);
+             detail = spotsLine();
+             return !scan->editPopup() && scan->recordedSpeeds().size() == 4;
+         }},
+        {QStringLiteral("delete"),
+         [&](QString &detail) {
+             scan->actStartStop(); // stopped, as a user deletes calmly
+             auto *row = qobject_cast<BMSpeedRecordCell *>(
+                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(2, 0)));
+             if (!row)
+                 return false;
+             const QString gone = scan->recordedSpeeds().at(2)->label();
+             row->setEditing(true, true); // as a swipe does
+             settle();
+             if (!choose(scan->editPopup(), kConfirmDeleteOption)) {
+                 detail = QStringLiteral("no delete confirmation");
+                 return false;
+             }
+             settle();
+             detail = QStringLiteral("deleted %1; %2").arg(gone, spotsLine());
+             m_spotTables << QStringLiteral("first run: ") + spotsLine();
+             return scan->recordedSpeeds().size() == 3;
+         }},
+        {QStringLiteral("save-ground-floor"),
+         [&](QString &detail) { return saveRunAs(QStringLiteral("Ground floor"), detail); }},
+        {QStringLiteral("save-after-moving-router"),
+         [&](QString &detail) {
+             window->navigation()->popToRootViewControllerAnimated(false);
+             settle();
+             scan->actRecordResetTouchDown(); // a press and release while stopped clears the run
+             scan->actRecordResetTouchUp(true);
+             BMSDKBackend::setSimulatedTrace(kSecondRunTrace);
+             scan->actStartStop();
+             results(1);
+             for (int spot = 0; spot < 3; ++spot) {
+                 results(1);
+                 recordSpot(0);
+             }
+             scan->actStartStop();
+             renameSpot(2, QStringLiteral("Kitchen")); // the same room as in the first run
+             m_spotTables << QStringLiteral("second run: ") + spotsLine();
+             return scan->recordedSpeeds().size() == 3 && saveRunAs(QStringLiteral("After moving router"), detail);
+         }},
+        {QStringLiteral("saved-list"),
+         [&](QString &detail) {
+             auto *list = top<FZSavedSpotsViewController>();
+             detail = list ? setNames(list).join(QStringLiteral(", ")) : QStringLiteral("no saved list");
+             return list && setNames(list) == QStringList({QStringLiteral("After moving router"), QStringLiteral("Ground floor")});
+         }},
+        {QStringLiteral("set-sorted"),
+         [&](QString &detail) {
+             auto *list = top<FZSavedSpotsViewController>();
+             if (!list)
+                 return false;
+             list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+             auto *set = top<FZSpotsSetViewController>();
+             if (!set)
+                 return false;
+             set->sortButtonTapped();
+             settle();
+             QStringList spots;
+             for (const WifiTestResult::Ptr &spot : set->spotsSet()->sortedSpots())
+                 spots << QStringLiteral("%1 %2").arg(spot->label(), mbps(spot->speedInMbps()));
+             detail = QStringLiteral("%1 sorted: %2").arg(set->spotsSet()->name(), spots.join(QStringLiteral(", ")));
+             return set->spotsSet()->name() == u"Ground floor" && set->spotsSet()->isSortedAscending() == 1;
+         }},
+        {QStringLiteral("compare"),
+         [&](QString &detail) {
+             window->navigation()->popViewControllerAnimated(false);
+             auto *list = top<FZSavedSpotsViewController>();
+             if (!list)
+                 return false;
+             list->enableCompareSetsMode();
+             list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+             list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+             if (!list->readyToCompareSpotsSets())
+                 return false;
+             list->forwardButton()->trigger();
+             auto *compare = top<FZCompareSpotsSetsViewController>();
+             if (!compare || !compare->spotsSetsComparison())
+                 return false;
+             const auto comparison = compare->spotsSetsComparison();
+             const bool hiding = comparison->excludeIdenticalMatches();
+             compare->hideIdenticalSwitch()->click();
+             settle();
+             m_compareTable << QStringLiteral("%1 | %2 | %3").arg(QStringLiteral("spot"), comparison->firstSet()->name(),
+                                                                    comparison->secondSet()->name());
+             for (qsizetype i = 0; i < comparison->count(); ++i) {
+                 const auto first = comparison->firstComparableSpotAtIndex(i);
+                 const auto second = comparison->secondComparableSpotAtIndex(i);
+                 m_compareTable << QStringLiteral("%1 | %2 | %3")
+                                       .arg(comparison->spotNameAtIndex(i), first ? mbps(first->speedInMbps()) : QString(),
+                                            second ? mbps(second->speedInMbps()) : QString());
+             }
+             detail = QStringLiteral("%1 spots in both, hiding identical %2")
+                          .arg(comparison->count())
+                          .arg(comparison->excludeIdenticalMatches() ? u"on" : u"off");
+             return comparison->excludeIdenticalMatches() != hiding && comparison->count() == 2;
+         }},
+        {QStringLiteral("continue-recording"),
+         [&](QString &detail) {
+             window->navigation()->popViewControllerAnimated(false);
+             auto *list = top<FZSavedSpotsViewController>();
+             if (!list)
+                 return false;
+             list->cancelCompareButton()->trigger();
+             list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+             auto *set = top<FZSpotsSetViewController>();
+             if (!set)
+                 return false;
+             set->editSpotsSet();
+             settle();
+             detail = QStringLiteral("\"%1\": %2").arg(scan->spotsSetName(), spotsLine());
+             return top<BMWifiScanVC>() == scan && scan->spotsSetName() == u"Ground floor"
+                 && scan->recordedSpeeds().size() == 3;
+         }},
+        {QStringLiteral("host-menu"),
+         [&](QString &detail) {
+             scan->menuButton()->trigger();
+             FZOptionsPopup *menu = visibleOptionsPopup();
+             detail = menu ? QStringLiteral("%1 options").arg(menu->optionButtons().size()) : QStringLiteral("no menu");
+             return menu && window->menu()->popup() == menu;
+         }},
+        {QStringLiteral("confirmation-settings"),
+         [&](QString &detail) {
+             choose(window->menu()->popup(), DemoMenu::ConfirmationSettings);
+             auto *screen = top<FZMiscellaneousSettingsViewController>();
+             detail = screen ? screen->title() : QStringLiteral("not opened");
+             return screen != nullptr;
+         }},
+        {QStringLiteral("spot-name-settings"),
+         [&](QString &detail) {
+             window->menu()->choose(DemoMenu::SpotNameSettings);
+             auto *screen = top<FZSpotNamesSettingsViewController>();
+             detail = screen ? QStringLiteral("%1 names").arg(screen->spotNamesAsArray().size())
+                             : QStringLiteral("not opened");
+             return screen != nullptr;
+         }},
+        {QStringLiteral("spanish"),
+         [&](QString &detail) {
+             window->navigation()->popToRootViewControllerAnimated(false);
+             const QString english = BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title"));
+             window->menu()->show();
+             choose(window->menu()->popup(), DemoMenu::Spanish);
+             const bool refreshed = waitForTexts();
+             settle();
+             const QString spanish = BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title"));
+             detail = QStringLiteral("language %1, \"%2\" is now \"%3\"%4")
+                          .arg(BMI18NManager::sharedInstance()->currentLanguage(), english, spanish,
+                               m_withService ? (refreshed ? QStringLiteral(", texts from the service")
+                                                          : QStringLiteral(", the service did not answer"))
+                                             : QString());
+             return BMI18NManager::sharedInstance()->currentLanguage() == u"es" && spanish != english
+                 && scan->historyButton()->title() == spanish && refreshed;
+         }},
+    };
+
+    if (m_withService) {
+        // Texts asked for at start arrive before the first picture.
+        BMI18NManager::sharedInstance()->updateBundleTexts();
+        waitForTexts();
+    }
+    for (const auto &[name, action] : tour) {
+        if (!step(name, action)) {
+            m_out << "walkthrough stopped at " << name << Qt::endl;
+            return false;
+        }
+    }
+    return true;
+}
+
+QString DemoWalkthrough::summary() const
+{
+    QString text;
+    QTextStream out(&text);
+    int failed = 0;
+    out << "== Walkthrough summary ==\n";
+    for (const Step &done : m_steps) {
+        failed += done.ok ? 0 : 1;
+        out << (done.ok ? "  ok    " : "  FAIL  ") << done.name << ": " << done.detail << '\n';
+    }
+    out << "== Spots ==\n";
+    for (const QString &line : m_spotTables)
+        out << "  " << line << '\n';
+    out << "== Compare ==\n";
+    for (const QString &line : m_compareTable)
+        out << "  " << line << '\n';
+    out << QStringLiteral("%1 steps, %2 failed; pictures in %3\n")
+               .arg(m_steps.size())
+               .arg(failed)
+               .arg(QDir::toNativeSeparators(m_folder.absolutePath()));
+    return text;
+}

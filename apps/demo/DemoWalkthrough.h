@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/foundation/ManualClock.h"
+
+#include <QDir>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <functional>
+#include <memory>
+
+class DemoOptions;
+class DemoWindow;
+class FZOptionsPopup;
+
+namespace Brightmere {
+class ViewController;
+}
+
+// The headless tour of the kit: a scripted user on the simulated home
+// network with a manual clock, through every screen, one picture per step
+// ("NN-step.png" in the folder), a progress line per step, and a summary
+// (each step, the spots with their speeds, the compare table) at the end.
+// Every step checks what it did; the tour stops at the first step that did
+// not do what it should, and run() then returns false.
+//
+// It plays in a world of its own (a temporary home for settings, saved sets
+// and text caches), so the user's own saved sets are never touched.
+class DemoWalkthrough
+{
+public:
+    // Seconds between two simulated results.
+    static constexpr double kInterval = 0.5;
+
+    struct Step
+    {
+        QString name;
+        bool ok = false;
+        QString detail;
+        QString picture;
+    };
+
+    // Call before anything of the kit is used: it moves the settings, saved
+    // sets and caches into the temporary world and puts the backend on the
+    // manual clock.
+    DemoWalkthrough(const QString &folder, QTextStream &out);
+    ~DemoWalkthrough();
+
+    // False when the temporary world or the folder could not be made.
+    bool isReady() const { return m_ready; }
+    Brightmere::Clock *clock() { return &m_clock; }
+
+    // Walks the window's screens; true when every step did what it should.
+    bool run(DemoWindow *window, const DemoOptions &options);
+    const QList<Step> &steps() const { return m_steps; }
+    QString summary() const;
+
+private:
+    using Action = std::function<bool(QString &detail)>;
+    bool step(const QString &name, const Action &action);
+    bool snap(const QString &path);
+    bool snapStep();
+    void results(int count);
+    void recordSpot(int resultsWhileHeld);
+    bool choose(FZOptionsPopup *popup, int index);
+    FZOptionsPopup *visibleOptionsPopup() const;
+    bool renameSpot(int row, const QString &name);
+    bool saveRunAs(const QString &title, QString &detail);
+    bool waitForTexts();
+    template<typename T>
+    T *top() const;
+    QString spotsLine() const;
+
+    QTemporaryDir m_home;
+    QDir m_folder;
+    QTextStream &m_out;
+    bool m_ready = false;
+    // The clock counts seconds from 2001-01-01 UTC: a spring morning of 2026,
+    // so the saved sets carry a believable date.
+    static constexpr double kStart = 799581600.0;
+    Brightmere::ManualClock m_clock{kStart};
+    DemoWindow *m_window = nullptr;
+    bool m_withService = false;
+    QList<Step> m_steps;
+    QString m_picture;
+    bool m_pictureTaken = false;
+    QStringList m_spotTables;
+    QStringList m_compareTable;
+};

@@ -1,0 +1,254 @@
+#include "DemoEventLog.h"
+#include "DemoHostDelegate.h"
+#include "DemoMenu.h"
+#include "DemoOptions.h"
+#include "DemoWalkthrough.h"
+#include "DemoWindow.h"
+#include "LogCapture.h"
+#include "TestEnvironment.h"
+#include "core/BMSDKBackend.h"
+#include "i18n/BMI18NManager.h"
+#include "platform/foundation/ManualClock.h"
+#include "platform/views/BarButtonItem.h"
+#include "platform/views/NavigationController.h"
+#include "platform/views/Storyboard.h"
+#include "popups/FZOptionsPopup.h"
+#include "session/BMWifiScanVC.h"
+#include "storyboard/BMSDKUIStoryboard.h"
+#include "ui/BMScreenChangeNotification.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QPushButton>
+#include <QTest>
+
+// The demo host's own parts: what its command line means, the event log,
+// what the host hears from the kit, and where its menu leads.
+class tst_DemoHost : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_env = std::make_unique<TestEnvironment>(); }
+    void cleanup()
+    {
+        BMI18NManager::sharedInstance()->setCurrentLanguage(QStringLiteral("en"));
+        m_env.reset();
+    }
+
+    void options_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QStringList>("environment");
+        QTest::addColumn<QString>("customer");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("tester");
+        QTest::addColumn<QString>("walkthrough");
+        QTest::addColumn<int>("errors");
+        QTest::newRow("nothing: simulated, customer demo") << QStringList{} << QStringList{} << "demo" << "" << "" << ""
+                                                            << 0;
+        QTest::newRow("environment") << QStringList{}
+                                     << QStringList{"BRIGHTMERE_CUSTOMER=acme", "BRIGHTMERE_PASSWORD=s3cret",
+                                                    "BRIGHTMERE_DOWNLOAD_URL=http://127.0.0.1:8080/file"}
+                                     << "acme" << "s3cret" << "http://127.0.0.1:8080/file" << "" << 0;
+        QTest::newRow("command line wins over environment")
+            << QStringList{"--customer", "shop", "--tester", "https://example.test/x"}
+            << QStringList{"BRIGHTMERE_CUSTOMER=acme", "BRIGHTMERE_DOWNLOAD_URL=http://127.0.0.1/y"} << "shop" << ""
+            << "https://example.test/x" << "" << 0;
+        QTest::newRow("blank customer keeps demo") << QStringList{"--customer", "  "} << QStringList{} << "demo" << ""
+                                                   << "" << "" << 0;
+        QTest::newRow("walkthrough") << QStringList{"--walkthrough", "out"} << QStringList{} << "demo" << "" << ""
+                                     << "out" << 0;
+        QTest::newRow("tester not http") << QStringList{"--tester", "ftp://host/file"} << QStringList{} << "demo" << ""
+                                         << "" << "" << 1;
+        QTest::newRow("tester without host") << QStringList{"--tester", "http:/file"} << QStringList{} << "demo" << ""
+                                             << "" << "" << 1;
+        QTest::newRow("walkthrough refuses a real tester")
+            << QStringList{"--walkthrough", "out", "--tester", "http://127.0.0.1/f"} << QStringList{} << "demo" << ""
+            << "http://127.0.0.1/f" << "out" << 1;
+        QTest::newRow("walkthrough and screenshot") << QStringList{"--walkthrough", "out", "--screenshot", "a.png"}
+                                                    << QStringList{} << "demo" << "" << "" << "out" << 1;
+        QTest::newRow("unknown option") << QStringList{"--fast"} << QStringList{} << "demo" << "" << "" << "" << 1;
+        QTest::newRow("stray argument") << QStringList{"extra"} << QStringList{} << "demo" << "" << "" << "" << 1;
+    }
+    void options()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QStringList, environment);
+        QProcessEnvironment env;
+        for (const QString &pair : environment)
+            env.insert(pair.section('=', 0, 0), pair.section('=', 1));
+        const DemoOptions parsed = DemoOptions::parse(QStringList{"brightmere_demo"} + arguments, env);
+        QTEST(parsed.customer, "customer");
+        QTEST(parsed.password, "password");
+        QTEST(parsed.testerUrl.toString(), "tester");
+        QTEST(parsed.walkthroughDir, "walkthrough");
+        QTEST(int(parsed.errors.size()), "errors");
+    }
+
+    void eventLogKeepsTheNewestLines()
+    {
+        DemoEventLog log;
+        log.resize(375, DemoEventLog::kCollapsedHeight);
+        for (int i = 0; i < DemoEventLog::kCapacity + 5; ++i)
+            log.append(QStringLiteral("line %1").arg(i));
+        QCOMPARE(log.lines().size(), DemoEventLog::kCapacity);
+        QCOMPARE(log.lines().constFirst(), QStringLiteral("line 5"));
+        QCOMPARE(log.total(), DemoEventLog::kCapacity + 5);
+        QVERIFY(log.header()->text().contains(QStringLiteral("(205)")));
+        QCOMPARE(log.height(), DemoEventLog::kCollapsedHeight);
+        log.header()->click();
+        QVERIFY(log.isExpanded());
+        QCOMPARE(log.height(), DemoEventLog::kExpandedHeight);
+    }
+
+    void hostHearsTheKitButNeverThePassword()
+    {
+        LogCapture capture;
+        Brightmere::ManualClock clock(1000.0);
+        BMSDKBackend::setClock(&clock);
+        BMSDKBackend::setSampleInterval(0.5);
+        DemoOptions options;
+        options.password = QString::fromLatin1(kPassword);
+        auto window = makeWindow(options);
+        QSignalSpy menu(window->hostDelegate(), &DemoHostDelegate::menuRequested);
+        window->show();
+        window->scan()->actStartStop();
+        clock.advance(2.0);
+        window->scan()->actStartStop();
+        window->scan()->menuButton()->trigger();
+        window->scan()->leftMenuButton()->trigger();
+        QCoreApplication::processEvents();
+
+        const QStringList events = window->hostDelegate()->events();
+        for (const QString &expected : QStringList{"delegate: ViewDidLoad", "delegate: ActStart", "delegate: ActStop",
+                                                   "notification: kWiFiFairzoneTestStarted",
+                                                   "notification: kScreenChange"})
+            QVERIFY2(window->hostDelegate()->count(expected) >= 1, qPrintable(expected));
+        // Screen change comes before the screen's own appearance call.
+        QVERIFY(events.indexOf(QRegularExpression("^notification: kScreenChange.*BMWifiScanVC"))
+                < events.indexOf("delegate: ViewWillAppear"));
+        QCOMPARE(menu.count(), 2);
+        QVERIFY(window->menu()->popup());
+        QCOMPARE(window->eventLog()->total(), events.size());
+        for (const LogCapture::Line &line : capture.lines())
+            QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
+        for (const QString &line : events)
+            QVERIFY(!line.contains(QString::fromLatin1(kPassword)));
+        window.reset();
+        BMSDKBackend::setClock(nullptr);
+    }
+
+    void menuLeadsTo_data()
+    {
+        QTest::addColumn<int>("option");
+        QTest::addColumn<QString>("screen"); // the class on top afterwards
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<bool>("done");
+        QTest::newRow("confirmations") << int(DemoMenu::ConfirmationSettings)
+                                       << "FZMiscellaneousSettingsViewController" << "en" << true;
+        QTest::newRow("spot names") << int(DemoMenu::SpotNameSettings) << "FZSpotNamesSettingsViewController" << "en"
+                                    << true;
+        QTest::newRow("saved sets") << int(DemoMenu::SavedSets) << "FZSavedSpotsViewController" << "en" << true;
+        QTest::newRow("Spanish") << int(DemoMenu::Spanish) << "BMWifiScanVC" << "es" << true;
+        QTest::newRow("cancel") << int(DemoMenu::Cancel) << "BMWifiScanVC" << "en" << true;
+        QTest::newRow("no such option") << 42 << "BMWifiScanVC" << "en" << false;
+    }
+    void menuLeadsTo()
+    {
+        QFETCH(int, option);
+        QFETCH(bool, done);
+        auto window = makeWindow(DemoOptions());
+        window->show();
+        QCoreApplication::processEvents();
+        // Opened twice: the second replaces the first, the stack stays two deep.
+        QCOMPARE(window->menu()->choose(option), done);
+        QCOMPARE(window->menu()->choose(option), done);
+        QCoreApplication::processEvents();
+        Brightmere::ViewController *top = window->navigation()->topViewController();
+        QTEST(QString::fromLatin1(top->metaObject()->className()), "screen");
+        QVERIFY(window->navigation()->viewControllers().size() <= 2);
+        QTEST(BMI18NManager::sharedInstance()->currentLanguage(), "language");
+    }
+
+    // The whole tour in process: what the summary tells must match what was
+    // done, and the password given never shows.
+    void walkthroughSummary()
+    {
+        LogCapture capture;
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir folder;
+        DemoWalkthrough walk(folder.path(), out);
+        QVERIFY(walk.isReady());
+        DemoOptions options;
+        options.password = QString::fromLatin1(kPassword);
+        auto window = makeWindow(options);
+        QVERIFY(walk.run(window.get(), options));
+        const QString summary = walk.summary();
+        QCOMPARE(walk.steps().size(), 18);
+        for (const DemoWalkthrough::Step &step : walk.steps())
+            QVERIFY2(QFileInfo(step.picture).size() > 10000, qPrintable(step.picture));
+        QVERIFY(QFileInfo::exists(folder.filePath("09-save-ground-floor.png")));
+        // Rows of the compare table: first set, then second, as measured.
+        QVERIFY(summary.contains("spot | Ground floor | After moving router"));
+        QVERIFY(summary.contains("Kitchen | 12.0 Mbps | 22.0 Mbps"));
+        QVERIFY(summary.contains("first run: Spot 4 16.7 Mbps, Spot 3 23.2 Mbps, Kitchen 12.0 Mbps"));
+        QVERIFY(summary.contains("18 steps, 0 failed"));
+        QCOMPARE(text.count(QStringLiteral("] ok  ")), 18);
+        QVERIFY(!text.contains(QString::fromLatin1(kPassword)) && !summary.contains(QString::fromLatin1(kPassword)));
+        for (const LogCapture::Line &line : capture.lines())
+            QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
+        window.reset();
+    }
+
+    // A step that cannot save its picture fails, and the tour stops there.
+    void walkthroughStopsAtTheFirstFailedStep()
+    {
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkdir("02-preparing.png")); // a folder where the picture should go
+        DemoWalkthrough walk(folder.path(), out);
+        auto window = makeWindow(DemoOptions());
+        QVERIFY(!walk.run(window.get(), DemoOptions()));
+        QCOMPARE(walk.steps().size(), 2);
+        QVERIFY(walk.steps().at(0).ok);
+        QVERIFY(!walk.steps().at(1).ok);
+        QVERIFY(walk.summary().contains("FAIL  preparing: tester setting up (picture not saved)"));
+        QVERIFY(walk.summary().contains("2 steps, 1 failed"));
+        QVERIFY(text.contains("walkthrough stopped at preparing"));
+        window.reset();
+    }
+
+    void walkthroughNeedsAFolder()
+    {
+        QString text;
+        QTextStream out(&text);
+        QTemporaryDir parent;
+        QFile file(parent.filePath("taken"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        DemoWalkthrough walk(parent.filePath("taken"), out);
+        QVERIFY(!walk.isReady());
+        QVERIFY(!walk.run(nullptr, DemoOptions()));
+        QVERIFY(text.contains("cannot prepare"));
+    }
+
+private:
+    static constexpr const char *kPassword = "pw-7Qz!k";
+
+    std::unique_ptr<DemoWindow> makeWindow(const DemoOptions &options)
+    {
+        BMSDKUIStoryboard::registerSegues(&m_board);
+        return std::make_unique<DemoWindow>(options, &m_board);
+    }
+
+    std::unique_ptr<TestEnvironment> m_env;
+    Brightmere::Storyboard m_board;
+};
+
+QTEST_MAIN(tst_DemoHost)
+#include "tst_DemoHost.moc"
