@@ -351,6 +351,15 @@ void BMWifiScanVC::prepareForSegue(StoryboardSegue &segue, QObject *sender)
                                    destination->metaObject()->className()));
 }
 
+void BMWifiScanVC::textsDidChange()
+{
+    refreshUITexts();
+    // A reload would take the keyboard from a name being typed; the rows
+    // catch up at the next reload.
+    if (!m_isEditingRecordName)
+        reloadRecords();
+}
+
 void BMWifiScanVC::refreshUITexts()
 {
     if (!isViewLoaded())

@@ -92,6 +92,8 @@ public:
 
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
     void refreshUITexts() override;
+    // The spot rows carry texts too ("Mbps", the averaging note).
+    void textsDidChange() override;
 
     // The test session.
     void startTesting();

@@ -297,13 +297,13 @@ void BMSDKUIBaseViewController::presentLater(std::function<Alert *()> build)
 void BMSDKUIBaseViewController::notifyLanguageChange(BMLanguageChangeNotification *)
 {
     if (isViewLoaded())
-        refreshUITexts();
+        textsDidChange();
 }
 
 void BMSDKUIBaseViewController::notifyTextBundleAvailable(BMI18NNotification *)
 {
     if (isViewLoaded())
-        refreshUITexts();
+        textsDidChange();
 }
 
 void BMSDKUIBaseViewController::notifyTextBundleNotAvailable(BMI18NNotification *)

@@ -100,6 +100,9 @@ protected:
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
     void viewWillLayoutSubviews() override;
+    // The language or the downloaded texts changed while the view is loaded.
+    // refreshUITexts() unless a screen also has rows or cells to redraw.
+    virtual void textsDidChange() { refreshUITexts(); }
 
 private:
     void notifyLanguageChange(BMLanguageChangeNotification *notification) override;

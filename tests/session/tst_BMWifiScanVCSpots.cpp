@@ -33,6 +33,7 @@ private Q_SLOTS:
     void deleteSpot();
     void renameSpot_data();
     void renameSpot();
+    void rowsFollowLanguage();
 
 private:
     static void choose(FZOptionsPopup *popup, int index);
@@ -365,6 +366,19 @@ void tst_BMWifiScanVCSpots::renameSpot()
         QVERIFY2(saved.contains(name), qPrintable(name));
     for (const QString &name : forgotten)
         QVERIFY2(!saved.contains(name), qPrintable(name));
+}
+
+void tst_BMWifiScanVCSpots::rowsFollowLanguage()
+{
+    WifiScanHarness h;
+    h.start();
+    h.results(1);
+    h.recordSpot();
+    QVERIFY(h.row(0)->lblSpeed()->text().contains(u'.'));
+    BMI18NManager::sharedInstance()->setCurrentLanguage("es");
+    const QString spanish = h.row(0)->lblSpeed()->text();
+    BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+    QVERIFY2(spanish.contains(u','), qPrintable(spanish));
 }
 
 QTEST_MAIN(tst_BMWifiScanVCSpots)
