@@ -6,9 +6,8 @@
 // texts) and is printed on its own as well. One JSON line per figure.
 //
 // bench_first_frame [PNG]: also saves the first run's window as a picture.
+#include "BenchScreenEnvironment.h"
 #include "core/BMSDKBackend.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/UserDefaults.h"
 #include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationController.h"
 #include "session/BMWifiScanVC.h"
@@ -16,10 +15,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEvent>
-#include <QLoggingCategory>
 #include <QPixmap>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 #include <algorithm>
@@ -72,14 +68,9 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("brightmere.*=false"));
-    QStandardPaths::setTestModeEnabled(true);
-    QTemporaryDir home;
-    Brightmere::UserDefaults::setStandardFilePath(home.filePath(QStringLiteral("defaults.ini")));
+    BenchScreenEnvironment environment;
     const QString picture = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
 
-    Brightmere::ManualClock clock(1000.0);
-    BMSDKBackend::setClock(&clock);
 
     QList<double> times;
     for (int run = 0; run < kRuns; ++run) {
@@ -123,6 +114,5 @@ int main(int argc, char *argv[])
               .arg(kTargetMs, 0, 'f', 0)
               .arg(verdict(worst < kTargetMs)));
 
-    BMSDKBackend::setClock(nullptr);
     return 0;
 }

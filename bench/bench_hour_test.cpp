@@ -8,9 +8,8 @@
 // figure: resident memory at the start and the end and its growth, the CPU
 // cost per result over the first and the last 1,000 results and their ratio,
 // each with its target and whether it is met.
+#include "BenchScreenEnvironment.h"
 #include "core/BMSDKBackend.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/UserDefaults.h"
 #include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/SystemSound.h"
@@ -20,10 +19,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
-#include <QLoggingCategory>
 #include <QPainter>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 #include <ctime>
@@ -81,13 +77,9 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("brightmere.*=false"));
-    QStandardPaths::setTestModeEnabled(true);
-    QTemporaryDir home;
-    Brightmere::UserDefaults::setStandardFilePath(home.filePath(QStringLiteral("defaults.ini")));
+    BenchScreenEnvironment environment;
+    Brightmere::ManualClock &clock = environment.clock;
 
-    Brightmere::ManualClock clock(1000.0);
-    BMSDKBackend::setClock(&clock);
     BMSDKBackend::setSampleInterval(kInterval);
 
     auto *screen = new BMWifiScanVC;
@@ -174,6 +166,5 @@ int main(int argc, char *argv[])
               .arg(number(kRatioTarget, 1))
               .arg(verdict(earlyCpu > 0.0 && ratio <= kRatioTarget)));
 
-    BMSDKBackend::setClock(nullptr);
     return 0;
 }
