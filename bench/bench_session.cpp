@@ -3,19 +3,15 @@
 // of the window) early and late in a long test, of one feedback-sound tick,
 // and of saving one spot with few and with many spots listed. One JSON line
 // per figure; times are medians, in milliseconds unless the unit says otherwise.
+#include "BenchScreenEnvironment.h"
 #include "core/BMSDKBackend.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/UserDefaults.h"
 #include "platform/views/NavigationController.h"
 #include "session/BMWifiScanVC.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
-#include <QLoggingCategory>
 #include <QPainter>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 #include <algorithm>
@@ -53,13 +49,9 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("brightmere.*=false"));
-    QStandardPaths::setTestModeEnabled(true);
-    QTemporaryDir home;
-    Brightmere::UserDefaults::setStandardFilePath(home.filePath(QStringLiteral("defaults.ini")));
+    BenchScreenEnvironment environment;
+    Brightmere::ManualClock &clock = environment.clock;
 
-    Brightmere::ManualClock clock(1000.0);
-    BMSDKBackend::setClock(&clock);
     BMSDKBackend::setSampleInterval(0.5);
 
     auto *screen = new BMWifiScanVC;
@@ -105,6 +97,5 @@ int main(int argc, char *argv[])
         oneSpot();
     print(QStringLiteral("spot_saved_with_200_listed_ms"), medianMs(oneSpot, 11), QStringLiteral("ms"));
 
-    BMSDKBackend::setClock(nullptr);
     return 0;
 }
