@@ -414,6 +414,9 @@ void BMWifiScanVC::buildViews()
     m_lblHoldToAverage = new BMLabel(m_viewBordered);
     m_lblHoldToAverage->setObjectName(QStringLiteral("lblHoldToAverage"));
     styleLabel(m_lblHoldToAverage, 11, QFont::Normal, Color::named(QStringLiteral("medium_gray")));
+    // A longer translation takes a second line under the control.
+    m_lblHoldToAverage->setWordWrap(true);
+    m_lblHoldToAverage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
 
     m_btnStartStop = new BMImageButton(m_viewBordered);
     m_btnStartStop->setObjectName(QStringLiteral("btnStartStop"));
@@ -515,7 +518,8 @@ void BMWifiScanVC::layoutViews()
     m_btnStartStop->setGeometry(kControlInset, controlTop, kControlSize, kControlSize);
     m_btnRecordReset->setGeometry(panelWidth - kControlInset - kControlSize, controlTop, kControlSize, kControlSize);
     const int holdWidth = kControlSize + 2 * kControlInset;
-    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, controlTop + kControlSize, holdWidth, kHoldLabelHeight);
+    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, controlTop + kControlSize, holdWidth,
+                                    2 * kHoldLabelHeight - 6);
     m_lblSSID->setGeometry(kMargin, rowTop + kCounterSize, panelWidth - 2 * kMargin, kSsidHeight);
     m_viewBorderedFrame->setGeometry(m_viewBordered->rect());
     m_viewBorderedFrame->raise();

@@ -152,7 +152,14 @@ void BMImageButton::paintEvent(QPaintEvent *)
     if (text().isEmpty())
         return;
     painter.setPen(m_titleColor);
-    painter.setFont(font());
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width() - 4);
+    // A longer translation first shrinks the title (down to 70 %), and only
+    // then is cut with an ellipsis.
+    QFont titleFont = font();
+    const int room = width() - 8;
+    const int largest = titleFont.pixelSize() > 0 ? titleFont.pixelSize() : kTitlePixels;
+    for (int size = largest; size > largest * 7 / 10 && QFontMetrics(titleFont).horizontalAdvance(text()) > room;)
+        titleFont.setPixelSize(--size);
+    painter.setFont(titleFont);
+    const QString shown = QFontMetrics(titleFont).elidedText(text(), Qt::ElideRight, width() - 4);
     painter.drawText(rect(), Qt::AlignCenter, shown);
 }

@@ -13,6 +13,10 @@
 namespace Brightmere {
 
 namespace {
+constexpr char kFullTitleProperty[] = "brightmereFullTitle";
+}
+
+namespace {
 
 constexpr int kSideMargin = 8;
 constexpr int kButtonSpacing = 8;
@@ -229,6 +233,7 @@ QToolButton *NavigationBar::makeButton(BarButtonItem *item)
     auto *button = new QToolButton(this);
     button->setFocusPolicy(Qt::NoFocus);
     button->setText(item->title());
+    button->setProperty(kFullTitleProperty, item->title());
     button->setIcon(item->icon());
     button->setIconSize(QSize(24, 24));
     button->setEnabled(item->isEnabled());
@@ -299,6 +304,25 @@ void NavigationBar::refresh()
     update();
 }
 
+int NavigationBar::fitButtonTitle(QToolButton *button, int maximumWidth)
+{
+    // A long text title (a downloaded translation, say) is cut with an
+    // ellipsis rather than clipped on both sides; the title keeps its room.
+    const QString full = button->property(kFullTitleProperty).toString();
+    if (button->toolButtonStyle() != Qt::ToolButtonTextOnly || full.isEmpty())
+        return std::min(button->sizeHint().width(), maximumWidth);
+    button->setText(full);
+    const int wanted = button->sizeHint().width();
+    if (wanted <= maximumWidth) {
+        button->setToolTip(QString());
+        return wanted;
+    }
+    const int padding = wanted - button->fontMetrics().horizontalAdvance(full);
+    button->setText(button->fontMetrics().elidedText(full, Qt::ElideRight, std::max(0, maximumWidth - padding)));
+    button->setToolTip(full);
+    return maximumWidth;
+}
+
 void NavigationBar::relayout()
 {
     const int w = width();
@@ -315,7 +339,7 @@ void NavigationBar::relayout()
 
     int rightEdge = w - kSideMargin;
     for (QToolButton *button : std::as_const(m_rightButtons)) {
-        const int bw = std::min(button->sizeHint().width(), std::max(0, w / 3));
+        const int bw = fitButtonTitle(button, std::max(0, w / 4));
         rightEdge -= bw;
         button->setGeometry(rightEdge, 0, bw, h);
         rightEdge -= kButtonSpacing;

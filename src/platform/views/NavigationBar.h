@@ -73,6 +73,7 @@ protected:
 private:
     void refresh();
     void relayout();
+    static int fitButtonTitle(QToolButton *button, int maximumWidth);
     void applyColors();
     void releaseTitleView();
     QToolButton *makeButton(BarButtonItem *item);
