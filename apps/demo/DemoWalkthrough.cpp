@@ -4,6 +4,7 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoReports.h"
 #include "DemoWindow.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSimulatedNetwork.h"
@@ -20,6 +21,7 @@
 #include "popups/FZConfirmSpotModificationPopup.h"
 #include "popups/FZOptionsPopup.h"
 #include "popups/FZTextViewOptionsPopup.h"
+#include "reports/FZSpotsSetsBackup.h"
 #include "screens/results/FZCompareSpotsSetsViewController.h"
 #include "screens/results/FZSavedSpotsViewController.h"
 #include "screens/results/FZSpotsSetViewController.h"
@@ -31,6 +33,7 @@
 #include <QAbstractAnimation>
 #include <QApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
@@ -66,6 +69,12 @@ void settle()
 QString mbps(double speed)
 {
     return QString::number(speed, 'f', 1) + QStringLiteral(" Mbps");
+}
+
+QString fileLine(const DemoReports::Outcome &outcome)
+{
+    return outcome.ok ? QStringLiteral("%1 (%2 bytes)").arg(QFileInfo(outcome.path).fileName()).arg(QFileInfo(outcome.path).size())
+                      : outcome.message;
 }
 
 QStringList setNames(FZSavedSpotsViewController *list)
@@ -427,6 +436,59 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                           .arg(comparison->excludeIdenticalMatches() ? u"on" : u"off");
              return comparison->excludeIdenticalMatches() != hiding && comparison->count() == 2;
          }},
+        // Reports and backups while the compare screen shows both sets.
+        {QStringLiteral("export-csv"),
+         [&](QString &detail) {
+             auto *compare = top<FZCompareSpotsSetsViewController>();
+             if (!compare || !compare->spotsSetsComparison())
+                 return false;
+             const DemoReports reports(m_folder.path());
+             const auto set = reports.exportSetCsv(FZHistoricalResultSpotsSet::spotsSetWithName(QStringLiteral("Ground floor")));
+             const auto pair = reports.exportComparisonCsv(*compare->spotsSetsComparison());
+             detail = QStringLiteral("%1, %2").arg(fileLine(set), fileLine(pair));
+             m_files << set.path << pair.path;
+             return set.ok && pair.ok && QFileInfo(set.path).size() > 0 && QFileInfo(pair.path).size() > 0;
+         }},
+        {QStringLiteral("export-pdf"),
+         [&](QString &detail) {
+             auto *compare = top<FZCompareSpotsSetsViewController>();
+             if (!compare || !compare->spotsSetsComparison())
+                 return false;
+             const auto pdf = DemoReports(m_folder.path()).exportComparisonPdf(*compare->spotsSetsComparison());
+             detail = fileLine(pdf);
+             m_files << pdf.path;
+             return pdf.ok && QFileInfo(pdf.path).size() > 0;
+         }},
+        {QStringLiteral("backup"),
+         [&](QString &detail) {
+             const auto backup = DemoReports(m_folder.path()).backUp();
+             detail = fileLine(backup);
+             m_files << backup.path;
+             return backup.ok;
+         }},
+        {QStringLiteral("restore"),
+         [&](QString &detail) {
+             const FZHistoricalResultSpotsSet::List saved = FZHistoricalResultSpotsSet::allSpotsSets();
+             FZHistoricalResultSpotsSet::deleteAllSpotsSets();
+             if (!FZHistoricalResultSpotsSet::allSpotsSets().isEmpty()) {
+                 detail = QStringLiteral("the store could not be emptied");
+                 return false;
+             }
+             const auto restored = DemoReports(m_folder.path()).restoreNewest();
+             int same = 0;
+             for (const auto &set : saved) {
+                 const auto back = FZHistoricalResultSpotsSet::spotsSetWithName(set->name());
+                 same += back && FZSpotsSetsBackup::hasSameContent(*back, *set) ? 1 : 0;
+             }
+             const int now = int(FZHistoricalResultSpotsSet::allSpotsSets().size());
+             detail = QStringLiteral("into an empty store: %1 of %2 sets back as saved, %3 stored")
+                          .arg(same)
+                          .arg(saved.size())
+                          .arg(now);
+             if (!restored.ok)
+                 detail += QStringLiteral("; ") + restored.message;
+             return restored.ok && saved.size() == 2 && same == saved.size() && now == saved.size();
+         }},
         {QStringLiteral("continue-recording"),
          [&](QString &detail) {
              window->navigation()->popViewControllerAnimated(false);
@@ -515,6 +577,9 @@ QString DemoWalkthrough::summary() const
     out << "== Compare ==\n";
     for (const QString &line : m_compareTable)
         out << "  " << line << '\n';
+    out << "== Files ==\n";
+    for (const QString &path : m_files)
+        out << "  " << QFileInfo(path).fileName() << '\n';
     out << QStringLiteral("%1 steps, %2 failed; pictures in %3\n")
                .arg(m_steps.size())
                .arg(failed)

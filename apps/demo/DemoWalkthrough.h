@@ -23,7 +23,9 @@ class ViewController;
 // The headless tour of the kit: a scripted user on the simulated home
 // network with a manual clock, through every screen, one picture per step
 // ("NN-step.png" in the folder), a progress line per step, and a summary
-// (each step, the spots with their speeds, the compare table) at the end.
+// (each step, the spots with their speeds, the compare table, the files) at
+// the end. Beside the pictures it writes CSV files, a PDF report and a
+// backup, and restores that backup into an emptied store.
 // Every step checks what it did; the tour stops at the first step that did
 // not do what it should, and run() then returns false.
 //
@@ -89,4 +91,6 @@ private:
     bool m_pictureTaken = false;
     QStringList m_spotTables;
     QStringList m_compareTable;
+    // Reports and the backup written into the folder.
+    QStringList m_files;
 };

@@ -2,8 +2,10 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoReports.h"
 #include "DemoWalkthrough.h"
 #include "DemoWindow.h"
+#include "../reports/ReportFixtures.h"
 #include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
@@ -13,6 +15,8 @@
 #include "platform/views/NavigationController.h"
 #include "platform/views/Storyboard.h"
 #include "popups/FZOptionsPopup.h"
+#include "reports/FZSpotsSetsBackup.h"
+#include "screens/results/FZSpotsSetViewController.h"
 #include "session/BMWifiScanVC.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 #include "ui/BMScreenChangeNotification.h"
@@ -173,6 +177,65 @@ private Q_SLOTS:
         QTEST(BMI18NManager::sharedInstance()->currentLanguage(), "language");
     }
 
+    // What the menu's report entries write into the host's folder, and what
+    // the event log then says. "shown" puts the spots set screen of that set
+    // on top; otherwise the newest set is the one exported.
+    void menuReports_data()
+    {
+        QTest::addColumn<QList<int>>("options");
+        QTest::addColumn<bool>("withSets");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<bool>("ok");          // of the last option
+        QTest::addColumn<QString>("file");     // a file the folder must hold, by prefix and suffix
+        QTest::addColumn<QString>("logLine");  // part of the last event log line
+        const int csv = DemoMenu::ExportCsv, pdf = DemoMenu::ExportPdf, backUp = DemoMenu::BackUp,
+                  restore = DemoMenu::Restore;
+        QTest::newRow("CSV of the newest set") << QList<int>{csv} << true << "" << true << "Upstairs *.csv"
+                                               << "CSV written";
+        QTest::newRow("PDF of the set shown") << QList<int>{pdf} << true << "Flat, 2/3" << true << "Flat, 2_3 *.pdf"
+                                              << "PDF report written";
+        QTest::newRow("CSV with nothing saved") << QList<int>{csv} << false << "" << false << "" << "no saved set";
+        QTest::newRow("backup") << QList<int>{backUp} << true << "" << true << "saved-runs *.json" << "backup written";
+        QTest::newRow("restore without a backup") << QList<int>{restore} << true << "" << false << ""
+                                                  << "no backup";
+        QTest::newRow("restore over the same sets adds nothing")
+            << QList<int>{backUp, restore} << true << "" << true << "saved-runs *.json"
+            << "0 added, 2 already there, 0 renamed";
+    }
+    void menuReports()
+    {
+        QFETCH(QList<int>, options);
+        QFETCH(bool, withSets);
+        QFETCH(QString, shown);
+        QFETCH(QString, file);
+        QTemporaryDir folder;
+        if (withSets) {
+            QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Flat, 2/3", {"Hall", "Desk"})));
+            QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(
+                ReportFixtures::makeSet("Upstairs", {"Hall", "Bed"}, {}, 1)));
+        }
+        auto window = makeWindow(DemoOptions());
+        window->show();
+        window->menu()->setReportsFolder(folder.filePath("reports"));
+        if (!shown.isEmpty()) {
+            auto *screen = new FZSpotsSetViewController;
+            screen->setSpotsSet(FZHistoricalResultSpotsSet::spotsSetWithName(shown));
+            window->navigation()->pushViewController(screen, false);
+        }
+        bool done = false;
+        for (int option : options)
+            done = window->menu()->choose(option);
+        QTEST(done, "ok");
+        QFETCH(QString, logLine);
+        QVERIFY(!window->eventLog()->lines().isEmpty());
+        QVERIFY2(window->eventLog()->lines().constLast().contains(logLine),
+                 qPrintable(window->eventLog()->lines().constLast()));
+        const QStringList written = QDir(folder.filePath("reports")).entryList(QDir::Files);
+        QCOMPARE(written.size(), file.isEmpty() ? 0 : 1);
+        QVERIFY2(file.isEmpty() || filesLike(folder.filePath("reports"), file).size() == 1, qPrintable(written.join(", ")));
+        window.reset();
+    }
+
     // The whole tour in process: what the summary tells must match what was
     // done, and the password given never shows.
     void walkthroughSummary()
@@ -188,7 +251,7 @@ private Q_SLOTS:
         auto window = makeWindow(options);
         QVERIFY(walk.run(window.get(), options));
         const QString summary = walk.summary();
-        QCOMPARE(walk.steps().size(), 18);
+        QCOMPARE(walk.steps().size(), 22);
         for (const DemoWalkthrough::Step &step : walk.steps())
             QVERIFY2(QFileInfo(step.picture).size() > 10000, qPrintable(step.picture));
         QVERIFY(QFileInfo::exists(folder.filePath("09-save-ground-floor.png")));
@@ -196,8 +259,18 @@ private Q_SLOTS:
         QVERIFY(summary.contains("spot | Ground floor | After moving router"));
         QVERIFY(summary.contains("Kitchen | 12.0 Mbps | 22.0 Mbps"));
         QVERIFY(summary.contains("first run: Spot 4 16.7 Mbps, Spot 3 23.2 Mbps, Kitchen 12.0 Mbps"));
-        QVERIFY(summary.contains("18 steps, 0 failed"));
-        QCOMPARE(text.count(QStringLiteral("] ok  ")), 18);
+        // Reports and a backup beside the pictures; the backup came back whole.
+        for (const char *pattern : {"Ground floor 2*.csv", "Ground floor vs After moving router *.csv",
+                                       "Ground floor vs After moving router *.pdf", "saved-runs *.json"}) {
+            const QStringList found = filesLike(folder.path(), QString::fromUtf8(pattern));
+            QVERIFY2(found.size() == 1 && QFileInfo(folder.filePath(found.constFirst())).size() > 100, pattern);
+        }
+        QFile pairs(folder.filePath(filesLike(folder.path(), "Ground floor vs * *.csv").value(0)));
+        QVERIFY(pairs.open(QIODevice::ReadOnly));
+        QVERIFY(pairs.readAll().contains("\r\nKitchen,12.00,22.00,10.00,83.33"));
+        QVERIFY(summary.contains("ok    restore: into an empty store: 2 of 2 sets back as saved, 2 stored"));
+        QVERIFY(summary.contains("22 steps, 0 failed"));
+        QCOMPARE(text.count(QStringLiteral("] ok  ")), 22);
         QVERIFY(!text.contains(QString::fromLatin1(kPassword)) && !summary.contains(QString::fromLatin1(kPassword)));
         for (const LogCapture::Line &line : capture.lines())
             QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
@@ -239,6 +312,12 @@ private Q_SLOTS:
 
 private:
     static constexpr const char *kPassword = "pw-7Qz!k";
+
+    static QStringList filesLike(const QString &folder, const QString &wildcard)
+    {
+        const QRegularExpression like(QRegularExpression::wildcardToRegularExpression(wildcard));
+        return QDir(folder).entryList(QDir::Files).filter(like);
+    }
 
     std::unique_ptr<DemoWindow> makeWindow(const DemoOptions &options)
     {
