@@ -243,20 +243,25 @@ QString DemoWalkthrough::spotsLine() const
 
 // A refresh from the localisation service ends with one of its two
 // notifications; without a service there is nothing to wait for.
+void DemoWalkthrough::expectTexts()
+{
+    m_textsAnswer.reset();
+}
+
 bool DemoWalkthrough::waitForTexts()
 {
     if (!m_withService)
         return true;
-    QEventLoop loop;
-    bool available = false;
-    QObject::connect(m_window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed, &loop,
-                     [&](bool ok) {
-                         available = ok;
-                         loop.quit();
-                     });
-    QTimer::singleShot(10000, &loop, &QEventLoop::quit); // a local service answers in well under that
-    loop.exec();
-    return available;
+    // The answer may already be in: a local service can reply while the
+    // request's own step is still handling events.
+    if (!m_textsAnswer) {
+        QEventLoop loop;
+        QObject::connect(m_window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed, &loop,
+                         &QEventLoop::quit);
+        QTimer::singleShot(10000, &loop, &QEventLoop::quit); // a local service answers in well under that
+        loop.exec();
+    }
+    return m_textsAnswer.value_or(false);
 }
 
 bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
@@ -265,6 +270,8 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
         return false;
     m_window = window;
     m_withService = !options.i18nServiceUrl.isEmpty();
+    QObject::connect(window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed, window,
+                     [this](bool ok) { m_textsAnswer = ok; });
     BMWifiScanVC *scan = window->scan();
     BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
     // The tour shows every confirmation.
@@ -533,6 +540,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              window->navigation()->popToRootViewControllerAnimated(false);
              const QString english = BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title"));
              window->menu()->show();
+             expectTexts();
              choose(window->menu()->popup(), DemoMenu::Spanish);
              const bool refreshed = waitForTexts();
              settle();
@@ -549,6 +557,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
 
     if (m_withService) {
         // Texts asked for at start arrive before the first picture.
+        expectTexts();
         BMI18NManager::sharedInstance()->updateBundleTexts();
         waitForTexts();
     }

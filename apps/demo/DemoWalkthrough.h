@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class DemoOptions;
 class DemoWindow;
@@ -71,6 +72,9 @@ private:
     FZOptionsPopup *visibleOptionsPopup() const;
     bool renameSpot(int row, const QString &name);
     bool saveRunAs(const QString &title, QString &detail);
+    // Forget the last answer of the localisation service, before asking it
+    // again; waitForTexts() then waits for the next one (or has it already).
+    void expectTexts();
     bool waitForTexts();
     template<typename T>
     T *top() const;
@@ -86,6 +90,7 @@ private:
     Brightmere::ManualClock m_clock{kStart};
     DemoWindow *m_window = nullptr;
     bool m_withService = false;
+    std::optional<bool> m_textsAnswer;
     QList<Step> m_steps;
     QString m_picture;
     bool m_pictureTaken = false;
