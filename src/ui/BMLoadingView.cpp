@@ -57,6 +57,10 @@ void BMLoadingView::present(bool circle)
 {
     bool &shown = circle ? m_circleShown : m_shown;
     QPointer<QWidget> &overlay = circle ? m_circle : m_plain;
+    // An overlay goes with the window it was shown in: closing that window
+    // while it was up must not keep it "shown" for good.
+    if (shown && (!overlay || !overlay->isVisible()))
+        shown = false;
     if (shown || m_hiding)
         return;
     if (!overlay) {

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void callsInOrderFromAnyThread_data();
     void callsInOrderFromAnyThread();
     void followsTheWindowAndIsKeptForLaterCalls();
+    void showsAgainInTheNextWindow_data();
+    void showsAgainInTheNextWindow();
     void noKeyWindowIsLoggedNotShown();
 
 private:
@@ -107,6 +109,38 @@ void tst_BMLoadingView::followsTheWindowAndIsKeptForLaterCalls()
     view.show();
     drain();
     QCOMPARE(view.overlay(), first);
+}
+
+void tst_BMLoadingView::showsAgainInTheNextWindow_data()
+{
+    QTest::addColumn<bool>("deleteWindow");
+    QTest::newRow("its window closed while it was up") << false;
+    QTest::newRow("its window deleted while it was up") << true;
+}
+
+void tst_BMLoadingView::showsAgainInTheNextWindow()
+{
+    QFETCH(bool, deleteWindow);
+    BMLoadingView &view = BMLoadingView::sharedInstance();
+    view.show();
+    drain();
+    QVERIFY(view.overlay() && view.overlay()->isVisible());
+    if (deleteWindow)
+        m_window.reset();
+    else
+        m_window->close();
+
+    QWidget next;
+    next.resize(375, 667);
+    next.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&next));
+    Brightmere::KeyWindow::makeKeyWindow(&next);
+    view.show();
+    drain();
+    QVERIFY(view.overlay() && view.overlay()->isVisible());
+    QCOMPARE(view.overlay()->window(), &next);
+    view.hide();
+    drain();
 }
 
 void tst_BMLoadingView::noKeyWindowIsLoggedNotShown()
