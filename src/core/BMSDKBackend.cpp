@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr double kDefaultSampleInterval = 0.5;
+// One sample a second: the chart's x axis counts seconds.
+constexpr double kDefaultSampleInterval = 1.0;
 constexpr quint32 kDefaultSeed = 2001;
 
 struct Settings
