@@ -70,7 +70,9 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
     m_note->setTextFormat(m_noteFormat == Qt::RichText ? Qt::RichText : Qt::PlainText);
     m_note->setText(option);
     QPalette palette = m_note->palette();
-    palette.setColor(QPalette::WindowText, Brightmere::Color::system(3));
+    // System colour 1, not 3: colour 3 on the white card cannot be read.
+    // Lines with a colour of their own keep it.
+    palette.setColor(QPalette::WindowText, Brightmere::Color::system(1));
     m_note->setPalette(palette);
     layout->addWidget(m_note, 1, Qt::AlignVCenter);
 

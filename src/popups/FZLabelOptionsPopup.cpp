@@ -1,6 +1,7 @@
 #include "FZLabelOptionsPopup.h"
 
 #include "platform/foundation/NotificationCenter.h"
+#include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
 
 #include <QLabel>
@@ -41,13 +42,14 @@ QWidget *FZLabelOptionsPopup::addViewWithOption(const QString &option, int index
     if (index != 1)
         return FZOptionsPopup::addViewWithOption(option, index, count, parentView, previousView, previousOptionView);
 
-    auto *note = new QLabel(option, parentView);
+    auto *note = new BMLabel(option, parentView);
     note->setObjectName(QStringLiteral("labelNote"));
     QFont font = note->font();
     font.setPixelSize(kNoteFontPixels);
     note->setFont(font);
     note->setAlignment(Qt::AlignCenter);
-    note->setWordWrap(true);
+    // Two lines at the most, a longer text ending in an ellipsis.
+    note->setMaximumLines(2);
     note->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
     // The card's own colour: the note reads as part of the card.
     note->setAutoFillBackground(false);
@@ -55,8 +57,7 @@ QWidget *FZLabelOptionsPopup::addViewWithOption(const QString &option, int index
     palette.setColor(QPalette::Window, Brightmere::Color::system(2));
     palette.setColor(QPalette::WindowText, Brightmere::Color::colorFromHex(QStringLiteral("999999")));
     note->setPalette(palette);
-    const int twoLines = 2 * QFontMetrics(font).lineSpacing() + 2 * kVerticalMargin;
-    const int height = std::max(kMinimumRowHeight, std::min(note->heightForWidth(kCardWidth), twoLines));
+    const int height = std::max(kMinimumRowHeight, note->heightForWidth(kCardWidth));
     m_viewOnTopOfOptions = note;
     stackRow(note, height);
     return note;

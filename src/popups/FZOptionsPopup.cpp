@@ -1,20 +1,25 @@
 #include "FZOptionsPopup.h"
 
 #include "core/BMLogger.h"
+#include "platform/views/FocusRing.h"
 #include "platform/views/KeyWindow.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
 
+#include <QApplication>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPushButton>
 #include <QVariantAnimation>
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -50,10 +55,12 @@ QString buttonStyleSheet(const QString &radii)
 {
     return QStringLiteral("QPushButton { background: %1; color: %2; border: none; padding: %3px; %4 }"
                           "QPushButton:pressed { background: %5; }")
-        .arg(Brightmere::Color::system(2).name(QColor::HexArgb),
-             Brightmere::Color::colorFromHex(QStringLiteral("999999")).name(QColor::HexArgb))
-        .arg(kButtonInset)
-        .arg(radii, Brightmere::Color::system(4).name(QColor::HexArgb));
+               .arg(Brightmere::Color::system(2).name(QColor::HexArgb),
+                    Brightmere::Color::colorFromHex(QStringLiteral("999999")).name(QColor::HexArgb))
+               .arg(kButtonInset)
+               .arg(radii, Brightmere::Color::system(4).name(QColor::HexArgb))
+           + Brightmere::FocusRing::styleSheetRule(QStringLiteral("QPushButton"),
+                                                   Brightmere::Color::named(QStringLiteral("medium_blue")));
 }
 
 } // namespace
@@ -63,6 +70,8 @@ FZOptionsPopup::FZOptionsPopup(QWidget *parent)
 {
     setObjectName(QStringLiteral("optionsPopup"));
     setAttribute(Qt::WA_NoMousePropagation);
+    // Holds the keyboard while shown; Tab then reaches the buttons.
+    setFocusPolicy(Qt::StrongFocus);
     QWidget::hide();
     m_card = new QWidget(this);
     m_card->setObjectName(QStringLiteral("popupContainerView"));
@@ -182,12 +191,13 @@ QWidget *FZOptionsPopup::addViewWithOption(const QString &option, int index, int
         return title;
     }
 
-    auto *button = new QPushButton(option, parentView);
+    auto *button = new QPushButton(Brightmere::View::literalButtonText(option), parentView);
     button->setObjectName(QStringLiteral("option%1").arg(index));
     button->setProperty(kTagProperty, index);
     button->setFlat(true);
     button->setAutoDefault(false);
-    button->setFocusPolicy(Qt::NoFocus);
+    // The keyboard reaches it with Tab; a click does not move the focus.
+    button->setFocusPolicy(Qt::TabFocus);
     button->setCursor(Qt::PointingHandCursor);
     QFont font = button->font();
     font.setPixelSize(kButtonFontPixels);
@@ -325,17 +335,22 @@ void FZOptionsPopup::show()
         return;
     }
     m_window = window;
+    QWidget *focus = QApplication::focusWidget();
+    if (focus && window->isAncestorOf(focus))
+        m_previousFocus = focus;
     setParent(window);
     setGeometry(window->rect());
     window->installEventFilter(this);
     QWidget::show();
     raise();
     layoutCard();
+    setFocus(Qt::OtherFocusReason);
 }
 
 void FZOptionsPopup::dismiss()
 {
     leaveScreen();
+    Q_EMIT dismissed();
 }
 
 void FZOptionsPopup::optionPressed(QObject *sender)
@@ -364,9 +379,70 @@ void FZOptionsPopup::leaveScreen()
     if (m_window)
         m_window->removeEventFilter(this);
     m_window.clear();
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget()) || hasFocus();
     QWidget::hide();
     setParent(nullptr);
+    if (hadFocus && m_previousFocus && m_previousFocus->isVisible())
+        m_previousFocus->setFocus(Qt::OtherFocusReason);
     deleteLater();
+}
+
+QList<QWidget *> FZOptionsPopup::focusableViews() const
+{
+    QList<QWidget *> views;
+    for (QWidget *child : m_card->findChildren<QWidget *>()) {
+        if ((child->focusPolicy() & Qt::TabFocus) && child->isVisibleTo(this) && child->isEnabled())
+            views.append(child);
+    }
+    // Reading order: top to bottom, left to right.
+    std::stable_sort(views.begin(), views.end(), [this](QWidget *a, QWidget *b) {
+        const QPoint pa = a->mapTo(m_card, QPoint(0, 0));
+        const QPoint pb = b->mapTo(m_card, QPoint(0, 0));
+        return pa.y() != pb.y() ? pa.y() < pb.y() : pa.x() < pb.x();
+    });
+    return views;
+}
+
+bool FZOptionsPopup::focusNextPrevChild(bool next)
+{
+    // Tab stays inside the popup.
+    const QList<QWidget *> views = focusableViews();
+    if (views.isEmpty())
+        return true;
+    const int count = int(views.size());
+    const int current = int(views.indexOf(QApplication::focusWidget()));
+    const int target = current < 0 ? (next ? 0 : count - 1) : (current + (next ? 1 : count - 1)) % count;
+    views.at(target)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+}
+
+void FZOptionsPopup::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        dismiss();
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+        QWidget *focus = QApplication::focusWidget();
+        if (auto *button = qobject_cast<QPushButton *>(focus); button && m_buttons.contains(button)) {
+            optionPressed(button);
+            break;
+        }
+        const int confirming = confirmingOptionIndex();
+        for (const QPointer<QPushButton> &button : std::as_const(m_buttons)) {
+            if (confirming > 0 && button && tagOf(button) == confirming) {
+                optionPressed(button);
+                break;
+            }
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    // Keys stop here: the screen under the popup does not get them.
+    event->accept();
 }
 
 bool FZOptionsPopup::eventFilter(QObject *watched, QEvent *event)
@@ -393,12 +469,18 @@ void FZOptionsPopup::resizeEvent(QResizeEvent *)
 
 void FZOptionsPopup::mousePressEvent(QMouseEvent *event)
 {
+    // Nothing under the popup gets a click. A click on the dimmed layer
+    // outside the card (pressed and released there) dismisses it.
+    m_backdropPressed = event->button() == Qt::LeftButton && !m_card->geometry().contains(event->position().toPoint());
     event->accept();
 }
 
 void FZOptionsPopup::mouseReleaseEvent(QMouseEvent *event)
 {
     event->accept();
+    const bool outside = !m_card->geometry().contains(event->position().toPoint());
+    if (std::exchange(m_backdropPressed, false) && event->button() == Qt::LeftButton && outside)
+        dismiss();
 }
 
 void FZOptionsPopup::wheelEvent(QWheelEvent *event)

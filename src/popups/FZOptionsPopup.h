@@ -20,6 +20,13 @@ class QVariantAnimation;
 // Use: make it with popupWithOptions(), set optionChosenBlock, show(). The
 // key window owns the popup from then on; it deletes itself once a button
 // is pressed or dismiss() is called. Main thread only.
+//
+// While it is up the popup holds the keyboard: nothing under it gets a key.
+// Tab and Shift+Tab move a visible focus ring among its buttons (and its
+// field or switch), Space or Enter presses the focused button, Escape and a
+// click on the dimmed layer outside the card are a dismissal, and Enter in a
+// popup with a text field chooses its confirming option. The focus goes back
+// where it was when the popup leaves.
 class FZOptionsPopup : public QWidget
 {
     Q_OBJECT
@@ -63,7 +70,8 @@ public:
     // Adds the popup to the key window, covering it edge to edge. Without a
     // key window it is logged and the popup deletes itself.
     virtual void show();
-    // Takes the popup off the screen without calling any block.
+    // Takes the popup off the screen without calling any block; dismissed()
+    // tells whoever needs to know (Escape and a click outside come here).
     virtual void dismiss();
     // What every button does on release: a sender whose tag is 0 changes
     // nothing; otherwise the popup leaves the screen and then the block gets
@@ -75,6 +83,10 @@ public:
     QList<QWidget *> separators() const;
 
     static int tagOf(const QObject *view);
+
+Q_SIGNALS:
+    // Left the screen unanswered, through dismiss().
+    void dismissed();
 
 protected:
     // Makes a T and builds its card; prepare runs in between, for settings
@@ -98,6 +110,8 @@ protected:
     // The row the buttons of a horizontal card sit under.
     virtual QWidget *viewOnTopOfOptions(QWidget *parentView) const;
     virtual int firstOptionViewIndex() const { return 1; }
+    // The option Enter chooses when no button has the focus; 0 for none.
+    virtual int confirmingOptionIndex() const { return 0; }
     virtual void addSubviewsWithOptions(const QStringList &options, QWidget *parentView, int orientation);
     // Makes the view of one entry, adds it to parentView and places it.
     virtual QWidget *addViewWithOption(const QString &option, int index, int count, QWidget *parentView,
@@ -114,6 +128,8 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     struct Placed
@@ -123,6 +139,7 @@ private:
     };
 
     void leaveScreen();
+    QList<QWidget *> focusableViews() const;
     void roundOuterCorners();
     void fitButtonFonts();
     QWidget *makeSeparator(QWidget *parentView);
@@ -139,5 +156,7 @@ private:
     QList<QPointer<QPushButton>> m_buttons;
     QList<QPointer<QWidget>> m_separators;
     QPointer<QWidget> m_window;
+    QPointer<QWidget> m_previousFocus;
+    bool m_backdropPressed = false;
     QVariantAnimation *m_slide = nullptr;
 };

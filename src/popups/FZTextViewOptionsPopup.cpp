@@ -2,7 +2,9 @@
 
 #include "core/BMLogger.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/views/FocusRing.h"
 #include "platform/views/KeyboardNotifications.h"
+#include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
 
 #include <QBoxLayout>
@@ -62,15 +64,15 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
     layout->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
     layout->setSpacing(kVerticalMargin);
 
-    m_note = new QLabel(option, row);
-    m_note->setObjectName(QStringLiteral("textViewNote"));
-    QFont noteFont = m_note->font();
+    auto *note = new BMLabel(option, row);
+    note->setObjectName(QStringLiteral("textViewNote"));
+    QFont noteFont = note->font();
     noteFont.setPixelSize(kNoteFontPixels);
-    m_note->setFont(noteFont);
-    m_note->setAlignment(Qt::AlignCenter);
-    m_note->setWordWrap(true);
-    // Two lines at the most.
-    m_note->setMaximumHeight(2 * QFontMetrics(noteFont).lineSpacing());
+    note->setFont(noteFont);
+    note->setAlignment(Qt::AlignCenter);
+    // Two lines at the most, a longer text ending in an ellipsis.
+    note->setMaximumLines(2);
+    m_note = note;
     layout->addWidget(m_note);
 
     m_textField = new QLineEdit(row);
@@ -79,11 +81,13 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
     m_textField->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; border-radius: 3px;"
                                               " padding: 0px 6px; background: %2; }")
                                    .arg(Brightmere::Color::system(3).name(QColor::HexArgb),
-                                        Brightmere::Color::system(2).name(QColor::HexArgb)));
+                                        Brightmere::Color::system(2).name(QColor::HexArgb))
+                               + Brightmere::FocusRing::styleSheetRule(
+                                   QStringLiteral("QLineEdit"), Brightmere::Color::named(QStringLiteral("medium_blue"))));
     layout->addWidget(m_textField);
 
     m_viewOnTopOfOptions = row;
-    const int noteHeight = std::min(m_note->heightForWidth(kCardWidth - 2 * kSideMargin), m_note->maximumHeight());
+    const int noteHeight = m_note->heightForWidth(kCardWidth - 2 * kSideMargin);
     stackRow(row, kVerticalMargin + noteHeight + kVerticalMargin + kFieldHeight + kVerticalMargin);
 
     NotificationCenter::defaultCenter().addObserver(

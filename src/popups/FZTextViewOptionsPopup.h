@@ -42,6 +42,8 @@ public:
 protected:
     QWidget *viewOnTopOfOptions(QWidget *parentView) const override;
     int firstOptionViewIndex() const override { return 2; }
+    // Enter in the field chooses the first button ("Save" in the title prompt).
+    int confirmingOptionIndex() const override { return 2; }
     QWidget *addViewWithOption(const QString &option, int index, int count, QWidget *parentView,
                                QWidget *previousView, QWidget *previousOptionView) override;
 

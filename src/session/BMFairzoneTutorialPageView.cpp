@@ -19,6 +19,7 @@ void BMFairzoneTutorialPageView::initialize()
     m_imgView->setAlignment(Qt::AlignCenter);
 
     m_lblText = new QLabel(this);
+    m_lblText->setTextFormat(Qt::PlainText);
     QFont font;
     font.setPixelSize(kTextFontPixels);
     m_lblText->setFont(Brightmere::View::kitFont(font));

@@ -2,6 +2,8 @@
 
 #include "BMSpeedRecordDelegate.h"
 #include "core/BMLogger.h"
+#include "core/BMSDKBackend.h"
+#include "platform/foundation/Clock.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
 #include "platform/views/TableView.h"
@@ -9,6 +11,7 @@
 #include "ui/BrightmereView.h"
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QCompleter>
 #include <QFocusEvent>
 #include <QLabel>
@@ -83,6 +86,8 @@ BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
 
     m_lblArea->setFont(kitFont(kNameFontPixels, QFont::Normal));
     setTextColor(m_lblArea, Brightmere::Color::system(0));
+    for (QLabel *label : {m_lblSpeed, m_lblUnit, m_lblAverage})
+        label->setTextFormat(Qt::PlainText);
     m_lblSpeed->setFont(kitFont(kSpeedFontPixels, QFont::DemiBold));
     m_lblSpeed->setAlignment(Qt::AlignRight | Qt::AlignTop);
     m_lblUnit->setFont(kitFont(kUnitFontPixels, QFont::Normal));
@@ -105,13 +110,16 @@ void BMSpeedRecordCell::awakeFromNib()
     palette.setColor(QPalette::Base, Brightmere::Color::system(-1)); // clear
     m_lblArea->setPalette(palette);
     m_lblArea->setInputMethodHints(Qt::ImhNoPredictiveText);
-    m_lblArea->installEventFilter(this);
     connect(m_lblArea, &QLineEdit::returnPressed, this, [this] { textFieldShouldReturn(); });
 
     m_completer->setCaseSensitivity(Qt::CaseInsensitive);
     m_completer->setFilterMode(Qt::MatchContains);
     m_completer->setCompletionMode(QCompleter::PopupCompletion);
     m_lblArea->setCompleter(m_completer);
+    // After the completer's own filter, so this one runs first: the
+    // completer swallows the field's focus-out while its list is up, and the
+    // end of an edit must be seen all the same.
+    m_lblArea->installEventFilter(this);
     QAbstractItemView *popup = m_completer->popup();
     popup->setFont(m_lblArea->font());
     popup->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -290,6 +298,7 @@ void BMSpeedRecordCell::textFieldDidEndEditing()
     if (!m_editingName)
         return;
     m_editingName = false;
+    m_completer->popup()->hide();
     if (BMSpeedRecordDelegate *d = delegate())
         d->didEndEditingSpeedRecord(this);
 }
@@ -312,6 +321,17 @@ bool BMSpeedRecordCell::eventFilter(QObject *watched, QEvent *event)
         outline.addRoundedRect(QRectF(popup->rect()), kPopupCornerRadius, kPopupCornerRadius);
         popup->setMask(QRegion(outline.toFillPolygon().toPolygon()));
     }
+    if (watched == m_lblArea && event->type() == QEvent::FocusIn) {
+        // Tab into a name puts the cursor at its end instead of selecting it
+        // all, so a stray key cannot wipe the name.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) {
+            QFocusEvent plain(QEvent::FocusIn, Qt::OtherFocusReason);
+            QCoreApplication::sendEvent(m_lblArea, &plain);
+            m_lblArea->end(false);
+            return true;
+        }
+    }
     if (watched == m_lblArea) {
         // The suggestion list taking the focus for a moment is still editing.
         if (event->type() == QEvent::FocusIn
@@ -324,15 +344,49 @@ bool BMSpeedRecordCell::eventFilter(QObject *watched, QEvent *event)
     return BMTableViewCell::eventFilter(watched, event);
 }
 
+void BMSpeedRecordCell::pressReRecordView()
+{
+    m_touchOnReRecordView = true;
+    const Brightmere::TableView *table = Brightmere::TableView::enclosingTableView(this);
+    if (!table || !table->delaysContentTouches()) {
+        reRecordViewOnTouchDown();
+        return;
+    }
+    // Held still long enough, the press is the row's; moved past the drag
+    // distance sooner, the table takes it (and this press ends unseen).
+    QPointer<BMSpeedRecordCell> self(this);
+    m_pendingPressClock = &BMSDKBackend::clock();
+    m_pendingPressTimer = m_pendingPressClock->startOnce(Brightmere::TableView::kContentTouchDelaySeconds, [self] {
+        if (self)
+            self->startDelayedPress();
+    });
+}
+
+void BMSpeedRecordCell::startDelayedPress()
+{
+    m_pendingPressTimer = 0;
+    m_pendingPressClock = nullptr;
+    reRecordViewOnTouchDown();
+}
+
+void BMSpeedRecordCell::dropPendingPress()
+{
+    if (m_pendingPressTimer != 0)
+        m_pendingPressClock->stopRepeating(m_pendingPressTimer);
+    m_pendingPressTimer = 0;
+    m_pendingPressClock = nullptr;
+}
+
 bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
 {
+    const bool pending = m_pendingPressTimer != 0;
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
         if (static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
             return false;
-        m_touchOnReRecordView = true;
-        reRecordViewOnTouchDown();
+        if (!m_touchOnReRecordView)
+            pressReRecordView();
         return true;
     case QEvent::MouseMove: {
         if (!m_touchOnReRecordView)
@@ -340,7 +394,10 @@ bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
         const auto *mouse = static_cast<QMouseEvent *>(event);
         if (!m_reRecordView->rect().contains(mouse->position().toPoint())) {
             m_touchOnReRecordView = false;
-            reRecordViewOnCancel();
+            if (pending)
+                dropPendingPress();
+            else
+                reRecordViewOnCancel();
         }
         return true;
     }
@@ -349,7 +406,16 @@ bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
         if (!m_touchOnReRecordView || mouse->button() != Qt::LeftButton)
             return false;
         m_touchOnReRecordView = false;
-        if (m_reRecordView->rect().contains(mouse->position().toPoint()))
+        const bool inside = m_reRecordView->rect().contains(mouse->position().toPoint());
+        if (pending) {
+            // Released before the delay: a quick tap, down and up at once;
+            // released away (the table took the drag), nothing at all.
+            dropPendingPress();
+            if (!inside)
+                return true;
+            reRecordViewOnTouchDown();
+        }
+        if (inside)
             reRecordViewOnTouchUpInside();
         else
             reRecordViewOnCancel();
@@ -358,7 +424,10 @@ bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
     case QEvent::Hide:
         if (m_touchOnReRecordView) {
             m_touchOnReRecordView = false;
-            reRecordViewOnCancel();
+            if (pending)
+                dropPendingPress();
+            else
+                reRecordViewOnCancel();
         }
         return false;
     default:

@@ -8,6 +8,9 @@
 #include <QPointer>
 
 class BMSpeedRecordDelegate;
+namespace Brightmere {
+class Clock;
+}
 class QCompleter;
 class QLabel;
 class QLineEdit;
@@ -20,6 +23,12 @@ class QStringListModel;
 // measure the spot anew; the row only turns the touches into start / finish
 // / cancel calls, one hold at a time, and starts none while its table
 // scrolls. Every hold step is logged (module "BMSpeedRecordCell", level 2).
+//
+// In a table that delays content touches, a press becomes a hold only once
+// it has stayed within the drag distance for the table's delay (on the
+// backend's clock); a press that moves further first is the table's scroll
+// or swipe and starts nothing, and a click released before the delay is a
+// touch-down and touch-up at once, as a quick tap is.
 class BMSpeedRecordCell : public BMTableViewCell
 {
     Q_OBJECT
@@ -75,6 +84,9 @@ protected:
 
 private:
     void awakeFromNib();
+    void pressReRecordView();
+    void startDelayedPress();
+    void dropPendingPress();
     void layoutParts();
     bool handleReRecordEvent(QEvent *event);
     // Ends a hold in progress with the delegate call given; nothing without one.
@@ -97,5 +109,8 @@ private:
     int m_gestureStatus = 0;
     // A press on the re-record control is being followed to its end.
     bool m_touchOnReRecordView = false;
+    // Pressed, waiting for the table's delay to become a hold.
+    int m_pendingPressTimer = 0;
+    Brightmere::Clock *m_pendingPressClock = nullptr;
     bool m_editingName = false;
 };

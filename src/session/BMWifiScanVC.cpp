@@ -291,9 +291,13 @@ void BMWifiScanVC::viewDidLoad()
     m_contentScrollView->setScrollEnabled(false);
 
     m_soundEnabled = false;
+    m_btnRecordReset->setExclusiveTouch(true);
     m_tblRecords->setAllowsSelection(true);
     m_tblRecords->setDelaysContentTouches(true);
     m_tblRecords->setAllowsMultipleSelectionDuringEditing(false);
+    // The table's horizontal pan may begin only on a drag to the right; a
+    // drag to the left is a row's swipe to delete.
+    m_tblRecords->setHorizontalPanShouldBegin([](const QPoint &translation) { return translation.x() > 0; });
     m_speedIndex = 0;
 }
 
@@ -414,8 +418,9 @@ void BMWifiScanVC::buildViews()
     m_lblHoldToAverage = new BMLabel(m_viewBordered);
     m_lblHoldToAverage->setObjectName(QStringLiteral("lblHoldToAverage"));
     styleLabel(m_lblHoldToAverage, 11, QFont::Normal, Color::named(QStringLiteral("medium_gray")));
-    // A longer translation takes a second line under the control.
-    m_lblHoldToAverage->setWordWrap(true);
+    // A longer translation takes a second line under the control, and a
+    // still longer one ends in an ellipsis.
+    m_lblHoldToAverage->setMaximumLines(2);
     m_lblHoldToAverage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
 
     m_btnStartStop = new BMImageButton(m_viewBordered);
@@ -920,8 +925,11 @@ void BMWifiScanVC::showSaveCurrentSpotSetScreen()
             self->saveCurrentSpotSet();
     });
     popup->show();
-    if (QLineEdit *field = popup->textField())
+    if (QLineEdit *field = popup->textField()) {
         field->setFocus(Qt::OtherFocusReason);
+        // Typing replaces the proposed title rather than adding to it.
+        field->selectAll();
+    }
     m_saveCurrentSpotAlert = popup;
 }
 
@@ -1117,7 +1125,10 @@ void BMWifiScanVC::stopRecording()
 
 void BMWifiScanVC::setRecordingUI()
 {
-    m_lblWifiSpeedNormalColor = m_lblWifiSpeed->palette().color(QPalette::WindowText);
+    // The colour to restore is the normal one: never the recording white,
+    // should the look already be the recording one.
+    if (m_counterImageName != QLatin1String("wifiCounterRecording"))
+        m_lblWifiSpeedNormalColor = m_lblWifiSpeed->palette().color(QPalette::WindowText);
     setTextColor(m_lblWifiSpeed, Color::colorWithR(255, 255, 255));
     setTextColor(m_lblUnit, Color::colorWithR(255, 255, 255));
     m_counterImageName = QStringLiteral("wifiCounterRecording");
@@ -1254,6 +1265,24 @@ void BMWifiScanVC::reloadRecords()
     // Read once per reload rather than once per row.
     m_completionNames = BMSDKUISettings::sharedInstance().savedSpots();
     m_tblRecords->reloadData();
+    updateTabOrder();
+}
+
+void BMWifiScanVC::updateTabOrder()
+{
+    // Tab follows the screen from top to bottom: the sound control, start,
+    // record, then the spots' names in list order. Rows are reused, so the
+    // chain is made anew with every reload.
+    QWidget *previous = m_btnRecordReset;
+    setTabOrder(m_btnSound, m_btnStartStop);
+    setTabOrder(m_btnStartStop, m_btnRecordReset);
+    for (int row = 0; row < m_recordedSpeeds.size(); ++row) {
+        auto *cell = qobject_cast<BMSpeedRecordCell *>(m_tblRecords->cellForRowAtIndexPath(IndexPath(row, 0)));
+        if (!cell)
+            continue;
+        setTabOrder(previous, cell->lblArea());
+        previous = cell->lblArea();
+    }
 }
 
 // ---------------------------------------------------------------------------
@@ -1264,6 +1293,9 @@ void BMWifiScanVC::didBeginEditingSpeedRecord(BMSpeedRecordCell *cell)
     if (!cell)
         return;
     m_activeSpotTextField = cell->lblArea();
+    // A desktop keyboard sends no keyboard notifications: the name is being
+    // typed while its field has the focus.
+    m_isEditingRecordName = true;
     m_tblRecords->scrollToRowAtIndexPath(m_tblRecords->indexPathForCell(cell), TableView::ScrollPosition::Top, true);
     m_btnStartStop->setEnabled(false);
     if (!m_scanning)
@@ -1274,8 +1306,10 @@ void BMWifiScanVC::didEndEditingSpeedRecord(BMSpeedRecordCell *cell)
 {
     if (!cell)
         return;
-    if (m_activeSpotTextField == cell->lblArea())
+    if (m_activeSpotTextField == cell->lblArea()) {
         m_activeSpotTextField.clear();
+        m_isEditingRecordName = false;
+    }
     const int row = m_tblRecords->indexPathForCell(cell).row();
     if (row < 0 || row >= m_recordedSpeeds.size())
         return;
@@ -1296,14 +1330,23 @@ void BMWifiScanVC::didStartTapReRecordView(BMSpeedRecordCell *cell)
 {
     if (!cell || !m_scanning || m_isEditingRecordName)
         return;
+    if (isRecording()) {
+        log(2, QStringLiteral("A row was held while a spot is being recorded; ignored"));
+        return;
+    }
     m_wifiRecordBeingEdited = cell->record();
     startRecording();
 }
 
 void BMWifiScanVC::didCancelTapReRecordView(BMSpeedRecordCell *)
 {
+    // The recording the hold started ends with it, unsaved: a hold dragged
+    // off the row or turned into a scroll records nothing.
+    const bool holdRecording = m_wifiRecordBeingEdited && isRecording();
     m_wifiRecordBeingEdited.reset();
     dismissEditPopup();
+    if (holdRecording)
+        stopRecording();
 }
 
 void BMWifiScanVC::didFinishTapReRecordView(BMSpeedRecordCell *)
@@ -1373,6 +1416,11 @@ void BMWifiScanVC::showReplaceConfirmation(const WifiTestResult::Ptr &spot, cons
                 BMSDKUISettings::sharedInstance().setAlwaysReplaceRecording(true);
         }
     });
+    // Escape or a click beside the card drops the new measurement.
+    connect(popup, &FZOptionsPopup::dismissed, this, [self] {
+        if (self)
+            self->m_wifiRecordBeingEdited.reset();
+    });
     m_editPopup = popup;
     popup->show();
 }
@@ -1414,6 +1462,11 @@ void BMWifiScanVC::didEnterInEditMode(BMSpeedRecordCell *cell)
         if (guard && guard->isAlwaysSwitchOn())
             BMSDKUISettings::sharedInstance().setAlwaysDeleteRecording(true);
     });
+    // Escape or a click beside the card keeps the spot, as cancel does.
+    connect(popup, &FZOptionsPopup::dismissed, this, [self] {
+        if (self)
+            self->endTableEditing();
+    });
     m_editPopup = popup;
     popup->show();
 }
@@ -1430,6 +1483,9 @@ void BMWifiScanVC::dismissEditPopup()
     // A popup closed unanswered drops the measurement it asked about.
     if (FZConfirmSpotModificationPopup *popup = m_editPopup.data()) {
         m_editPopup.clear();
+        // Dismissed by the screen, not the user: its dismissal handlers
+        // (which end the table's editing) must not run now.
+        disconnect(popup, &FZOptionsPopup::dismissed, this, nullptr);
         popup->dismiss();
         m_wifiRecordBeingEdited.reset();
     }

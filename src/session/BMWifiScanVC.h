@@ -259,6 +259,7 @@ private:
     void showCounterImage();
     void stopSound();
     void reloadRecords();
+    void updateTabOrder();
     void dismissEditPopup();
     void showReplaceConfirmation(const WifiTestResult::Ptr &spot, const std::shared_ptr<BMSpeedRecord> &kept);
     void prepareCopyOf(const WifiTestResult::Ptr &spot);

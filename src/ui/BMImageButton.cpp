@@ -2,7 +2,10 @@
 
 #include "BrightmereColor.h"
 #include "BrightmereView.h"
+#include "platform/views/FocusRing.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTouchEvent>
@@ -20,7 +23,7 @@ BMImageButton::BMImageButton(QWidget *parent)
     , m_titleColor(Brightmere::Color::colorWithR(255, 255, 255))
 {
     setAttribute(Qt::WA_AcceptTouchEvents);
-    setFocusPolicy(Qt::NoFocus);
+    setFocusPolicy(Qt::TabFocus);
     QFont titleFont = font();
     titleFont.setPixelSize(kTitlePixels);
     titleFont.setWeight(QFont::Bold);
@@ -54,12 +57,18 @@ void BMImageButton::setTitleColor(const QColor &color)
 
 void BMImageButton::showTitle()
 {
-    setText(titleForState(isEnabled() ? State::Normal : State::Disabled));
+    // The button draws its title itself; the text (for the accessibility
+    // tools) is escaped so a "&" makes no shortcut.
+    setText(Brightmere::View::literalButtonText(titleForState(isEnabled() ? State::Normal : State::Disabled)));
+    update();
 }
 
 void BMImageButton::begin()
 {
     m_tracking = true;
+    // While held, nothing else in the window takes a press.
+    if (m_exclusiveTouch)
+        qApp->installEventFilter(this);
     Q_EMIT touchDown();
 }
 
@@ -68,6 +77,8 @@ void BMImageButton::end(bool inside)
     if (!m_tracking)
         return;
     m_tracking = false;
+    m_trackingKey = false;
+    qApp->removeEventFilter(this);
     if (inside)
         Q_EMIT touchUpInside();
     else
@@ -91,6 +102,11 @@ bool BMImageButton::event(QEvent *event)
         const bool inside =
             !touch->points().isEmpty() && rect().contains(touch->points().constFirst().position().toPoint());
         if (event->type() == QEvent::TouchBegin) {
+            // A second finger while one holds it is no second press.
+            if (m_tracking) {
+                event->accept();
+                return true;
+            }
             setDown(true);
             begin();
         } else if (event->type() == QEvent::TouchUpdate) {
@@ -110,6 +126,24 @@ bool BMImageButton::event(QEvent *event)
     }
 }
 
+bool BMImageButton::eventFilter(QObject *watched, QEvent *event)
+{
+    // Installed on the application only while an exclusive press is held.
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::TouchBegin: {
+        auto *widget = qobject_cast<QWidget *>(watched);
+        if (m_tracking && widget && widget != this && widget->window() == window())
+            return true;
+        break;
+    }
+    default:
+        break;
+    }
+    return QPushButton::eventFilter(watched, event);
+}
+
 void BMImageButton::mousePressEvent(QMouseEvent *event)
 {
     // A disabled widget gets no mouse events; the check guards filters and
@@ -126,11 +160,43 @@ void BMImageButton::mouseReleaseEvent(QMouseEvent *event)
     QPushButton::mouseReleaseEvent(event);
 }
 
+static bool isSpace(const QKeyEvent *event)
+{
+    return event->key() == Qt::Key_Space && !event->isAutoRepeat();
+}
+
+void BMImageButton::keyPressEvent(QKeyEvent *event)
+{
+    if (isSpace(event) && isEnabled() && !m_tracking) {
+        begin();
+        m_trackingKey = true;
+    }
+    QPushButton::keyPressEvent(event);
+}
+
+void BMImageButton::keyReleaseEvent(QKeyEvent *event)
+{
+    // Released as a finger is lifted: up inside first, then the click.
+    if (isSpace(event) && m_trackingKey)
+        end(true);
+    QPushButton::keyReleaseEvent(event);
+}
+
+void BMImageButton::focusOutEvent(QFocusEvent *event)
+{
+    // Space held while the focus goes elsewhere lets go without acting.
+    if (m_trackingKey)
+        end(false);
+    QPushButton::focusOutEvent(event);
+}
+
 void BMImageButton::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange) {
         if (!isEnabled()) {
             m_tracking = false;
+            m_trackingKey = false;
+            qApp->removeEventFilter(this);
             setDown(false);
         }
         showTitle();
@@ -149,7 +215,12 @@ void BMImageButton::paintEvent(QPaintEvent *)
         painter.setOpacity(kPressedOpacity);
     if (!m_backgroundImage.isNull())
         m_backgroundImage.paint(&painter, rect(), Qt::AlignCenter);
-    if (text().isEmpty())
+    if (hasFocus()) {
+        painter.setOpacity(1.0);
+        Brightmere::FocusRing::paint(painter, rect(), -1, Brightmere::FocusRing::color(this));
+    }
+    const QString title = titleForState(isEnabled() ? State::Normal : State::Disabled);
+    if (title.isEmpty())
         return;
     painter.setPen(m_titleColor);
     // A longer translation first shrinks the title (down to 70 %), and only
@@ -157,9 +228,9 @@ void BMImageButton::paintEvent(QPaintEvent *)
     QFont titleFont = font();
     const int room = width() - 8;
     const int largest = titleFont.pixelSize() > 0 ? titleFont.pixelSize() : kTitlePixels;
-    for (int size = largest; size > largest * 7 / 10 && QFontMetrics(titleFont).horizontalAdvance(text()) > room;)
+    for (int size = largest; size > largest * 7 / 10 && QFontMetrics(titleFont).horizontalAdvance(title) > room;)
         titleFont.setPixelSize(--size);
     painter.setFont(titleFont);
-    const QString shown = QFontMetrics(titleFont).elidedText(text(), Qt::ElideRight, width() - 4);
+    const QString shown = QFontMetrics(titleFont).elidedText(title, Qt::ElideRight, width() - 4);
     painter.drawText(rect(), Qt::AlignCenter, shown);
 }

@@ -12,6 +12,13 @@
 // press). A cancelled touch counts as a release outside. A release inside
 // also clicks. Disabled, it reports nothing, a press under way is dropped
 // without a report, and it draws faded with its disabled title.
+//
+// The keyboard reaches it with Tab (a click leaves the focus where it was)
+// and it then shows a focus ring; Space held down is a press held down:
+// touchDown on press, touchUpInside on release, touchUpOutside when the
+// focus goes meanwhile. With exclusive touch on, no other widget of its
+// window takes a press (mouse, finger) while it is held, and a second finger
+// on it is ignored. Titles show as written ("&" is no shortcut).
 class BMImageButton : public QPushButton
 {
     Q_OBJECT
@@ -35,6 +42,9 @@ public:
     // Pressed and not yet released.
     bool isTracking() const { return m_tracking; }
 
+    bool isExclusiveTouch() const { return m_exclusiveTouch; }
+    void setExclusiveTouch(bool exclusive) { m_exclusiveTouch = exclusive; }
+
 Q_SIGNALS:
     void touchDown();
     void touchUpInside();
@@ -42,8 +52,12 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
@@ -57,4 +71,6 @@ private:
     QString m_disabledTitle;
     QColor m_titleColor;
     bool m_tracking = false;
+    bool m_trackingKey = false;
+    bool m_exclusiveTouch = false;
 };

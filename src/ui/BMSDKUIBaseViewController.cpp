@@ -176,8 +176,10 @@ void BMSDKUIBaseViewController::prepareHeaderViewForTitle(const QString &title)
     container->setFixedSize(kTitleViewWidth, kTitleViewHeight);
     container->setAttribute(Qt::WA_TranslucentBackground);
 
-    auto *label = new QLabel(title, container);
+    auto *label = new QLabel(container);
     label->setObjectName(QStringLiteral("headerTitleLabel"));
+    label->setTextFormat(Qt::PlainText);
+    label->setText(title);
     label->setGeometry(0, 2, kTitleViewWidth, kTitleViewHeight);
     label->setAlignment(Qt::AlignCenter);
     label->setAttribute(Qt::WA_TranslucentBackground);

@@ -177,4 +177,10 @@ void setBackgroundColor(QWidget *view, const QColor &color)
     view->setPalette(palette);
 }
 
+QString literalButtonText(const QString &text)
+{
+    QString literal = text;
+    return literal.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
 } // namespace Brightmere::View

@@ -87,4 +87,8 @@ bool findAndResignFirstResponder(QWidget *view);
 // colour does (Qt leaves widgets unfilled unless told).
 void setBackgroundColor(QWidget *view, const QColor &color);
 
+// A user's or translator's text as a button's text: every "&" doubled, so it
+// shows as written and makes no keyboard shortcut ("Save & close").
+QString literalButtonText(const QString &text);
+
 } // namespace Brightmere::View

@@ -6,7 +6,12 @@
 #include "popups/FZLabelOptionsPopup.h"
 #include "popups/FZTextViewOptionsPopup.h"
 
+#include "ui/BMLabel.h"
+
+#include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
+#include <QSignalSpy>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -32,6 +37,9 @@ private Q_SLOTS:
     void alwaysSwitchIsReadInsideTheBlock_data();
     void alwaysSwitchIsReadInsideTheBlock();
     void textPopupConfiguresItsFieldAndFollowsTheKeyboard();
+    void keyboardAndBackdrop_data();
+    void keyboardAndBackdrop();
+    void textsShowAsWritten();
 
 private:
     FZOptionsPopup *make(const QString &kind, const QStringList &options, int orientation);
@@ -248,6 +256,97 @@ void tst_FZOptionsPopup::textPopupConfiguresItsFieldAndFollowsTheKeyboard()
     popup->dismiss();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     KeyboardNotifications::postKeyboardDidShow(QRect(0, 407, 375, 260));
+}
+
+void tst_FZOptionsPopup::keyboardAndBackdrop_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<int>("chosen"); // 0: none
+    QTest::addColumn<bool>("dismissed");
+    QTest::newRow("Escape is a dismissal") << "base" << "Escape" << 0 << true;
+    QTest::newRow("Space reaches no button under the popup") << "base" << "Space" << 0 << false;
+    QTest::newRow("Tab, then Space presses the first button") << "base" << "Tab,Space" << 1 << false;
+    QTest::newRow("Shift+Tab goes round to the last one") << "base" << "Backtab,Space" << 3 << false;
+    QTest::newRow("Tab twice, then Enter presses the second") << "base" << "Tab,Tab,Enter" << 2 << false;
+    QTest::newRow("Enter in the field is the confirming option") << "text" << "type,Enter" << 2 << false;
+    QTest::newRow("Enter with no field and no focus does nothing") << "base" << "Enter" << 0 << false;
+    QTest::newRow("a click on the dimmed layer is a dismissal") << "base" << "clickOutside" << 0 << true;
+    QTest::newRow("a click on the card's title is not") << "confirm" << "clickTitle" << 0 << false;
+}
+
+void tst_FZOptionsPopup::keyboardAndBackdrop()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, steps);
+    QFETCH(int, chosen);
+    QFETCH(bool, dismissed);
+    // A control with the focus under the popup, as the screen's start button.
+    auto *under = new QPushButton("under", m_window.get());
+    under->setGeometry(10, 10, 80, 30);
+    under->show();
+    under->setFocus();
+    QSignalSpy underClicks(under, &QPushButton::clicked);
+
+    QStringList options{"Title"};
+    if (kind != "base")
+        options.append("Note");
+    options << "one" << "two" << "three";
+    QPointer<FZOptionsPopup> popup = make(kind, options, 0);
+    QList<int> reported;
+    popup->setOptionChosenBlock([&](int index) { reported.append(index); });
+    QSignalSpy dismissals(popup.data(), &FZOptionsPopup::dismissed);
+    popup->show();
+    QVERIFY(popup->isAncestorOf(QApplication::focusWidget()) || popup->hasFocus());
+    if (auto *text = qobject_cast<FZTextViewOptionsPopup *>(popup.data()))
+        text->textField()->setFocus();
+
+    for (const QString &step : steps.split(',')) {
+        QWidget *focus = QApplication::focusWidget();
+        if (step == "Escape" || step == "Space" || step == "Enter" || step == "Tab")
+            QTest::keyClick(focus, step == "Escape" ? Qt::Key_Escape
+                                   : step == "Space" ? Qt::Key_Space
+                                   : step == "Enter" ? Qt::Key_Return
+                                                     : Qt::Key_Tab);
+        else if (step == "Backtab")
+            QTest::keyClick(focus, Qt::Key_Tab, Qt::ShiftModifier);
+        else if (step == "type")
+            QTest::keyClicks(focus, "Garden");
+        else if (step == "clickOutside")
+            QTest::mouseClick(popup, Qt::LeftButton, {}, QPoint(5, 5));
+        else if (step == "clickTitle")
+            QTest::mouseClick(popup->popupContainerView()->findChild<QWidget *>("popupTitle"), Qt::LeftButton);
+    }
+    QCOMPARE(reported, chosen ? QList<int>{chosen} : QList<int>{});
+    QCOMPARE(dismissals.size(), dismissed ? 1 : 0);
+    QCOMPARE(underClicks.size(), 0);
+    const bool gone = chosen || dismissed;
+    QCOMPARE(popup && popup->isVisible(), !gone);
+    // Gone, it hands the focus back.
+    if (gone)
+        QCOMPARE(QApplication::focusWidget(), under);
+}
+
+void tst_FZOptionsPopup::textsShowAsWritten()
+{
+    const QString longNote = "Every spot you record here is kept on this device until you delete it, and a "
+                             "saved set can be opened, continued and compared with another one later.";
+    auto *popup = FZLabelOptionsPopup::popupWithOptions({"<b>Kitchen</b> & hall", longNote, "Save & close"}, 0);
+    popup->show();
+    auto *title = popup->popupContainerView()->findChild<QLabel *>("popupTitle");
+    QCOMPARE(title->textFormat(), Qt::PlainText);
+    QCOMPARE(title->text(), QString("<b>Kitchen</b> & hall"));
+    QPushButton *button = popup->optionButtons().constFirst();
+    QVERIFY(button->shortcut().isEmpty());
+    QCOMPARE(button->text().replace("&&", "&"), QString("Save & close"));
+    // The note: two lines at the most, the second ending in an ellipsis,
+    // and its row tall enough for both.
+    auto *note = popup->popupContainerView()->findChild<BMLabel *>("labelNote");
+    const QStringList lines = note->linesForWidth(note->contentsRect().width());
+    QCOMPARE(lines.size(), 2);
+    QVERIFY(lines.last().endsWith(QChar(0x2026)));
+    QVERIFY(note->height() >= 2 * note->fontMetrics().lineSpacing());
+    popup->dismiss();
 }
 
 QTEST_MAIN(tst_FZOptionsPopup)

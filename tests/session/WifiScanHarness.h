@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PointerInput.h"
 #include "ScanDelegateRecorder.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
@@ -24,7 +25,8 @@
 
 // The test screen in a phone-sized window on the simulated backend, with a
 // manual clock: a test result arrives every kInterval seconds of
-// clock.advance, at the speeds of the trace, in a loop.
+// clock.advance, at the speeds of the trace, in a loop. The controls are
+// driven as a person does, with the mouse on the real widgets.
 class WifiScanHarness
 {
 public:
@@ -44,8 +46,12 @@ public:
         nav = std::make_unique<Brightmere::NavigationController>(screen);
         nav->resize(375, 667);
         Brightmere::KeyWindow::makeKeyWindow(nav.get());
-        if (show)
+        if (show) {
             nav->show();
+            // Active, so the keyboard focus can be in it.
+            nav->activateWindow();
+            (void)QTest::qWaitForWindowActive(nav.get());
+        }
     }
 
     ~WifiScanHarness()
@@ -58,12 +64,38 @@ public:
     // Start on Wi-Fi and let the tester finish its setup: preparing.
     void start()
     {
-        screen->actStartStop();
+        clickStartStop();
         clock.advance(kInterval);
     }
+    void clickStartStop() { QTest::mouseClick(screen->btnStartStop(), Qt::LeftButton); }
     void results(int count) { clock.advance(count * kInterval); }
-    void pressRecord() { screen->actRecordResetTouchDown(); }
-    void releaseRecord(bool inside = true) { screen->actRecordResetTouchUp(inside); }
+    void pressRecord()
+    {
+        BMImageButton *control = screen->btnRecordReset();
+        QTest::mousePress(control, Qt::LeftButton, {}, control->rect().center());
+    }
+    void releaseRecord(bool inside = true)
+    {
+        BMImageButton *control = screen->btnRecordReset();
+        QTest::mouseRelease(control, Qt::LeftButton, {}, inside ? control->rect().center() : QPoint(-30, 10));
+    }
+    // A point on a row's speed area (its re-record control), in the
+    // coordinates of the table's viewport, which stays put while rows move.
+    QPoint rowSpeedArea(int index) const
+    {
+        QWidget *control = row(index)->reRecordView();
+        return control->mapTo(screen->tblRecords()->viewport(), control->rect().center());
+    }
+    // Presses a row's speed area and keeps still past the table's delay: a hold.
+    void holdRow(int index)
+    {
+        PointerInput::press(PointerInput::Kind::Mouse, screen->tblRecords()->viewport(), rowSpeedArea(index));
+        clock.advance(Brightmere::TableView::kContentTouchDelaySeconds + 0.01);
+    }
+    void releaseRow(int index)
+    {
+        PointerInput::release(PointerInput::Kind::Mouse, screen->tblRecords()->viewport(), rowSpeedArea(index));
+    }
     void recordSpot(int resultsWhileHeld = 0)
     {
         pressRecord();
@@ -86,7 +118,7 @@ public:
             if (step == "start")
                 start();
             else if (step == "startStop")
-                screen->actStartStop();
+                clickStartStop();
             else if (step.startsWith("results:"))
                 results(step.section(':', 1).toInt());
             else if (step == "press")
@@ -103,8 +135,13 @@ public:
                 Brightmere::ApplicationNotifications::postDidEnterBackground();
             else if (step == "resign")
                 Brightmere::ApplicationNotifications::postWillResignActive();
-            else if (step == "hide" || step == "show")
+            else if (step == "hide" || step == "show") {
                 nav->setVisible(step == "show");
+                if (step == "show") {
+                    nav->activateWindow();
+                    (void)QTest::qWaitForWindowActive(nav.get());
+                }
+            }
             else if (step == "edit")
                 screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create(
                     "Upstairs", "HomeNet", QDateTime(), {WifiTestResult::create(12.0), WifiTestResult::create(30.0)}));

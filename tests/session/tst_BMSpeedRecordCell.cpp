@@ -1,8 +1,10 @@
 #include "LogCapture.h"
 #include "PointerInput.h"
 #include "TestEnvironment.h"
+#include "core/BMSDKBackend.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "i18n/BMI18NManager.h"
+#include "platform/foundation/ManualClock.h"
 #include "platform/views/TableView.h"
 #include "platform/views/TableViewDataSource.h"
 #include "session/BMSpeedRecordCell.h"
@@ -10,6 +12,7 @@
 #include "ui/BrightmereColor.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
@@ -72,11 +75,9 @@ private Q_SLOTS:
     void cleanup();
     void showsTheSpotAndForgetsTheLastOne_data();
     void showsTheSpotAndForgetsTheLastOne();
-    void holdsOneAtATime_data();
-    void holdsOneAtATime();
     void aHoldIsLoggedStepByStep();
-    void touchesOnTheControl_data();
-    void touchesOnTheControl();
+    void holdOnTheControl_data();
+    void holdOnTheControl();
     void nameEditingIsReportedWithSuggestions();
     void rendersAListOfSpots();
 
@@ -87,6 +88,7 @@ private:
     }
 
     std::unique_ptr<TestEnvironment> m_env;
+    ManualClock m_clock{1000.0};
     std::unique_ptr<QWidget> m_window;
     TableView *m_table = nullptr;
     SpotsScreen m_screen;
@@ -95,6 +97,7 @@ private:
 void tst_BMSpeedRecordCell::init()
 {
     m_env = std::make_unique<TestEnvironment>();
+    BMSDKBackend::setClock(&m_clock);
     BMSDKGeneralUtilities::setOSLanguageOverride(QStringLiteral("en"));
     BMI18NManager::resetSharedInstanceForTesting();
     m_screen.calls.clear();
@@ -110,6 +113,10 @@ void tst_BMSpeedRecordCell::init()
     m_window->show();
     m_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    // The window's first focus lands in a name; each case starts from none.
+    if (QWidget *focus = QApplication::focusWidget())
+        focus->clearFocus();
+    m_screen.calls.clear();
 }
 
 void tst_BMSpeedRecordCell::cleanup()
@@ -118,6 +125,7 @@ void tst_BMSpeedRecordCell::cleanup()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     BMSDKGeneralUtilities::setOSLanguageOverride(QString());
     BMI18NManager::resetSharedInstanceForTesting();
+    BMSDKBackend::setClock(nullptr);
     m_env.reset();
 }
 
@@ -171,50 +179,6 @@ void tst_BMSpeedRecordCell::showsTheSpotAndForgetsTheLastOne()
     QCOMPARE(cell->lblArea()->palette().color(QPalette::Text), nameColor);
 }
 
-void tst_BMSpeedRecordCell::holdsOneAtATime_data()
-{
-    QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<QStringList>("calls");
-    QTest::addColumn<int>("status");
-    QTest::newRow("down, up inside") << QStringList{"down", "up"} << QStringList{"start", "finish"} << 0;
-    QTest::newRow("down, cancel") << QStringList{"down", "cancel"} << QStringList{"start", "cancel"} << 0;
-    QTest::newRow("held") << QStringList{"down"} << QStringList{"start"} << 1;
-    QTest::newRow("up without down") << QStringList{"up"} << QStringList{} << 0;
-    QTest::newRow("cancel without down") << QStringList{"cancel"} << QStringList{} << 0;
-    QTest::newRow("a second down during a hold") << QStringList{"down", "down", "up", "up"}
-                                                 << QStringList{"start", "finish"} << 0;
-    QTest::newRow("down while the list scrolls") << QStringList{"scrolling", "down", "up"} << QStringList{} << 0;
-    QTest::newRow("the list stopped again") << QStringList{"scrolling", "down", "stopped", "down", "up"}
-                                            << QStringList{"start", "finish"} << 0;
-    QTest::newRow("down while editing") << QStringList{"editing", "down", "up"} << QStringList{"edit"} << 0;
-    QTest::newRow("two holds") << QStringList{"down", "up", "down", "cancel"}
-                               << QStringList{"start", "finish", "start", "cancel"} << 0;
-}
-
-void tst_BMSpeedRecordCell::holdsOneAtATime()
-{
-    QFETCH(QStringList, steps);
-    QFETCH(QStringList, calls);
-    QFETCH(int, status);
-    BMSpeedRecordCell *cell = row(1);
-    for (const QString &step : steps) {
-        if (step == "down")
-            cell->reRecordViewOnTouchDown();
-        else if (step == "up")
-            cell->reRecordViewOnTouchUpInside();
-        else if (step == "cancel")
-            cell->reRecordViewOnCancel();
-        else if (step == "scrolling")
-            m_table->setPanGestureRecognizerState(TableView::GestureStateChanged);
-        else if (step == "stopped")
-            m_table->setPanGestureRecognizerState(TableView::GestureStatePossible);
-        else if (step == "editing")
-            cell->setEditing(true, true);
-    }
-    QCOMPARE(m_screen.calls, calls);
-    QCOMPARE(cell->gestureStatus(), status);
-}
-
 void tst_BMSpeedRecordCell::aHoldIsLoggedStepByStep()
 {
     LogCapture log;
@@ -235,37 +199,58 @@ void tst_BMSpeedRecordCell::aHoldIsLoggedStepByStep()
     }
 }
 
-void tst_BMSpeedRecordCell::touchesOnTheControl_data()
+void tst_BMSpeedRecordCell::holdOnTheControl_data()
 {
     QTest::addColumn<Kind>("kind");
-    QTest::addColumn<QPoint>("from"); // from the control's left edge, in the middle of the row
-    QTest::addColumn<QPoint>("to");
+    QTest::addColumn<QString>("steps"); // press, wait (past the table's delay), move:x:y, release:x:y
     QTest::addColumn<QStringList>("calls");
-    for (const Kind kind : {Kind::Mouse, Kind::Touch}) {
-        const QByteArray k = PointerInput::name(kind);
-        QTest::newRow(k + " released inside") << kind << QPoint(60, 0) << QPoint(62, 2)
-                                              << QStringList{"start", "finish"};
-        QTest::newRow(k + " released just outside") << kind << QPoint(2, 0) << QPoint(-5, 0)
-                                                    << QStringList{"start", "cancel"};
-        QTest::newRow(k + " the list scrolls away") << kind << QPoint(60, 0) << QPoint(60, -40)
-                                                    << QStringList{"start", "cancel"};
-        QTest::newRow(k + " on the name edits it instead") << kind << QPoint(-100, 0) << QPoint(-100, 0)
-                                                           << QStringList{"begin"};
-    }
+    // Points are from the control's left edge, in the middle of the row.
+    QTest::newRow("held past the delay, released inside")
+        << Kind::Mouse << "press:60:0,wait,release:62:2" << QStringList{"start", "finish"};
+    QTest::newRow("a quick click is down and up at once")
+        << Kind::Mouse << "press:60:0,release:61:1" << QStringList{"start", "finish"};
+    QTest::newRow("held, then dragged off the control")
+        << Kind::Mouse << "press:2:0,wait,move:-5:0,release:-5:0" << QStringList{"start", "cancel"};
+    QTest::newRow("moved off before the delay: nothing")
+        << Kind::Mouse << "press:2:0,move:-5:0,release:-5:0" << QStringList{};
+    QTest::newRow("a scroll that begins on it: nothing")
+        << Kind::Mouse << "press:60:0,move:60:-20,move:60:-40,release:60:-40" << QStringList{};
+    QTest::newRow("a swipe that begins on it: the row's editing only")
+        << Kind::Mouse << "press:100:0,move:60:0,move:20:0,release:20:0" << QStringList{"edit"};
+    QTest::newRow("a drag to the right: nothing")
+        << Kind::Mouse << "press:20:0,move:60:0,move:100:0,release:100:0" << QStringList{};
+    QTest::newRow("held, then the list scrolls")
+        << Kind::Mouse << "press:60:0,wait,move:60:-40,release:60:-40" << QStringList{"start", "cancel"};
+    QTest::newRow("on the name edits it instead") << Kind::Mouse << "press:-100:0,release:-100:0"
+                                                  << QStringList{"begin"};
+    QTest::newRow("a finger held past the delay")
+        << Kind::Touch << "press:60:0,wait,release:62:2" << QStringList{"start", "finish"};
+    QTest::newRow("a finger that scrolls") << Kind::Touch << "press:60:0,move:60:-20,move:60:-40,release:60:-40"
+                                           << QStringList{};
 }
 
-void tst_BMSpeedRecordCell::touchesOnTheControl()
+void tst_BMSpeedRecordCell::holdOnTheControl()
 {
     QFETCH(Kind, kind);
-    QFETCH(QPoint, from);
-    QFETCH(QPoint, to);
+    QFETCH(QString, steps);
     QFETCH(QStringList, calls);
     BMSpeedRecordCell *cell = row(2);
     QWidget *screen = m_table->viewport();
     const QPoint origin = cell->reRecordView()->mapTo(screen, QPoint(0, 19));
-    PointerInput::press(kind, screen, origin + from);
-    PointerInput::move(kind, screen, origin + to);
-    PointerInput::release(kind, screen, origin + to);
+    for (const QString &step : steps.split(',')) {
+        const QStringList parts = step.split(':');
+        const QPoint at = parts.size() == 3 ? origin + QPoint(parts.at(1).toInt(), parts.at(2).toInt()) : QPoint();
+        if (parts.first() == "press")
+            PointerInput::press(kind, screen, at);
+        else if (parts.first() == "move")
+            PointerInput::move(kind, screen, at);
+        else if (parts.first() == "release")
+            PointerInput::release(kind, screen, at);
+        else if (parts.first() == "wait")
+            m_clock.advance(TableView::kContentTouchDelaySeconds + 0.01);
+    }
+    // Nothing left waiting: the delay running out later starts nothing.
+    m_clock.advance(1.0);
     QCOMPARE(m_screen.calls, calls);
     QCOMPARE(cell->gestureStatus(), 0);
     QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);

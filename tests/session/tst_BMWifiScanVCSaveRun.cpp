@@ -90,13 +90,12 @@ private Q_SLOTS:
         QFETCH(QStringList, stored);
         storeUpstairs();
         recordSpots(2);
-        m_h->screen->showSaveCurrentSpotSetScreen();
+        openPrompt();
         QCOMPARE(m_h->screen->spotNameTextField()->text(), QString()); // a new run proposes nothing
         QCOMPARE(m_h->screen->spotNameTextField()->placeholderText(),
                  BMI18NManager::stringForCode("fairzones_historical_results_save_alert_title_placeholder"));
         QCOMPARE(m_h->nav->focusWidget(), m_h->screen->spotNameTextField()); // the keyboard opens at once
-        m_h->screen->spotNameTextField()->setText(typed);
-        choose(m_h->screen->saveCurrentSpotAlert(), 2);
+        typeAndEnter(typed);
 
         QCOMPARE(storedNames(), stored);
         QCOMPARE(listOnTop() != nullptr, outcome == "list");
@@ -159,11 +158,10 @@ private Q_SLOTS:
             m_h->start();
             m_h->run("results:1,record,results:1,record,results:1,record");
         }
-        m_h->screen->showSaveCurrentSpotSetScreen();
-        // An edited set proposes its own title.
+        openPrompt();
+        // An edited set proposes its own title, selected: typing replaces it.
         QCOMPARE(m_h->screen->spotNameTextField()->text(), editing ? QString("Upstairs") : QString());
-        m_h->screen->spotNameTextField()->setText("Upstairs");
-        choose(m_h->screen->saveCurrentSpotAlert(), 2);
+        typeAndEnter("Upstairs");
         choose(shownPopup<FZOptionsPopup>(), choice);
 
         QCOMPARE(FZHistoricalResultSpotsSet::spotsSetWithName("Upstairs")->spotsCount(), storedSpots);
@@ -172,6 +170,7 @@ private Q_SLOTS:
         if (!prompted.isNull()) {
             QVERIFY(m_h->screen->saveCurrentSpotAlert());
             QCOMPARE(m_h->screen->spotNameTextField()->text(), prompted);
+            QCOMPARE(m_h->screen->spotNameTextField()->selectedText(), prompted);
         }
     }
 
@@ -189,9 +188,9 @@ private Q_SLOTS:
         QFETCH(int, lift);
         m_h->screen->setAdHeight(50.0);
         recordSpots(2);
-        m_h->screen->didBeginEditingSpeedRecord(m_h->row(1));
+        QTest::mouseClick(m_h->row(1)->lblArea(), Qt::LeftButton);
         if (prompt)
-            m_h->screen->showSaveCurrentSpotSetScreen();
+            openPrompt();
         KeyboardNotifications::postKeyboardDidShow(QRect(0, m_h->nav->height() - 300, m_h->nav->width(), 300));
         QCOMPARE(m_h->screen->tblRecordsBottomConstraint(), lift);
     }
@@ -236,11 +235,26 @@ private:
         for (int i = 0; i < count; ++i)
             m_h->run("results:1,record");
     }
+    // The bar's history control, then "save" in its menu.
+    void openPrompt()
+    {
+        m_h->screen->historyButton()->trigger();
+        choose(shownPopup<FZOptionsPopup>(), 1);
+        QVERIFY(m_h->screen->saveCurrentSpotAlert());
+    }
+    // Typed into the window's focus widget (the field), then Enter.
+    void typeAndEnter(const QString &text)
+    {
+        QWidget *field = m_h->nav->focusWidget();
+        QCOMPARE(field, m_h->screen->spotNameTextField());
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+        QCoreApplication::processEvents();
+    }
     void save(const QString &title)
     {
-        m_h->screen->showSaveCurrentSpotSetScreen();
-        m_h->screen->spotNameTextField()->setText(title);
-        choose(m_h->screen->saveCurrentSpotAlert(), 2);
+        openPrompt();
+        typeAndEnter(title);
     }
     static void storeUpstairs()
     {

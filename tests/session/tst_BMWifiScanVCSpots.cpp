@@ -1,10 +1,12 @@
 #include "WifiScanHarness.h"
+#include "ui/BMLabel.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
 #include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/views/KeyboardNotifications.h"
 #include "platform/views/Switch.h"
 
+#include <QApplication>
 #include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
@@ -33,6 +35,9 @@ private Q_SLOTS:
     void deleteSpot();
     void renameSpot_data();
     void renameSpot();
+    void rowHold_data();
+    void rowHold();
+    void tabFollowsTheScreen();
     void rowsFollowLanguage();
 
 private:
@@ -55,9 +60,7 @@ void tst_BMWifiScanVCSpots::recordControl_data()
     QTest::addColumn<bool>("touch");
     QTest::addColumn<QPoint>("dragTo"); // where the press moves before release; null: stays
     QTest::addColumn<bool>("inside");
-    QTest::newRow("mouse, released inside") << false << QPoint() << true;
     QTest::newRow("mouse, dragged out and back in") << false << QPoint(-30, 10) << true;
-    QTest::newRow("mouse, released outside") << false << QPoint(-30, 10) << false;
     QTest::newRow("touch, released inside") << true << QPoint() << true;
     QTest::newRow("touch, released outside") << true << QPoint(-30, 10) << false;
 }
@@ -208,6 +211,7 @@ void tst_BMWifiScanVCSpots::reRecord_data()
     QTest::newRow("always replace asks nothing") << true << false << -1 << false << QList<double>{30.0} << "replace";
     QTest::newRow("always copy asks nothing") << false << true << -1 << false << QList<double>{30.0, 10.0} << "copy";
     QTest::newRow("both always: copy wins") << true << true << -1 << false << QList<double>{30.0, 10.0} << "both";
+    QTest::newRow("Escape drops the measurement") << false << false << 0 << false << QList<double>{10.0} << "";
 }
 
 void tst_BMWifiScanVCSpots::reRecord()
@@ -226,11 +230,10 @@ void tst_BMWifiScanVCSpots::reRecord()
     h.results(1);
     h.recordSpot();
     h.results(1);
-    BMSpeedRecordCell *row = h.row(0);
-    h.screen->didStartTapReRecordView(row);
+    h.holdRow(0);
     h.results(2);
     h.clock.advance(0.2);
-    h.screen->didFinishTapReRecordView(row);
+    h.releaseRow(0);
 
     FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
     QCOMPARE(popup != nullptr, choice >= 0);
@@ -241,8 +244,12 @@ void tst_BMWifiScanVCSpots::reRecord()
         QVERIFY(note.contains("color:#2882c6; font-size:8pt"));
         QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_delete_record_can_be_cleared_in_settings")));
         QCOMPARE(popup->optionButtons().size(), 3);
-        popup->optionSwitch()->setOn(switchOn);
-        choose(popup, choice);
+        if (switchOn)
+            QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
+        if (choice == 0)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        else
+            choose(popup, choice);
     }
     QList<double> after;
     for (const WifiTestResult::Ptr &spot : h.screen->recordedSpeeds())
@@ -271,6 +278,7 @@ void tst_BMWifiScanVCSpots::deleteSpot_data()
     QTest::newRow("confirmed") << false << 3 << false << QStringList{"Spot 3", "Spot 1"};
     QTest::newRow("confirmed, always from now on") << false << 3 << true << QStringList{"Spot 3", "Spot 1"};
     QTest::newRow("cancelled") << false << 2 << true << QStringList{"Spot 3", "Spot 2", "Spot 1"};
+    QTest::newRow("Escape keeps it") << false << 0 << false << QStringList{"Spot 3", "Spot 2", "Spot 1"};
 }
 
 void tst_BMWifiScanVCSpots::deleteSpot()
@@ -286,16 +294,22 @@ void tst_BMWifiScanVCSpots::deleteSpot()
         h.results(1);
         h.recordSpot();
     }
-    h.screen->actStartStop();
+    h.clickStartStop();
     h.recorder.mark();
-    h.row(1)->setEditing(true, true); // as a swipe does
+    // A swipe to the left that begins on the row's speed.
+    const QPoint from = h.rowSpeedArea(1);
+    PointerInput::drag(PointerInput::Kind::Mouse, h.screen->tblRecords()->viewport(), from, from - QPoint(80, 0));
     FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
     QCOMPARE(popup != nullptr, choice >= 0);
     if (popup) {
         QCOMPARE(popup->popupContainerView()->findChild<QLabel *>("popupTitle")->text(), QString("Spot 2"));
         QVERIFY(popup->noteLabel()->text().contains("font-size:8pt"));
-        popup->optionSwitch()->setOn(switchOn);
-        choose(popup, choice);
+        if (switchOn)
+            QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
+        if (choice == 0)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        else
+            choose(popup, choice);
     } else {
         QCOMPARE(h.labels().size(), 3); // on the next turn of the main queue
         QCoreApplication::processEvents();
@@ -313,18 +327,25 @@ void tst_BMWifiScanVCSpots::deleteSpot()
 void tst_BMWifiScanVCSpots::renameSpot_data()
 {
     QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("endWithRecord"); // else Return
     QTest::addColumn<QString>("label");
     QTest::addColumn<QStringList>("remembered");
     QTest::addColumn<QStringList>("forgotten");
-    // Default names are remembered, except the highest ("Spot 2").
-    QTest::newRow("blank keeps the old label") << "   " << "Spot 1" << QStringList{"Spot 1"} << QStringList{"Spot 2"};
-    QTest::newRow("trimmed and remembered") << "  Hall  " << "Hall" << QStringList{"Hall"}
+    // Default names are remembered, except the highest.
+    QTest::newRow("blank keeps the old label") << "   " << false << "Spot 1" << QStringList{"Spot 1"}
+                                               << QStringList{"Spot 2"};
+    QTest::newRow("trimmed and remembered") << "  Hall  " << false << "Hall" << QStringList{"Hall"}
                                             << QStringList{"Spot 2", "Spot 1", "  Hall  "};
+    // A desktop keyboard sends no keyboard notifications: what was typed
+    // must still reach its spot when Record is pressed and released.
+    QTest::newRow("typed, then a spot recorded") << "Kitchen" << true << "Kitchen" << QStringList{"Kitchen"}
+                                                 << QStringList{"Spot 3", "Spot 1"};
 }
 
 void tst_BMWifiScanVCSpots::renameSpot()
 {
     QFETCH(QString, typed);
+    QFETCH(bool, endWithRecord);
     QFETCH(QString, label);
     QFETCH(QStringList, remembered);
     QFETCH(QStringList, forgotten);
@@ -335,37 +356,155 @@ void tst_BMWifiScanVCSpots::renameSpot()
         h.results(1);
         h.recordSpot();
     }
+    const WifiTestResult::Ptr spot = h.screen->recordedSpeeds().at(1);
     BMSpeedRecordCell *row = h.row(1);
     // The remembered names, presets included, are offered as completions.
     QVERIFY(qobject_cast<QStringListModel *>(row->completer()->model())->stringList().contains("Living Room"));
 
-    h.screen->didBeginEditingSpeedRecord(row);
+    QTest::mouseClick(row->lblArea(), Qt::LeftButton);
+    QVERIFY(row->lblArea()->hasFocus());
     QVERIFY(!h.screen->btnStartStop()->isEnabled());
     QVERIFY(h.screen->btnRecordReset()->isEnabled()); // a running test keeps it
-    QCOMPARE(h.screen->activeSpotTextField(), row->lblArea());
-    // A keyboard over the row lifts the table by its height less the ad strip.
-    const QRect keyboard(0, h.nav->height() - 300, h.nav->width(), 300);
-    KeyboardNotifications::postKeyboardDidShow(keyboard);
     QVERIFY(h.screen->isEditingRecordName());
-    QCOMPARE(h.screen->keyboardSize(), keyboard.size());
-    QCOMPARE(h.screen->tblRecordsBottomConstraint(), 250);
-
-    row->lblArea()->setText(typed);
-    h.screen->didEndEditingSpeedRecord(row);
-    KeyboardNotifications::postKeyboardWillHide(keyboard);
-    QCOMPARE(row->lblArea()->text(), label);
-    QCOMPARE(h.screen->recordedSpeeds().at(1)->label(), label);
+    if (!endWithRecord) {
+        // A phone's keyboard over the row lifts the table by its height less the ad strip.
+        const QRect keyboard(0, h.nav->height() - 300, h.nav->width(), 300);
+        KeyboardNotifications::postKeyboardDidShow(keyboard);
+        QCOMPARE(h.screen->keyboardSize(), keyboard.size());
+        QCOMPARE(h.screen->tblRecordsBottomConstraint(), 250);
+    }
+    QTest::keyClick(row->lblArea(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(row->lblArea(), typed);
+    h.recorder.mark();
+    if (endWithRecord) {
+        h.results(1);
+        h.recordSpot();
+        QCOMPARE(h.labels(), (QStringList{"Spot 3", "Spot 2", label}));
+    } else {
+        QTest::keyClick(row->lblArea(), Qt::Key_Return);
+        KeyboardNotifications::postKeyboardWillHide(QRect());
+        QCOMPARE(row->lblArea()->text(), label);
+        QCOMPARE(h.screen->tblRecordsBottomConstraint(), 0);
+    }
+    QCOMPARE(spot->label(), label);
+    QVERIFY(h.recorder.sinceMark().contains("DidEndEditingSpeedRecord"));
     QVERIFY(h.screen->btnStartStop()->isEnabled());
-    QCOMPARE(h.recorder.calls.last(), QString("DidEndEditingSpeedRecord"));
-    QCOMPARE(h.screen->tblRecordsBottomConstraint(), 0);
     QVERIFY(!h.screen->isEditingRecordName());
 
-    h.screen->actStartStop();
+    h.clickStartStop();
     const QStringList saved = BMSDKUISettings::sharedInstance().savedSpots();
     for (const QString &name : remembered)
         QVERIFY2(saved.contains(name), qPrintable(name));
     for (const QString &name : forgotten)
         QVERIFY2(!saved.contains(name), qPrintable(name));
+}
+
+void tst_BMWifiScanVCSpots::rowHold_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<bool>("asked"); // a popup (replace or delete) is up afterwards
+    // Every row starts testing with one spot, "Spot 1", listed.
+    QTest::newRow("held, then dragged off the row") << "hold,off,release" << false;
+    QTest::newRow("held, then a scroll begins") << "hold,up,release" << false;
+    QTest::newRow("a scroll that begins on the speed") << "press,up,release" << false;
+    QTest::newRow("a swipe to the left asks to delete") << "press,left,release" << true;
+    QTest::newRow("a drag to the right is no hold") << "press,right,release" << false;
+    QTest::newRow("held while Record is held") << "pressRecord,touchHold,touchRelease,releaseRecord" << false;
+    QTest::newRow("Start pressed while Record is held") << "pressRecord,clickStart,releaseRecord" << false;
+}
+
+void tst_BMWifiScanVCSpots::rowHold()
+{
+    QFETCH(QString, steps);
+    QFETCH(bool, asked);
+    WifiScanHarness h({10.0, 20.0, 30.0});
+    h.start();
+    h.results(1);
+    h.recordSpot();
+    h.results(1);
+    const QColor normal = h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText);
+    QWidget *viewport = h.screen->tblRecords()->viewport();
+    const QPoint speed = h.rowSpeedArea(0);
+    const auto mouse = PointerInput::Kind::Mouse;
+    for (const QString &step : steps.split(',')) {
+        if (step == "hold") {
+            h.holdRow(0);
+            QVERIFY(h.screen->isRecording());
+        } else if (step == "press") {
+            PointerInput::press(mouse, viewport, speed);
+        } else if (step == "off" || step == "up" || step == "left" || step == "right") {
+            const QPoint to = speed + (step == "off" ? QPoint(0, 30) : step == "up" ? QPoint(0, -40)
+                                       : step == "left" ? QPoint(-80, 0) : QPoint(80, 0));
+            PointerInput::move(mouse, viewport, speed + (to - speed) / 2);
+            PointerInput::move(mouse, viewport, to);
+            h.clock.advance(0.3);
+            PointerInput::release(mouse, viewport, to);
+        } else if (step == "release") {
+            // Already released with the move above.
+        } else if (step == "pressRecord") {
+            h.pressRecord();
+        } else if (step == "releaseRecord") {
+            h.releaseRecord();
+        } else if (step == "touchHold") {
+            PointerInput::press(PointerInput::Kind::Touch, viewport, speed);
+            h.clock.advance(0.3);
+        } else if (step == "touchRelease") {
+            PointerInput::release(PointerInput::Kind::Touch, viewport, speed);
+        } else if (step == "clickStart") {
+            h.clickStartStop();
+            QVERIFY(h.screen->isScanning());
+        }
+    }
+    QCOMPARE(h.screen->editPopup() != nullptr, asked);
+    QVERIFY(!h.screen->isRecording());
+    QVERIFY(!h.screen->wifiRecordBeingEdited());
+    QVERIFY(h.screen->isScanning());
+    // Back in the normal look, and nothing saved that nobody held: leaving
+    // the application (which keeps a spot being recorded) adds none.
+    QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->wifiCounterBackground()), QString("wifiCounter"));
+    QCOMPARE(h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText), normal);
+    if (h.screen->editPopup())
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    const QStringList before = h.labels();
+    h.run("resign");
+    QCOMPARE(h.labels(), before);
+    // A record afterwards restores the normal colour, not the recording white.
+    h.results(1);
+    h.pressRecord();
+    QVERIFY(h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText) != normal);
+    h.releaseRecord();
+    QCOMPARE(h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText), normal);
+}
+
+void tst_BMWifiScanVCSpots::tabFollowsTheScreen()
+{
+    WifiScanHarness h;
+    h.start();
+    for (int i = 0; i < 2; ++i) {
+        h.results(1);
+        h.recordSpot();
+    }
+    h.clickStartStop();
+    // Clicks leave the focus where it was.
+    QCOMPARE(QApplication::focusWidget() == h.screen->btnStartStop(), false);
+    h.screen->btnSound()->setFocus(Qt::TabFocusReason);
+    const QList<QWidget *> expected{h.screen->btnSound(), h.screen->btnStartStop(), h.screen->btnRecordReset(),
+                                    h.row(0)->lblArea(), h.row(1)->lblArea()};
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(QApplication::focusWidget(), expected.at(i));
+        if (i + 1 < expected.size())
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    // Tabbed into, a name is not selected: a stray key does not wipe it.
+    QLineEdit *name = h.row(1)->lblArea();
+    QVERIFY(!name->hasSelectedText());
+    QTest::keyClick(name, Qt::Key_Space);
+    QCOMPARE(name->text(), QString("Spot 1 "));
+    QTest::keyClick(name, Qt::Key_Return);
+    // Space on a focused control presses it: Start.
+    h.screen->btnStartStop()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(h.screen->btnStartStop(), Qt::Key_Space);
+    QVERIFY(h.screen->isScanning());
 }
 
 void tst_BMWifiScanVCSpots::rowsFollowLanguage()

@@ -2,6 +2,7 @@
 #include "TestEnvironment.h"
 #include "platform/views/Alert.h"
 
+#include <QApplication>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -46,7 +47,8 @@ void tst_Alert::init()
     m_under = new QPushButton("Under", m_window.get());
     m_under->setGeometry(0, 0, 390, 700);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
 }
 
 Alert *tst_Alert::present(const QStringList &titles, const QList<Style> &styles, const std::function<void(int)> &onPress)
@@ -108,9 +110,10 @@ void tst_Alert::pressingClosesThenRunsTheHandlerOnce_data()
 {
     QTest::addColumn<QString>("how");
     QTest::addColumn<int>("expected");
-    QTest::newRow("by index") << "index" << 1;
     QTest::newRow("by title") << "title" << 2;
     QTest::newRow("by a real click") << "click" << 0;
+    QTest::newRow("Tab to the second, Enter") << "tabEnter" << 1;
+    QTest::newRow("Escape closes it, pressing nothing") << "escape" << -1;
 }
 
 void tst_Alert::pressingClosesThenRunsTheHandlerOnce()
@@ -126,31 +129,39 @@ void tst_Alert::pressingClosesThenRunsTheHandlerOnce()
     QSignalSpy dismissed(alert.data(), &Alert::dismissed);
     QCOMPARE(Alert::shownAlert(m_window.get()), alert.data());
 
-    if (how == "index")
-        QVERIFY(alert->pressButtonAt(1));
-    else if (how == "title")
+    if (how == "title") {
         QVERIFY(alert->pressButtonWithTitle("Cancel"));
-    else
+    } else if (how == "click") {
         QTest::mouseClick(alert->buttons().at(0), Qt::LeftButton);
-    QCOMPARE(pressed, QList<int>{expected});
-    QVERIFY(goneWhenHandled);
+    } else {
+        // The keyboard is the alert's while it is up.
+        QCOMPARE(QApplication::focusWidget(), alert->buttons().at(0));
+        if (how == "tabEnter") {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        } else {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        }
+    }
+    const QList<int> expectedPresses = expected < 0 ? QList<int>{} : QList<int>{expected};
+    QCOMPARE(pressed, expectedPresses);
+    QVERIFY(goneWhenHandled || expected < 0);
     QCOMPARE(dismissed.count(), 1);
 
     // A second press of anything finds a closed alert.
-    QVERIFY(!alert->pressButtonAt(expected));
+    QVERIFY(!alert->pressButtonAt(0));
     QVERIFY(!alert->pressButtonWithTitle("OK"));
-    QCOMPARE(pressed, QList<int>{expected});
+    QCOMPARE(pressed, expectedPresses);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!alert);
 }
 
 void tst_Alert::dismissalCompletionRunsOnceTheAlertIsGone()
 {
-    // Without buttons nothing but dismiss() closes it.
+    // Without buttons a click does not close it.
     QPointer<Alert> alert = present({});
     QVERIFY(!alert->pressButtonAt(0));
     QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, alert->cardGeometry().center());
-    QTest::keyClick(alert.data(), Qt::Key_Escape);
     QCOMPARE(Alert::shownAlert(m_window.get()), alert.data());
 
     int completions = 0;

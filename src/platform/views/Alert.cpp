@@ -1,5 +1,6 @@
 #include "Alert.h"
 
+#include "FocusRing.h"
 #include "core/BMLogger.h"
 
 #include <QApplication>
@@ -35,9 +36,10 @@ QString buttonStyleSheet(AlertAction::Style style)
     return QStringLiteral("QPushButton { border: none; background: transparent; color: %1;"
                           " font-size: 17px; font-weight: %2; min-height: %3px; padding: 0px 8px; }"
                           "QPushButton:pressed { background: rgba(0, 0, 0, 20); }")
-        .arg(color.name())
-        .arg(style == AlertAction::Style::Cancel ? 600 : 400)
-        .arg(kButtonHeight);
+               .arg(color.name())
+               .arg(style == AlertAction::Style::Cancel ? 600 : 400)
+               .arg(kButtonHeight)
+           + FocusRing::styleSheetRule(QStringLiteral("QPushButton"), kActionColor);
 }
 
 QFont pixelFont(const QFont &base, int pixels, bool bold)
@@ -297,12 +299,19 @@ void Alert::wheelEvent(QWheelEvent *event)
 void Alert::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
-        for (int i = 0; i < m_actions.size(); ++i) {
-            if (m_actions.at(i).style() == AlertAction::Style::Cancel) {
-                pressButtonAt(i);
-                break;
-            }
+        // Escape is the cancel button where there is one; otherwise it
+        // closes the alert and runs no button's handler.
+        bool pressed = false;
+        for (int i = 0; i < m_actions.size() && !pressed; ++i) {
+            if (m_actions.at(i).style() == AlertAction::Style::Cancel)
+                pressed = pressButtonAt(i);
         }
+        if (!pressed && !m_dismissed)
+            dismiss(false);
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        const int focused = int(m_buttons.indexOf(qobject_cast<QPushButton *>(QApplication::focusWidget())));
+        if (focused >= 0)
+            pressButtonAt(focused);
     }
     // Keys stop here: the window under the alert does not get them.
     event->accept();
@@ -357,7 +366,9 @@ void Alert::rebuildButtons()
     layout->setSpacing(0);
     for (int i = 0; i < m_actions.size(); ++i) {
         const AlertAction &action = m_actions.at(i);
-        auto *button = new QPushButton(action.title(), m_buttonArea);
+        // Titles show as written: a "&" is no shortcut.
+        auto *button = new QPushButton(QString(action.title()).replace(QLatin1Char('&'), QStringLiteral("&&")),
+                                       m_buttonArea);
         button->setObjectName(QStringLiteral("alertButton%1").arg(i));
         button->setFlat(true);
         button->setAutoDefault(false);

@@ -1,6 +1,7 @@
 #include "NavigationBar.h"
 
 #include "BarButtonItem.h"
+#include "FocusRing.h"
 #include "NavigationItem.h"
 
 #include <QLabel>
@@ -14,6 +15,12 @@ namespace Brightmere {
 
 namespace {
 constexpr char kFullTitleProperty[] = "brightmereFullTitle";
+
+// Titles show as written: a "&" is no shortcut.
+QString literalText(QString text)
+{
+    return text.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
 }
 
 namespace {
@@ -51,10 +58,11 @@ QString buttonStyleSheet(const QColor &tint, bool bold)
                           " font-size: %2px; font-weight: %3; padding: 0px 2px; }"
                           "QToolButton:pressed { color: %4; }"
                           "QToolButton:disabled { color: %5; }")
-        .arg(tint.name(QColor::HexArgb))
-        .arg(kButtonFontPixels)
-        .arg(bold ? QStringLiteral("bold") : QStringLiteral("normal"))
-        .arg(pressed.name(QColor::HexArgb), disabled.name(QColor::HexArgb));
+               .arg(tint.name(QColor::HexArgb))
+               .arg(kButtonFontPixels)
+               .arg(bold ? QStringLiteral("bold") : QStringLiteral("normal"))
+               .arg(pressed.name(QColor::HexArgb), disabled.name(QColor::HexArgb))
+           + FocusRing::styleSheetRule(QStringLiteral("QToolButton"), tint);
 }
 
 } // namespace
@@ -66,6 +74,7 @@ NavigationBar::NavigationBar(QWidget *parent)
 
     m_titleLabel = new QLabel(this);
     m_titleLabel->setObjectName(QStringLiteral("navigationBarTitle"));
+    m_titleLabel->setTextFormat(Qt::PlainText);
     m_titleLabel->setAlignment(Qt::AlignCenter);
     QFont titleFont = m_titleLabel->font();
     titleFont.setPixelSize(17);
@@ -76,7 +85,7 @@ NavigationBar::NavigationBar(QWidget *parent)
     m_backButton->setObjectName(QStringLiteral("navigationBarBack"));
     m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_backButton->setIconSize(QSize(13, 22));
-    m_backButton->setFocusPolicy(Qt::NoFocus);
+    m_backButton->setFocusPolicy(Qt::TabFocus);
     m_backButton->hide();
     connect(m_backButton, &QToolButton::clicked, this, &NavigationBar::backRequested);
 
@@ -231,8 +240,9 @@ void NavigationBar::releaseTitleView()
 QToolButton *NavigationBar::makeButton(BarButtonItem *item)
 {
     auto *button = new QToolButton(this);
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setText(item->title());
+    // Tab reaches it, a click leaves the focus where it was.
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setText(literalText(item->title()));
     button->setProperty(kFullTitleProperty, item->title());
     button->setIcon(item->icon());
     button->setIconSize(QSize(24, 24));
@@ -294,8 +304,8 @@ void NavigationBar::refresh()
     const bool showBack = item && m_backItem && !item->leftBarButtonItem() && !item->hidesBackButton();
     if (showBack) {
         const QString backTitle = m_backItem->title();
-        m_backButton->setText(m_backButton->fontMetrics().elidedText(backTitle, Qt::ElideRight,
-                                                                      kBackTitleMaxWidth));
+        m_backButton->setText(
+            literalText(m_backButton->fontMetrics().elidedText(backTitle, Qt::ElideRight, kBackTitleMaxWidth)));
         m_backButton->setToolButtonStyle(backTitle.isEmpty() ? Qt::ToolButtonIconOnly
                                                              : Qt::ToolButtonTextBesideIcon);
     }
@@ -311,14 +321,15 @@ int NavigationBar::fitButtonTitle(QToolButton *button, int maximumWidth)
     const QString full = button->property(kFullTitleProperty).toString();
     if (button->toolButtonStyle() != Qt::ToolButtonTextOnly || full.isEmpty())
         return std::min(button->sizeHint().width(), maximumWidth);
-    button->setText(full);
+    button->setText(literalText(full));
     const int wanted = button->sizeHint().width();
     if (wanted <= maximumWidth) {
         button->setToolTip(QString());
         return wanted;
     }
     const int padding = wanted - button->fontMetrics().horizontalAdvance(full);
-    button->setText(button->fontMetrics().elidedText(full, Qt::ElideRight, std::max(0, maximumWidth - padding)));
+    button->setText(
+        literalText(button->fontMetrics().elidedText(full, Qt::ElideRight, std::max(0, maximumWidth - padding))));
     button->setToolTip(full);
     return maximumWidth;
 }

@@ -12,6 +12,9 @@ ScrollView::ScrollView(QWidget *parent)
     , m_content(new QWidget)
 {
     setFrameShape(QFrame::NoFrame);
+    // A container, not a control: a click in it must not take the keyboard
+    // focus from the field being typed in.
+    setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(false);
     setWidget(m_content);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -32,6 +32,9 @@ TableView::TableView(QWidget *parent)
     , m_content(new QWidget)
 {
     setFrameShape(QFrame::NoFrame);
+    // A container, not a control: a click on a row must not take the
+    // keyboard focus from the field being typed in.
+    setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(false);
     setWidget(m_content);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -389,7 +392,18 @@ void TableView::onPressed(const QPoint &position)
 void TableView::onDragStarted(const QPoint &distance)
 {
     if (std::abs(distance.x()) > std::abs(distance.y())) {
-        m_dragMode = DragMode::Swipe;
+        if (distance.x() < 0) {
+            m_dragMode = DragMode::Swipe;
+            return;
+        }
+        // To the right: the horizontal pan, if its delegate lets it begin;
+        // else the drag is nobody's.
+        m_dragMode = DragMode::None;
+        if (m_horizontalPanShouldBegin && m_horizontalPanShouldBegin(distance)) {
+            m_dragMode = DragMode::HorizontalPan;
+            m_panState = GestureStateBegan;
+            Q_EMIT horizontalPanBegan(distance);
+        }
         return;
     }
     m_dragMode = DragMode::Scroll;
@@ -403,6 +417,8 @@ void TableView::onDragMoved(const QPoint &distance)
         swipeIfFarEnough(distance);
         return;
     }
+    if (m_dragMode == DragMode::HorizontalPan)
+        m_panState = GestureStateChanged;
     if (m_dragMode != DragMode::Scroll)
         return;
     m_animator->setOffset(m_animator->clamped(QPoint(m_dragStartOffset.x(), m_dragStartOffset.y() - distance.y())));
@@ -413,6 +429,8 @@ void TableView::onDragFinished(const QPoint &distance)
 {
     if (m_dragMode == DragMode::Swipe)
         swipeIfFarEnough(distance);
+    else if (m_dragMode == DragMode::HorizontalPan)
+        Q_EMIT horizontalPanEnded(distance);
     m_dragMode = DragMode::None;
     m_panState = GestureStatePossible;
     m_pressRow.clear();

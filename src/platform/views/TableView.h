@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QScrollArea>
 
+#include <functional>
+
 namespace Brightmere {
 
 class DragTracker;
@@ -16,8 +18,11 @@ class TableViewDataSource;
 // A vertical list of row widgets (TableViewCell), filled by a data source,
 // that scrolls by dragging (mouse or touch) and hands rows out again for
 // reuse. A swipe to the left on a row whose data source allows editing turns
-// that row's editing on. Rows are real widgets, so they can hold text
-// fields and buttons. One section (0); rows span the viewport's width.
+// that row's editing on. A drag to the right is the table's horizontal pan,
+// which begins only where its delegate (horizontalPanShouldBegin) allows it;
+// either way it is no press on the row's content. Rows are real widgets, so
+// they can hold text fields and buttons. One section (0); rows span the
+// viewport's width.
 class TableView : public QScrollArea
 {
     Q_OBJECT
@@ -27,6 +32,10 @@ public:
     enum class ScrollPosition { None, Top, Middle, Bottom };
     // How far a drag to the left on a row must go to turn its editing on.
     static constexpr int kSwipeDistance = 40;
+    // How long a press on a row's content must stay put before the content
+    // takes it, when the table delays content touches: a press that moves
+    // past the drag distance sooner is the table's (a scroll or a swipe).
+    static constexpr double kContentTouchDelaySeconds = 0.15;
     // The state of the table's own drag (pan) gesture: anything but
     // GestureStatePossible means the user is scrolling the list.
     enum GestureState {
@@ -96,6 +105,11 @@ public:
     bool allowsMultipleSelectionDuringEditing() const { return m_allowsMultipleSelectionDuringEditing; }
     void setAllowsMultipleSelectionDuringEditing(bool allows) { m_allowsMultipleSelectionDuringEditing = allows; }
 
+    // Asked when a drag to the right starts, with the drag so far; the pan
+    // begins only on true. Without a delegate it never begins.
+    using PanShouldBegin = std::function<bool(const QPoint &translation)>;
+    void setHorizontalPanShouldBegin(PanShouldBegin shouldBegin) { m_horizontalPanShouldBegin = std::move(shouldBegin); }
+
     GestureState panGestureRecognizerState() const { return m_panState; }
     // For input handling and tests: the drag gesture's state as it moves.
     void setPanGestureRecognizerState(GestureState state) { m_panState = state; }
@@ -103,11 +117,16 @@ public:
     // The table a widget sits in: the nearest enclosing TableView, or null.
     static TableView *enclosingTableView(const QWidget *widget);
 
+Q_SIGNALS:
+    // The horizontal pan, with its translation from where it began.
+    void horizontalPanBegan(const QPoint &translation);
+    void horizontalPanEnded(const QPoint &translation);
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    enum class DragMode { None, Scroll, Swipe };
+    enum class DragMode { None, Scroll, Swipe, HorizontalPan };
 
     TableViewCell *makeRow(const IndexPath &indexPath);
     void adoptRow(TableViewCell *row);
@@ -144,6 +163,7 @@ private:
     bool m_delaysContentTouches = true;
     bool m_allowsMultipleSelectionDuringEditing = false;
     GestureState m_panState = GestureStatePossible;
+    PanShouldBegin m_horizontalPanShouldBegin;
 };
 
 } // namespace Brightmere

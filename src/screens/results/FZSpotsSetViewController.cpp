@@ -77,8 +77,8 @@ void FZSpotsSetViewController::viewWillAppear(bool animated)
 
 void FZSpotsSetViewController::refreshUITexts()
 {
-    m_continueRecordingButton->setText(
-        BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_saved_continue_recording")));
+    m_continueRecordingButton->setText(Brightmere::View::literalButtonText(
+        BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_result_saved_continue_recording"))));
     const QList<FZSpotsSetsHeaderCollectionViewCell *> cells = headerCells();
     for (FZSpotsSetsHeaderCollectionViewCell *cell : cells)
         configureHeaderCell(cell, cell->column());

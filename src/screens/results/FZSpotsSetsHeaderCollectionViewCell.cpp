@@ -31,6 +31,7 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
 
     m_detailLabel = new QLabel(this);
     m_detailLabel->setObjectName(QStringLiteral("detailLabel"));
+    m_detailLabel->setTextFormat(Qt::PlainText);
     QFont detailFont = m_detailLabel->font();
     detailFont.setPixelSize(kDetailPixels);
     m_detailLabel->setFont(Brightmere::View::kitFont(detailFont));

@@ -168,13 +168,17 @@ void FZSpotNamesSettingsViewController::viewDidLoad()
 
 void FZSpotNamesSettingsViewController::refreshUITexts()
 {
+    using Brightmere::View::literalButtonText;
     setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_spot_names")));
     if (m_editing) {
-        m_leftButton->setText(BMI18NManager::stringForCode(QStringLiteral("cancel")));
-        m_rightButton->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_save")));
+        m_leftButton->setText(literalButtonText(BMI18NManager::stringForCode(QStringLiteral("cancel"))));
+        m_rightButton->setText(
+            literalButtonText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_save"))));
     } else {
-        m_leftButton->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_edit")));
-        m_rightButton->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_share")));
+        m_leftButton->setText(
+            literalButtonText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_edit"))));
+        m_rightButton->setText(
+            literalButtonText(BMI18NManager::stringForCode(QStringLiteral("fairzones_spot_names_settings_share"))));
     }
 }
 
