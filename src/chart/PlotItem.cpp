@@ -191,6 +191,9 @@ void PlotItem::renderInView(QWidget *view, const ChartTheme::Ptr &theme, bool an
 
     generateData();
     renderInLayer(hostingView, theme, animated);
+    // A picture, not a control: the keyboard passes it by. (Setting the
+    // chart gives the view a focus policy again, so this comes last.)
+    hostingView->setFocusPolicy(Qt::NoFocus);
 }
 
 void PlotItem::renderInLayer(QChartView *layerHostingView, const ChartTheme::Ptr &theme, bool animated)

@@ -45,6 +45,16 @@ QColor clearColor()
 // The plain integers of the axes' labels.
 constexpr char kIntegerLabels[] = "%d";
 
+// The plot area's paddings in the graph; left and bottom grow when the
+// labels need more room.
+constexpr qreal kPaddingLeft = 40.0;
+constexpr qreal kPaddingTop = 15.0;
+constexpr qreal kPaddingRight = 20.0;
+constexpr qreal kPaddingBottom = 30.0;
+// Between an axis and its labels, and around its title: Qt Charts leaves a
+// few points there and measures its text a little wider than the font does.
+constexpr qreal kAxisAir = 14.0;
+
 } // namespace
 
 RealTimePlot::RealTimePlot(QObject *parent)
@@ -73,7 +83,7 @@ void RealTimePlot::renderInLayer(QChartView *layerHostingView, const ChartTheme:
     applyTheme(theme, newGraph, theme ? nullptr : ChartThemeRegistry::themeNamed(QString::fromLatin1(kCPTDarkGradientTheme)));
     setTitleDefaultsForGraph(newGraph, bounds);
     setPaddingDefaultsForGraph(newGraph, bounds);
-    newGraph->setPlotAreaFramePadding(QMarginsF(40.0, 15.0, 20.0, 30.0));
+    newGraph->setPlotAreaFramePadding(QMarginsF(kPaddingLeft, kPaddingTop, kPaddingRight, kPaddingBottom));
 
     // Clear grid lines: the trace stands alone on the panel.
     QValueAxis *xAxis = newGraph->xAxis();
@@ -102,6 +112,33 @@ void RealTimePlot::renderInLayer(QChartView *layerHostingView, const ChartTheme:
     addDefaultPlot();
     newGraph->setXRange({0.0, kWindowLength});
     newGraph->setYRange({0.0, 5.0});
+    fitAxisRoom();
+}
+
+void RealTimePlot::setCoveredMargins(const QMarginsF &margins)
+{
+    m_coveredMargins = margins;
+    fitAxisRoom();
+}
+
+void RealTimePlot::fitAxisRoom()
+{
+    XYGraph *currentGraph = graph();
+    if (!currentGraph)
+        return;
+    // Left of the plot area: the widest speed label (the axis' top is the
+    // longest number) and the rotated title; under it: a line of labels and
+    // the title. Each beside its axis with a few points of air.
+    const QFontMetricsF yLabels(currentGraph->yAxis()->labelsFont());
+    const QFontMetricsF yTitle(currentGraph->yAxis()->titleFont());
+    const QFontMetricsF xLabels(currentGraph->xAxis()->labelsFont());
+    const QFontMetricsF xTitle(currentGraph->xAxis()->titleFont());
+    const QMarginsF padding = currentGraph->padding();
+    const qreal yRoom = yLabels.horizontalAdvance(QString::number(qMax(5, m_gMax))) + yTitle.height() + kAxisAir;
+    const qreal xRoom = xLabels.height() + xTitle.height() + kAxisAir;
+    const qreal left = std::max(kPaddingLeft, m_coveredMargins.left() + yRoom - padding.left());
+    const qreal bottom = std::max(kPaddingBottom, m_coveredMargins.bottom() + xRoom - padding.bottom());
+    currentGraph->setPlotAreaFramePadding(QMarginsF(left, kPaddingTop, kPaddingRight, bottom));
 }
 
 void RealTimePlot::addSpeedToGraph(double speed)
@@ -143,9 +180,13 @@ void RealTimePlot::growSpeedRange(double speed)
     }
     if (m_gMax >= qint32(top))
         return;
+    const bool longerLabels = QString::number(qint32(top) + 5).size() > QString::number(m_gMax).size();
     m_gMax = qint32(top) + 5;
     if (XYGraph *currentGraph = graph())
         currentGraph->setYRange({0.0, double(m_gMax)});
+    // A digit more on the speed labels ("95" to "105") needs more room.
+    if (longerLabels)
+        fitAxisRoom();
 }
 
 void RealTimePlot::startRecording()

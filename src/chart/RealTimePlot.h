@@ -81,6 +81,14 @@ public:
     QColor recordingColor() const { return m_recordingColor; }
     void setRecordingColor(const QColor &color) { m_recordingColor = color; }
 
+    // How much of each side of the hosting view its owner covers (the test
+    // screen's panel runs over the chart's edges). The axes' labels and
+    // titles are kept out of the covered parts: the plot area's paddings
+    // grow past their defaults when the labels need the room. Set before
+    // rendering.
+    QMarginsF coveredMargins() const { return m_coveredMargins; }
+    void setCoveredMargins(const QMarginsF &margins);
+
     // The numbers the lines ask for. Field 0 (x): recordIndex +
     // currentSpeedIndex - the line's length, unsigned; field 1 (y): the
     // line's number at recordIndex; anything else: absent.
@@ -92,6 +100,9 @@ public:
 private:
     const QList<double> *numbersOf(const ScatterPlot *plot) const;
     void growSpeedRange(double speed);
+    // Gives the axes' labels and titles the room they need, from the
+    // current top of the speed axis.
+    void fitAxisRoom();
 
     QHash<QString, QList<double>> m_plotsData;
     // The x at which each line's first number arrived.
@@ -107,4 +118,5 @@ private:
     PlotSymbol m_symbol;
     bool m_isRecording = false;
     QColor m_recordingColor;
+    QMarginsF m_coveredMargins;
 };

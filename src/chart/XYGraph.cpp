@@ -70,6 +70,9 @@ void XYGraph::updatePlotArea()
     // Too small to hold a plot area: Qt lays one out by itself.
     setPlotArea(area.isValid() ? area : QRectF());
     m_plotAreaFrame->setRect(plotArea());
+    // A new plot area alone leaves the axes where the last layout put
+    // them (a resized window showed the old labels): lay them out again.
+    layout()->invalidate();
 }
 
 QBrush XYGraph::plotAreaFill() const

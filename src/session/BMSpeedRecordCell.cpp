@@ -11,7 +11,9 @@
 #include "ui/BrightmereView.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QCoreApplication>
+#include <QWindow>
 #include <QCompleter>
 #include <QFocusEvent>
 #include <QLabel>
@@ -19,6 +21,7 @@
 #include <QMouseEvent>
 #include <QPainterPath>
 #include <QStringListModel>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -111,6 +114,14 @@ void BMSpeedRecordCell::awakeFromNib()
     m_lblArea->setPalette(palette);
     m_lblArea->setInputMethodHints(Qt::ImhNoPredictiveText);
     connect(m_lblArea, &QLineEdit::returnPressed, this, [this] { textFieldShouldReturn(); });
+    // A name typed whole leaves nothing to suggest: the list goes.
+    connect(m_lblArea, &QLineEdit::textEdited, this, [this](const QString &text) {
+        QTimer::singleShot(0, this, [this, text] {
+            if (m_completer->completionCount() == 1
+                && m_completer->currentCompletion().compare(text, Qt::CaseInsensitive) == 0)
+                m_completer->popup()->hide();
+        });
+    });
 
     m_completer->setCaseSensitivity(Qt::CaseInsensitive);
     m_completer->setFilterMode(Qt::MatchContains);
@@ -315,6 +326,21 @@ bool BMSpeedRecordCell::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_reRecordView)
         return handleReRecordEvent(event);
+    if (watched == m_completer->popup() && event->type() == QEvent::MouseButtonPress) {
+        // A click beside the suggestions closes them (the completer does
+        // that) and still reaches what was clicked, Record say: the press is
+        // given again to the window under it once the list is gone.
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        auto *popup = static_cast<QWidget *>(watched);
+        QWidget *under = QApplication::widgetAt(mouse->globalPosition().toPoint());
+        if (!popup->rect().contains(mouse->position().toPoint()) && under && under->window()->windowHandle()) {
+            QWindow *window = under->window()->windowHandle();
+            QCoreApplication::postEvent(window, new QMouseEvent(QEvent::MouseButtonPress,
+                                                                window->mapFromGlobal(mouse->globalPosition()),
+                                                                mouse->globalPosition(), mouse->button(),
+                                                                mouse->buttons(), mouse->modifiers()));
+        }
+    }
     if (watched == m_completer->popup() && event->type() == QEvent::Resize) {
         auto *popup = static_cast<QWidget *>(watched);
         QPainterPath outline;

@@ -62,7 +62,7 @@ const char kShowSavedSpotsSegue[] = "showSavedSpotsSegue";
 
 // Layout of the phone-sized screen, in points.
 constexpr int kMargin = 8;
-constexpr int kChartHeight = 170;
+constexpr int kChartHeight = 176;
 // The chart runs this far under the panel's frame on both sides.
 constexpr int kPlotSideOverhang = 20;
 constexpr int kPlotTop = 5;
@@ -75,7 +75,9 @@ constexpr int kSoundSize = 36;
 constexpr int kRowGap = 6;
 constexpr int kHoldLabelHeight = 16;
 constexpr int kSsidHeight = 18;
-constexpr int kPanelHeight = kChartHeight + kRowGap + kCounterSize + kSsidHeight + kMargin;
+// The SSID line sits under the counter and under the hold note's two lines.
+constexpr int kSsidTop = kCounterSize + 6;
+constexpr int kPanelHeight = kChartHeight + kRowGap + kSsidTop + kSsidHeight + kMargin;
 constexpr qreal kPanelCornerRadius = 5.0;
 
 // The feedback sound: the timer's period, the gap with no usable speed,
@@ -523,9 +525,10 @@ void BMWifiScanVC::layoutViews()
     m_btnStartStop->setGeometry(kControlInset, controlTop, kControlSize, kControlSize);
     m_btnRecordReset->setGeometry(panelWidth - kControlInset - kControlSize, controlTop, kControlSize, kControlSize);
     const int holdWidth = kControlSize + 2 * kControlInset;
-    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, controlTop + kControlSize, holdWidth,
-                                    2 * kHoldLabelHeight - 6);
-    m_lblSSID->setGeometry(kMargin, rowTop + kCounterSize, panelWidth - 2 * kMargin, kSsidHeight);
+    const int holdTop = controlTop + kControlSize;
+    const int ssidTop = rowTop + kSsidTop;
+    m_lblHoldToAverage->setGeometry(panelWidth - holdWidth, holdTop, holdWidth, ssidTop - holdTop);
+    m_lblSSID->setGeometry(kMargin, ssidTop, panelWidth - 2 * kMargin, kSsidHeight);
     m_viewBorderedFrame->setGeometry(m_viewBordered->rect());
     m_viewBorderedFrame->raise();
 
@@ -603,6 +606,8 @@ void BMWifiScanVC::reloadPlot()
 
     m_charPlot = new RealTimePlot(this);
     m_charPlot->setRecordingColor(recordingColor());
+    // The panel's frame covers the overhang: the axes keep out of it.
+    m_charPlot->setCoveredMargins(QMarginsF(kPlotSideOverhang, 0, kPlotSideOverhang, 0));
     // The holder overhangs the panel on both sides, so the chart's own side
     // margins run under the panel's frame.
     const QSize container = m_viewPlotHolderContainer->size();
@@ -1428,6 +1433,9 @@ void BMWifiScanVC::showReplaceConfirmation(const WifiTestResult::Ptr &spot, cons
 void BMWifiScanVC::didEnterInEditMode(BMSpeedRecordCell *cell)
 {
     dismissEditPopup();
+    // A name still being typed is the spot's before it is asked about.
+    if (m_isEditingRecordName)
+        View::findAndResignFirstResponder(this);
     const WifiTestResult::Ptr spot = cell ? cell->record() : nullptr;
     if (!spot)
         return;

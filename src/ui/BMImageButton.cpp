@@ -217,7 +217,8 @@ void BMImageButton::paintEvent(QPaintEvent *)
         m_backgroundImage.paint(&painter, rect(), Qt::AlignCenter);
     if (hasFocus()) {
         painter.setOpacity(1.0);
-        Brightmere::FocusRing::paint(painter, rect(), -1, Brightmere::FocusRing::color(this));
+        // Thick and dark, so it shows on every button colour.
+        Brightmere::FocusRing::paint(painter, rect(), -1, Brightmere::Color::named(QStringLiteral("dark_blue")), 3.0);
     }
     const QString title = titleForState(isEnabled() ? State::Normal : State::Disabled);
     if (title.isEmpty())

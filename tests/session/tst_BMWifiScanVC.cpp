@@ -1,6 +1,7 @@
 #include "LogCapture.h"
 #include "WifiScanHarness.h"
 #include "chart/RealTimePlot.h"
+#include "chart/XYGraph.h"
 #include "core/BMReachabilityManager.h"
 #include "core/BMWiFiTester.h"
 #include "i18n/BMI18NManager.h"
@@ -12,7 +13,11 @@
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
 
+#include <QChartView>
+#include <QValueAxis>
 #include <QDir>
+#include <QGraphicsTextItem>
+#include <QTextDocument>
 #include <QFile>
 #include <QLabel>
 #include <QTextDocumentFragment>
@@ -41,7 +46,10 @@ private Q_SLOTS:
     void tutorialPaging();
     void tutorialRebuiltThenRemovedForGood();
     void passwordStaysInMemoryOnly();
-    void rendersEachState();
+    void followsTheWindowWidth_data();
+    void followsTheWindowWidth();
+    void holdNoteShowsWhole_data();
+    void holdNoteShowsWhole();
 };
 
 void tst_BMWifiScanVC::delegateCallOrder_data()
@@ -370,35 +378,92 @@ void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
     QVERIFY(!log.contains(WifiScanHarness::kPassword));
 }
 
-void tst_BMWifiScanVC::rendersEachState()
+void tst_BMWifiScanVC::followsTheWindowWidth_data()
 {
-    WifiScanHarness h({12.4, 18.0, 25.7, 31.2, 22.5, 14.8, 9.6, 17.3, 28.9, 35.1, 26.4, 19.2});
+    QTest::addColumn<int>("width");
+    QTest::newRow("320") << 320;
+    QTest::newRow("375") << 375;
+    QTest::newRow("800") << 800;
+    QTest::newRow("1280") << 1280;
+}
+
+void tst_BMWifiScanVC::followsTheWindowWidth()
+{
+    QFETCH(int, width);
+    // Three-digit speeds: the widest labels of the speed axis.
+    WifiScanHarness h({48.0, 131.0, 96.0, 142.0});
     QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
-    const QDir out(QCoreApplication::applicationDirPath());
-    const auto save = [&](const QString &state) {
-        QCoreApplication::processEvents();
-        const QString path = out.filePath("wifiscan-" + state + ".png");
-        QVERIFY2(h.nav->grab().save(path), qPrintable(path));
-    };
-    save("tutorial");
     h.start();
-    save("preparing");
-    h.results(12);
-    save("testing");
-    h.pressRecord();
-    h.results(3);
-    save("recording");
-    h.releaseRecord();
-    for (int spot = 0; spot < 4; ++spot) {
-        h.results(2);
-        h.recordSpot(spot % 2);
+    h.results(6);
+    h.recordSpot();
+    // Resized while shown, as a person drags the window's edge.
+    h.nav->resize(width, 640);
+    QCoreApplication::processEvents();
+    QWidget *panel = h.screen->viewBordered();
+    QCOMPARE(panel->width(), width - 16);
+    QCOMPARE(h.screen->tblRecords()->width(), width);
+    QCOMPARE(h.row(0)->width(), width);
+    // The chart fills its holder, which runs 20 points under the panel's
+    // frame on both sides; its axes' labels and titles stay in what shows.
+    QWidget *holder = h.screen->viewPlotHolder();
+    QCOMPARE(holder->width(), panel->width() + 40);
+    auto *chart = holder->findChild<QChartView *>();
+    QVERIFY(chart);
+    QCOMPARE(chart->width(), holder->width());
+    XYGraph *graph = h.screen->charPlot()->graph();
+    QCOMPARE(graph->size().width(), qreal(holder->width()));
+    QVERIFY(graph->plotArea().right() <= holder->width() - 20);
+    // Every label and title is drawn whole in what shows, the top speed and
+    // the end of the time axis among them (laid out anew for this width).
+    const QRectF shown(20, 0, holder->width() - 40, holder->height());
+    QStringList texts;
+    for (QGraphicsItem *item : chart->scene()->items()) {
+        auto *text = dynamic_cast<QGraphicsTextItem *>(item);
+        if (!text || !text->isVisible() || text->toPlainText().isEmpty())
+            continue;
+        texts << text->toPlainText().trimmed();
+        // The glyphs: the item's rectangle less its document's margin.
+        const qreal margin = text->document()->documentMargin();
+        const QRectF glyphs = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
+        QVERIFY2(shown.contains(glyphs), qPrintable(text->toPlainText()));
+        if (text->toPlainText() == QString::number(int(graph->xAxis()->max())))
+            QVERIFY(qAbs(text->sceneBoundingRect().center().x() - graph->plotArea().right()) < 10);
     }
-    h.run("startStop");
-    QCOMPARE(h.screen->recordedSpeeds().size(), 5);
-    save("stopped-five-spots");
-    h.row(1)->setEditing(true, true); // as a swipe does
-    QVERIFY(h.screen->editPopup());
-    save("confirm-popup");
+    for (const QString &wanted : {QString("Mbps"), QString("sec"), QString::number(h.screen->charPlot()->gMax())})
+        QVERIFY2(texts.contains(wanted), qPrintable(texts.join(',')));
+    // Every control inside the panel, none over another.
+    const QList<QWidget *> controls{h.screen->btnStartStop(), h.screen->btnRecordReset(), h.screen->btnSound(),
+                                    h.screen->wifiCounterBackground(), h.screen->lblHoldToAverage(),
+                                    h.screen->lblSSID()};
+    for (int i = 0; i < controls.size(); ++i) {
+        QVERIFY2(panel->rect().contains(controls.at(i)->geometry()), qPrintable(controls.at(i)->objectName()));
+        for (int j = i + 1; j < controls.size(); ++j)
+            QVERIFY2(!controls.at(i)->geometry().intersects(controls.at(j)->geometry()),
+                     qPrintable(controls.at(i)->objectName() + " " + controls.at(j)->objectName()));
+    }
+    const QString path = QCoreApplication::applicationDirPath() + QString("/wifiscan-%1.png").arg(width);
+    QVERIFY(h.nav->grab().save(path));
+}
+
+void tst_BMWifiScanVC::holdNoteShowsWhole_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("en") << "en";
+    QTest::newRow("es") << "es";
+}
+
+void tst_BMWifiScanVC::holdNoteShowsWhole()
+{
+    QFETCH(QString, language);
+    WifiScanHarness h;
+    BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+    h.start();
+    BMLabel *note = h.screen->lblHoldToAverage();
+    const QStringList lines = note->linesForWidth(note->contentsRect().width());
+    BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+    QVERIFY(lines.size() <= 2);
+    QVERIFY2(!lines.join(' ').contains(QChar(0x2026)), qPrintable(lines.join('|')));
+    QVERIFY(note->height() >= int(lines.size()) * note->fontMetrics().lineSpacing());
 }
 
 QTEST_MAIN(tst_BMWifiScanVC)

@@ -1,13 +1,16 @@
 #include "WifiScanHarness.h"
 #include "ui/BMLabel.h"
+#include "ui/BrightmereColor.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
 #include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/views/KeyboardNotifications.h"
+#include "platform/views/NavigationBar.h"
 #include "platform/views/Switch.h"
 
 #include <QApplication>
 #include <QCompleter>
+#include <QToolButton>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointingDevice>
@@ -243,6 +246,8 @@ void tst_BMWifiScanVCSpots::reRecord()
         QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_replace_record_confirm_always") + "<br/>"));
         QVERIFY(note.contains("color:#2882c6; font-size:8pt"));
         QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_delete_record_can_be_cleared_in_settings")));
+        // Readable on the white card: system colour 1, not 3.
+        QCOMPARE(popup->noteLabel()->palette().color(QPalette::WindowText), Brightmere::Color::system(1));
         QCOMPARE(popup->optionButtons().size(), 3);
         if (switchOn)
             QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
@@ -485,16 +490,23 @@ void tst_BMWifiScanVCSpots::tabFollowsTheScreen()
         h.recordSpot();
     }
     h.clickStartStop();
-    // Clicks leave the focus where it was.
-    QCOMPARE(QApplication::focusWidget() == h.screen->btnStartStop(), false);
-    h.screen->btnSound()->setFocus(Qt::TabFocusReason);
-    const QList<QWidget *> expected{h.screen->btnSound(), h.screen->btnStartStop(), h.screen->btnRecordReset(),
-                                    h.row(0)->lblArea(), h.row(1)->lblArea()};
-    for (int i = 0; i < expected.size(); ++i) {
-        QCOMPARE(QApplication::focusWidget(), expected.at(i));
-        if (i + 1 < expected.size())
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    // Clicks leave the focus with the screen, where no control is ringed.
+    QCOMPARE(QApplication::focusWidget(), h.screen);
+    // From the bar's buttons, left to right, down the screen.
+    QList<QWidget *> expected;
+    for (auto *button : h.nav->navigationBar()->findChildren<QToolButton *>()) {
+        if (button->isVisible())
+            expected << button;
     }
+    std::sort(expected.begin(), expected.end(), [](QWidget *a, QWidget *b) { return a->x() < b->x(); });
+    QCOMPARE(expected.size(), 3);
+    expected << h.screen->btnSound() << h.screen->btnStartStop() << h.screen->btnRecordReset()
+             << h.row(0)->lblArea() << h.row(1)->lblArea() << expected.first();
+    for (QWidget *widget : std::as_const(expected)) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), widget);
+    }
+    h.row(1)->lblArea()->setFocus(Qt::TabFocusReason);
     // Tabbed into, a name is not selected: a stray key does not wipe it.
     QLineEdit *name = h.row(1)->lblArea();
     QVERIFY(!name->hasSelectedText());

@@ -11,13 +11,13 @@ QColor color(const QWidget *widget)
     return widget ? widget->palette().color(QPalette::Active, QPalette::Highlight) : QColor(Qt::blue);
 }
 
-void paint(QPainter &painter, const QRectF &outline, qreal radius, const QColor &color)
+void paint(QPainter &painter, const QRectF &outline, qreal radius, const QColor &color, qreal width)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color, kWidth));
+    painter.setPen(QPen(color, width));
     painter.setBrush(Qt::NoBrush);
-    const QRectF ring = outline.adjusted(kWidth / 2, kWidth / 2, -kWidth / 2, -kWidth / 2);
+    const QRectF ring = outline.adjusted(width / 2, width / 2, -width / 2, -width / 2);
     if (radius < 0)
         painter.drawEllipse(ring);
     else

@@ -19,7 +19,7 @@ QColor color(const QWidget *widget);
 
 // Strokes the ring just inside the outline: a rounded rectangle, or an
 // ellipse when radius is negative.
-void paint(QPainter &painter, const QRectF &outline, qreal radius, const QColor &color);
+void paint(QPainter &painter, const QRectF &outline, qreal radius, const QColor &color, qreal width = kWidth);
 
 // Style-sheet rules, to come after the control's own: a transparent border
 // of the ring's width (so the control keeps its size) that takes the colour

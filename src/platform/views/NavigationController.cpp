@@ -4,9 +4,12 @@
 #include "ViewController.h"
 #include "core/BMLogger.h"
 
+#include <QApplication>
 #include <QPointer>
 #include <QShowEvent>
 #include <QStackedWidget>
+
+#include <algorithm>
 
 namespace Brightmere {
 
@@ -170,6 +173,44 @@ void NavigationController::hideEvent(QHideEvent *event)
         top->beginAppearanceTransition(false, false);
         top->endAppearanceTransition();
     }
+}
+
+bool NavigationController::focusNextPrevChild(bool next)
+{
+    const auto reachable = [](QWidget *widget) {
+        // A widget that hands its focus to another (a view's viewport) is
+        // as reachable as that one.
+        if (widget->focusProxy())
+            return false;
+        return (widget->focusPolicy() & Qt::TabFocus) && widget->isVisible() && widget->isEnabled();
+    };
+    QList<QWidget *> order;
+    QList<QWidget *> barButtons;
+    for (QWidget *button : m_bar->findChildren<QWidget *>()) {
+        if (reachable(button))
+            barButtons.append(button);
+    }
+    std::stable_sort(barButtons.begin(), barButtons.end(), [](QWidget *a, QWidget *b) { return a->x() < b->x(); });
+    order << barButtons;
+    if (ViewController *top = topViewController()) {
+        for (QWidget *w = top->nextInFocusChain(); w && w != top; w = w->nextInFocusChain()) {
+            if (top->isAncestorOf(w) && reachable(w) && !order.contains(w))
+                order.append(w);
+        }
+    }
+    if (order.isEmpty())
+        return QWidget::focusNextPrevChild(next);
+    const qsizetype current = order.indexOf(QApplication::focusWidget());
+    qsizetype target = current < 0 ? (next ? 0 : order.size() - 1) : current + (next ? 1 : -1);
+    if (target < 0 || target >= order.size()) {
+        // Past either end: on to the host's widgets, or round again when
+        // the controller is the window.
+        if (!isWindow())
+            return QWidget::focusNextPrevChild(next);
+        target = next ? 0 : order.size() - 1;
+    }
+    order.at(target)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void NavigationController::resizeEvent(QResizeEvent *)

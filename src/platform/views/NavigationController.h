@@ -57,6 +57,10 @@ protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    // Tab goes through the bar's buttons left to right, then the top
+    // screen's controls in the screen's own order, then on to whatever
+    // follows the controller in its window.
+    bool focusNextPrevChild(bool next) override;
 
 private:
     bool deferIfBusy(std::function<void()> operation);

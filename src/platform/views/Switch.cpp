@@ -1,5 +1,7 @@
 #include "Switch.h"
 
+#include "FocusRing.h"
+
 #include <QPainter>
 #include <QPainterPath>
 #include <QVariantAnimation>
@@ -21,6 +23,8 @@ Switch::Switch(QWidget *parent)
 {
     setCheckable(true);
     setCursor(Qt::PointingHandCursor);
+    // Tab reaches it and Space flips it; a click leaves the focus where it was.
+    setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_slide = new QVariantAnimation(this);
     connect(m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
@@ -108,6 +112,8 @@ void Switch::paintEvent(QPaintEvent *)
     painter.drawEllipse(knobRect.translated(0, 1));
     painter.setBrush(kKnobColor);
     painter.drawEllipse(knobRect);
+    if (hasFocus())
+        FocusRing::paint(painter, track, radius, FocusRing::color(this));
 }
 
 } // namespace Brightmere

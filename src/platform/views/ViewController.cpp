@@ -135,6 +135,7 @@ void ViewController::endAppearanceTransition()
 {
     if (m_appearance == Appearance::Appearing) {
         m_appearance = Appearance::Appeared;
+        takeKeyboardFocus();
         viewDidAppear(m_transitionAnimated);
     } else if (m_appearance == Appearance::Disappearing) {
         m_appearance = Appearance::Disappeared;
@@ -172,6 +173,16 @@ void ViewController::hideEvent(QHideEvent *event)
         return;
     beginAppearanceTransition(false, false);
     endAppearanceTransition();
+}
+
+void ViewController::takeKeyboardFocus()
+{
+    // The screen on show holds the keyboard itself, with no control ringed
+    // until Tab moves to one; a control left focused on a screen that went
+    // (or none at all) would otherwise take it.
+    QWidget *focus = window() ? window()->focusWidget() : nullptr;
+    if (!focus || !isAncestorOf(focus))
+        setFocus(Qt::OtherFocusReason);
 }
 
 void ViewController::setNavigationController(NavigationController *navigationController)

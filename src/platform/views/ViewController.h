@@ -78,6 +78,7 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
+    void takeKeyboardFocus();
     friend class NavigationController;
     friend class StoryboardSegue;
     void setNavigationController(NavigationController *navigationController);
