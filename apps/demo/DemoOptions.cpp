@@ -1,5 +1,7 @@
 #include "DemoOptions.h"
 
+#include "core/BMSDKGeneralUtilities.h"
+
 #include <QCommandLineParser>
 
 namespace {
@@ -39,7 +41,7 @@ QUrl webUrl(const QString &text, const QString &what, QStringList &errors)
         return {};
     const QUrl url(text, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty() || (url.scheme() != u"http" && url.scheme() != u"https")) {
-        errors << QStringLiteral("%1: not an http(s) address: %2").arg(what, text);
+        errors << QStringLiteral("%1: not an http(s) address: %2").arg(what, BMSDKGeneralUtilities::displayAddress(text));
         return {};
     }
     return url;

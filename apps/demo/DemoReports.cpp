@@ -17,6 +17,26 @@
 namespace {
 const QString kModule = QStringLiteral("DemoHost");
 
+// What file systems allow for one name, in bytes of UTF-8.
+constexpr qsizetype kMaxFileNameBytes = 255;
+
+// The longest start of the text that takes at most that many bytes of
+// UTF-8, never cutting a character (a surrogate pair stays whole).
+QString utf8Prefix(const QString &text, qsizetype maxBytes)
+{
+    qsizetype bytes = 0;
+    qsizetype i = 0;
+    while (i < text.size()) {
+        const qsizetype length = text.at(i).isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+        const qsizetype size = QStringView(text).mid(i, length).toUtf8().size();
+        if (bytes + size > maxBytes)
+            break;
+        bytes += size;
+        i += length;
+    }
+    return text.left(i);
+}
+
 DemoReports::Outcome fromResult(const FZReportResult &result, const QString &path, const QString &done)
 {
     DemoReports::Outcome outcome;
@@ -64,9 +84,14 @@ QString DemoReports::fileFor(const QString &base, const QString &suffix) const
     QString name = QString(base).replace(unsafe, QStringLiteral("_")).trimmed();
     if (name.isEmpty() || name.startsWith(QLatin1Char('.')))
         name.prepend(QStringLiteral("report"));
-    name += QLatin1Char(' ') + time.toString(QStringLiteral("yyyy-MM-dd HHmmss"));
+    const QString stamp = QLatin1Char(' ') + time.toString(QStringLiteral("yyyy-MM-dd HHmmss"));
+    // A file name holds at most 255 bytes: a long title (CJK, emoji) is
+    // cut, between whole characters, so that the date, a " (n)" and the
+    // extension still fit.
+    const qsizetype room = kMaxFileNameBytes - (stamp + QStringLiteral(" (99).") + suffix).toUtf8().size();
+    name = utf8Prefix(name, room).trimmed() + stamp;
     QString path = m_folder.filePath(QStringLiteral("%1.%2").arg(name, suffix));
-    for (int n = 2; QFileInfo::exists(path); ++n)
+    for (int n = 2; QFileInfo::exists(path) && n < 100; ++n)
         path = m_folder.filePath(QStringLiteral("%1 (%2).%3").arg(name).arg(n).arg(suffix));
     return path;
 }

@@ -15,6 +15,7 @@
 #include "DemoWalkthrough.h"
 #include "DemoWindow.h"
 #include "core/BMSDKBackend.h"
+#include "core/BMSDKGeneralUtilities.h"
 #include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/views/NavigationController.h"
@@ -67,9 +68,11 @@ int main(int argc, char *argv[])
     out << "Demo host: customer " << options.customer << ", "
         << (options.password.isEmpty() ? "no password" : "password given") << ", "
         << (options.testerUrl.isEmpty() || walkthrough ? QStringLiteral("simulated network")
-                                                       : QStringLiteral("tester ") + options.testerUrl.toString())
+                                                       : QStringLiteral("tester ")
+                                                             + BMSDKGeneralUtilities::displayAddress(options.testerUrl))
         << ", texts "
-        << (options.i18nServiceUrl.isEmpty() ? QStringLiteral("built in") : options.i18nServiceUrl.toString())
+        << (options.i18nServiceUrl.isEmpty() ? QStringLiteral("built in")
+                                             : BMSDKGeneralUtilities::displayAddress(options.i18nServiceUrl))
         << Qt::endl;
 
     if (walkthrough) {

@@ -1,5 +1,7 @@
 #include "BMLogger.h"
 
+#include <algorithm>
+
 BMLogger &BMLogger::sharedInstance()
 {
     static BMLogger logger;
@@ -19,8 +21,44 @@ const QLoggingCategory &BMLogger::category(const QString &module)
     return *it->second.second;
 }
 
-void BMLogger::log(const QString &module, int level, const QString &message)
+namespace {
+
+// Messages quote texts from servers and files: each stays one line (line
+// breaks and other control characters are shown escaped, "\n") of a
+// readable length.
+constexpr qsizetype kMaxMessageLength = 2000;
+
+QString printable(const QString &message)
 {
+    const bool controls = std::any_of(message.cbegin(), message.cend(),
+                                      [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; });
+    if (!controls && message.size() <= kMaxMessageLength)
+        return message;
+    QString out;
+    out.reserve(std::min(message.size(), kMaxMessageLength) + 32);
+    for (qsizetype i = 0; i < message.size() && out.size() < kMaxMessageLength; ++i) {
+        const char16_t c = message.at(i).unicode();
+        if (c == u'\n')
+            out += QStringLiteral("\\n");
+        else if (c == u'\r')
+            out += QStringLiteral("\\r");
+        else if (c == u'\t')
+            out += QStringLiteral("\\t");
+        else if (c < 0x20 || c == 0x7f)
+            out += QStringLiteral("\\x%1").arg(int(c), 2, 16, QLatin1Char('0'));
+        else
+            out += QChar(c);
+    }
+    if (out.size() >= kMaxMessageLength && message.size() > kMaxMessageLength)
+        out += QStringLiteral("... (%1 characters in all)").arg(message.size());
+    return out;
+}
+
+} // namespace
+
+void BMLogger::log(const QString &module, int level, const QString &rawMessage)
+{
+    const QString message = printable(rawMessage);
     const QLoggingCategory &cat = category(module);
     const QString line = QStringLiteral("[%1] %2: %3").arg(level).arg(module, message);
     if (level >= 3)

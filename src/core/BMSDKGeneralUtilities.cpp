@@ -101,3 +101,27 @@ QString BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(const QDateTime
         return QString();
     return date.toLocalTime().toString(QStringLiteral("yy/MM/dd HH:mm"));
 }
+
+QString BMSDKGeneralUtilities::displayAddress(const QUrl &url)
+{
+    return url.toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery);
+}
+
+QString BMSDKGeneralUtilities::displayAddress(const QString &address)
+{
+    return displayAddress(QUrl(address));
+}
+
+QString BMSDKGeneralUtilities::withoutUserInfo(const QString &text, const QUrl &url)
+{
+    QString cleaned = text;
+    for (const QUrl::ComponentFormattingOptions form : {QUrl::FullyEncoded, QUrl::PrettyDecoded, QUrl::FullyDecoded}) {
+        const QString userInfo = url.userInfo(form);
+        if (!userInfo.isEmpty())
+            cleaned.replace(userInfo + u'@', QString());
+        const QString password = url.password(form);
+        if (!password.isEmpty())
+            cleaned.replace(password, QStringLiteral("***"));
+    }
+    return cleaned;
+}

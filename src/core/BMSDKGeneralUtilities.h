@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QUrl>
 
 // Small services of the core library: the device language, the language the
 // kit shows, addresses built from formats, and date texts.
@@ -35,4 +36,12 @@ public:
 
     // "yy/MM/dd HH:mm" in local time; an invalid date gives an empty text.
     static QString stringWithYYMMDDHMMFormatFromDate(const QDateTime &date);
+
+    // An address as logs, errors and screens may show it: without its user
+    // name and password ("http://host/..."), and without its query.
+    static QString displayAddress(const QUrl &url);
+    static QString displayAddress(const QString &address);
+    // The text with every mention of the address's user name and password
+    // taken out (Qt's own error texts quote the address whole).
+    static QString withoutUserInfo(const QString &text, const QUrl &url);
 };

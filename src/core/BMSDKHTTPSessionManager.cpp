@@ -2,6 +2,7 @@
 
 #include "BMBaseNotification.h"
 #include "BMLogger.h"
+#include "BMSDKGeneralUtilities.h"
 #include "BMSDKRestServiceManager.h"
 #include "platform/foundation/TaskList.h"
 
@@ -266,7 +267,14 @@ private:
     void onFinished();
     void stopTooLarge();
     void fail(int statusCode, const BMError &error, bool connectivity);
-    QString address() const { return url.toString(QUrl::RemoveQuery | QUrl::RemoveUserInfo); }
+    QString address() const { return BMSDKGeneralUtilities::displayAddress(url); }
+    // Qt's error text, which may quote the address whole.
+    QString errorText() const { return BMSDKGeneralUtilities::withoutUserInfo(m_reply->errorString(), url); }
+    // What the host is handed: the address without its user information.
+    BMSDKRestRequestTask task(int statusCode) const
+    {
+        return BMSDKRestRequestTask(id, url.adjusted(QUrl::RemoveUserInfo), statusCode);
+    }
 
     QNetworkReply *m_reply = nullptr;
     QTimer *m_timer = nullptr;
@@ -280,6 +288,10 @@ void BMSDKHTTPSessionManager::Request::start(const std::shared_ptr<Request> &req
 {
     QNetworkRequest networkRequest(request->url);
     networkRequest.setRawHeader("Accept", "application/json");
+    // A redirect elsewhere would carry the token (and any user name and
+    // password of the address) to another origin: only the same scheme,
+    // host and port are followed; anything else fails the request.
+    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
     if (!request->sentToken.isEmpty())
         networkRequest.setRawHeader("Authorization", "Bearer " + request->sentToken.toUtf8());
 
@@ -373,7 +385,7 @@ void BMSDKHTTPSessionManager::Request::onFinished()
         const bool connectivity = isConnectivityFailure(error);
         fail(status,
              BMError(domain, connectivity ? kRestServiceErrorNotConnected : kRestServiceErrorTransport,
-                     QStringLiteral("The request to %1 failed: %2").arg(address(), m_reply->errorString())),
+                     QStringLiteral("The request to %1 failed: %2").arg(address(), errorText())),
              connectivity);
         return;
     }
@@ -425,10 +437,10 @@ void BMSDKHTTPSessionManager::Request::onFinished()
     }
 
     // 5. Use.
-    const BMSDKRestRequestTask task(id, url, status);
+    const BMSDKRestRequestTask answered = task(status);
     m_body.clear();
     if (success)
-        callHandler("success", [&] { success(task, *response); });
+        callHandler("success", [&] { success(answered, *response); });
 }
 
 void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error, bool connectivity)
@@ -441,9 +453,9 @@ void BMSDKHTTPSessionManager::Request::fail(int statusCode, const BMError &error
                                          {QStringLiteral("description"), error.localizedDescription()}});
         notification.post();
     }
-    const std::optional<BMSDKRestRequestTask> task = BMSDKRestRequestTask(id, url, statusCode);
+    const std::optional<BMSDKRestRequestTask> failed = task(statusCode);
     if (failure)
-        callHandler("failure", [&] { failure(task, error); });
+        callHandler("failure", [&] { failure(failed, error); });
 }
 
 std::optional<QVariantMap> BMSDKHTTPSessionManager::responseFromBody(const QByteArray &body, QString *problem)

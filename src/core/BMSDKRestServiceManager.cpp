@@ -2,6 +2,7 @@
 
 #include "BMBaseNotification.h"
 #include "BMLogger.h"
+#include "BMSDKGeneralUtilities.h"
 
 #include <QCoreApplication>
 #include <QMutex>
@@ -85,7 +86,7 @@ struct BMSDKRestServiceManager::TokenState
             if (wanted) {
                 BMBaseNotification notification(
                     QString::fromLatin1(kRestServiceConnectivityErrorNotification),
-                    {{QStringLiteral("url"), task ? task->url().toString(QUrl::RemoveQuery) : QString()},
+                    {{QStringLiteral("url"), task ? BMSDKGeneralUtilities::displayAddress(task->url()) : QString()},
                      {QStringLiteral("code"), error->code()},
                      {QStringLiteral("description"), error->localizedDescription()}});
                 notification.post();
@@ -140,7 +141,8 @@ void BMSDKRestServiceManager::setBrightmereServerURL(const QString &url)
         s.serverURL = cleaned;
     }
     BMLogger::sharedInstance().logFromModule(QStringLiteral("BMSDKRestServiceManager"), 2,
-                                             "service address: %@", brightmereServerURL());
+                                             "service address: %@",
+                                             BMSDKGeneralUtilities::displayAddress(brightmereServerURL()));
 }
 
 QString BMSDKRestServiceManager::applicationIdentifier()
@@ -227,7 +229,7 @@ void BMSDKRestServiceManager::startRequestForAppAuthorizationTokenWithSuccessBlo
         if (token.typeId() != QMetaType::QString || token.toString().isEmpty()) {
             const BMError error(domain, kRestServiceErrorMalformedResponse,
                                 QStringLiteral("The token answer of %1 holds no token")
-                                    .arg(task.url().toString(QUrl::RemoveQuery)));
+                                    .arg(BMSDKGeneralUtilities::displayAddress(task.url())));
             BMLogger::sharedInstance().logFromModule(module, 2, "%@", error.localizedDescription());
             state->finish(module, task, error);
             return;

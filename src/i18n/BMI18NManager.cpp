@@ -114,6 +114,10 @@ BMI18NManager::BMI18NManager()
         language = storedLanguage.toString().trimmed();
     else if (storedLanguage.isValid())
         logLine(3, "the stored language is not a text; the device language is used");
+    if (!language.isEmpty() && !isLanguageCode(language)) {
+        logLine(3, "the stored language \"%@\" is no language code; the device language is used", language.left(64));
+        language.clear();
+    }
 
     m_languagesList = builtInLanguages();
     if (!language.isEmpty()) {
@@ -121,7 +125,7 @@ BMI18NManager::BMI18NManager()
         m_languagesList.insert(language);
     } else {
         m_langCode = BMSDKGeneralUtilities::getOSLanguage().section(u'-', 0, 0).trimmed();
-        if (m_langCode.isEmpty())
+        if (!isLanguageCode(m_langCode))
             m_langCode = kDefaultLang;
     }
     BMSDKGeneralUtilities::setLanguage(currentLanguageLocked());
@@ -351,10 +355,35 @@ QString BMI18NManager::currentLanguageLocked() const
     return kDefaultLang;
 }
 
+bool BMI18NManager::isLanguageCode(const QString &code)
+{
+    constexpr int kMaxParts = 4;
+    constexpr int kMaxPartLength = 8;
+    int parts = 1;
+    int partLength = 0;
+    for (const QChar c : code) {
+        const char16_t u = c.unicode();
+        if ((u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9')) {
+            if (++partLength > kMaxPartLength)
+                return false;
+        } else if ((u == u'-' || u == u'_') && partLength > 0 && parts < kMaxParts) {
+            ++parts;
+            partLength = 0;
+        } else {
+            return false;
+        }
+    }
+    return partLength > 0;
+}
+
 void BMI18NManager::setCurrentLanguage(const QString &code)
 {
     if (code.trimmed().isEmpty()) {
         logLine(2, "setCurrentLanguage: an empty language code is ignored");
+        return;
+    }
+    if (!isLanguageCode(code)) {
+        logLine(3, "setCurrentLanguage: \"%@\" is no language code; the language stays as it was", code.left(64));
         return;
     }
     {
@@ -505,6 +534,10 @@ void BMI18NManager::handleBundleInfo(const QVariantMap &response)
                 continue;
             }
             const QString code = id.toString();
+            if (!isLanguageCode(code)) {
+                logLine(3, "a bundle list entry whose language \"%@\" is no language code is skipped", code.left(64));
+                continue;
+            }
             const QVariant tsValue = fields.value(kTsKey);
             const std::optional<double> ts = numberFrom(tsValue);
             if (!ts && tsValue.isValid())
@@ -553,6 +586,8 @@ void BMI18NManager::handleBundleData(const QVariantMap &response)
         problem = QStringLiteral("the answer holds no data object");
     else if (id.typeId() != QMetaType::QString || id.toString().isEmpty())
         problem = QStringLiteral("the bundle has no language code");
+    else if (!isLanguageCode(id.toString()))
+        problem = QStringLiteral("the bundle's language \"%1\" is no language code").arg(id.toString().left(64));
     else if (!isMap(contents))
         problem = QStringLiteral("the bundle's \"contents\" is not a dictionary");
     if (!problem.isEmpty()) {

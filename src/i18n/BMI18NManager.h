@@ -99,8 +99,14 @@ public:
     void updateBundleTexts();
 
     // Changes the language texts are shown in and posts "kLanguageChange";
-    // nothing is downloaded or saved (call updateBundleTexts for that).
+    // nothing is downloaded or saved (call updateBundleTexts for that). A
+    // code that is no language code is refused with a log line.
     void setCurrentLanguage(const QString &code);
+    // Whether a text looks like a language code: letters and digits in up
+    // to four parts joined by "-" or "_", each at most 8 long ("es",
+    // "pt-BR", "zh_Hant"). Codes from the service, the cache or a host are
+    // taken only when they do; they also become a part of an address.
+    static bool isLanguageCode(const QString &code);
     // The language code held when the user can choose it, else its part
     // before "-" when the user can choose that, else "en".
     QString currentLanguage() const;

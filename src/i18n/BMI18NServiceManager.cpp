@@ -1,7 +1,10 @@
 #include "BMI18NServiceManager.h"
 
 #include "core/BMLogger.h"
+#include "BMI18NManager.h"
 #include "core/BMSDKGeneralUtilities.h"
+
+#include <QUrl>
 
 BMI18NServiceManager::BMI18NServiceManager(QObject *parent)
     : BMSDKRestServiceManager(parent)
@@ -25,10 +28,11 @@ QString BMI18NServiceManager::bundleInfoUrl()
 
 QString BMI18NServiceManager::bundleDataUrl(const QString &language)
 {
+    // The code is one segment of the path, whatever it holds.
     return BMSDKGeneralUtilities::urlEncodeWithFormat(QStringLiteral("%@/%@/%@/message/bundle/%@"),
                                                       sharedInstance()->brightmereServerURL(),
                                                       kRestServiceManagerAPI, kRestServiceManagerVersion2,
-                                                      language);
+                                                      QString::fromLatin1(QUrl::toPercentEncoding(language)));
 }
 
 void BMI18NServiceManager::requestI18NBundleInfoWithSuccessBlock(SuccessBlock success, FailureBlock andErrorBlock)
@@ -52,5 +56,14 @@ void BMI18NServiceManager::requestI18NBundleInfoWithSuccessBlock(SuccessBlock su
 void BMI18NServiceManager::requestI18NBundleDataWithSuccessBlock(SuccessBlock success, FailureBlock andErrorBlock,
                                                                  const QString &forLanguage)
 {
+    if (!BMI18NManager::isLanguageCode(forLanguage)) {
+        const BMError error(QString::fromLatin1(kRestServiceErrorDomain), kRestServiceErrorMalformedResponse,
+                            QStringLiteral("\"%1\" is no language code; no bundle is asked for").arg(forLanguage.left(64)));
+        BMLogger::sharedInstance().logFromModule(QString::fromLatin1(metaObject()->className()), 3, "%@",
+                                                 error.localizedDescription());
+        if (andErrorBlock)
+            andErrorBlock(std::nullopt, error);
+        return;
+    }
     manager()->GET(bundleDataUrl(forLanguage), {}, std::move(success), std::move(andErrorBlock), false);
 }

@@ -29,7 +29,7 @@ QByteArray FZComparisonCsvWriter::csvForComparison(const FZResultSpotsSetsCompar
     QList<QStringList> rows;
     rows.reserve(report.rows().size());
     for (const FZComparisonReportRows::Row &row : report.rows()) {
-        rows.append({row.label, speedOf(row.first), speedOf(row.second),
+        rows.append({FZCsvFormat::text(row.label), speedOf(row.first), speedOf(row.second),
                      row.changeMbps ? FZCsvFormat::decimal(*row.changeMbps, 2) : QString(),
                      row.changePercent ? FZCsvFormat::decimal(*row.changePercent, 2) : QString()});
     }

@@ -9,7 +9,8 @@
 QString FZCsvFormat::field(const QString &text)
 {
     const bool needsQuotes = text.contains(u',') || text.contains(u'"') || text.contains(u'\n')
-        || text.contains(u'\r') || (!text.isEmpty() && (text.front().isSpace() || text.back().isSpace()));
+        || text.contains(u'\r') || (!text.isEmpty() && (text.front().isSpace() || text.back().isSpace()))
+        || text.startsWith(u'\'');
     if (!needsQuotes)
         return text;
     QString quoted = text;
@@ -17,22 +18,33 @@ QString FZCsvFormat::field(const QString &text)
     return u'"' + quoted + u'"';
 }
 
+QString FZCsvFormat::text(const QString &text)
+{
+    static const QString kFormulaStarts = QStringLiteral("=+-@\t\r");
+    if (!text.isEmpty() && kFormulaStarts.contains(text.front()))
+        return u'\'' + text;
+    return text;
+}
+
 QByteArray FZCsvFormat::document(const QStringList &header, const QList<QStringList> &rows)
 {
-    QString text;
-    text.reserve((rows.size() + 1) * 96);
-    const auto appendRow = [&text](const QStringList &row) {
+    QString out;
+    out.reserve((rows.size() + 1) * 96);
+    const auto appendRow = [&out](const QStringList &row) {
         for (qsizetype i = 0; i < row.size(); ++i) {
             if (i > 0)
-                text.append(u',');
-            text.append(field(row.at(i)));
+                out.append(u',');
+            out.append(field(row.at(i)));
         }
-        text.append(QLatin1String("\r\n"));
+        out.append(QLatin1String("\r\n"));
     };
-    appendRow(header);
+    QStringList headerTexts;
+    for (const QString &cell : header)
+        headerTexts.append(text(cell));
+    appendRow(headerTexts);
     for (const QStringList &row : rows)
         appendRow(row);
-    return QByteArray("\xEF\xBB\xBF") + text.toUtf8();
+    return QByteArray("\xEF\xBB\xBF") + out.toUtf8();
 }
 
 QString FZCsvFormat::decimal(double value, int decimals)

@@ -12,9 +12,16 @@ class FZCsvFormat
 {
 public:
     // The field as written: quoted, inner quotes doubled, when it holds a
-    // comma, a quote, a line break or blanks at either end.
+    // comma, a quote, a line break or blanks at either end, or begins with
+    // an apostrophe.
     static QString field(const QString &text);
-    // The whole document, the header first.
+    // A text cell that a spreadsheet must not run as a formula: one that
+    // begins with "=", "+", "-", "@", a tab or a carriage return (a spot
+    // name, a set title, a neighbour's SSID) gets a leading apostrophe,
+    // which spreadsheets read as "this is text". Numbers are not passed
+    // through here: they stay numbers.
+    static QString text(const QString &text);
+    // The whole document, the header first; every header cell is a text.
     static QByteArray document(const QStringList &header, const QList<QStringList> &rows);
     // Fixed decimals with a dot; empty for a value that is not a number.
     static QString decimal(double value, int decimals);

@@ -35,9 +35,10 @@ QByteArray FZSpotsSetCsvWriter::csvForSet(const FZHistoricalResultSpotsSet::Ptr 
         if (!spot)
             continue;
         // Booleans as a spreadsheet reads them, not as words of one language.
-        rows.append({spot->label(), FZCsvFormat::decimal(spot->speedInMbps(), 2),
+        rows.append({FZCsvFormat::text(spot->label()), FZCsvFormat::decimal(spot->speedInMbps(), 2),
                      spot->isAverage() ? QStringLiteral("true") : QStringLiteral("false"),
-                     FZCsvFormat::decimal(spot->duration(), 2), spot->ssid(), spot->bssid(),
+                     FZCsvFormat::decimal(spot->duration(), 2), FZCsvFormat::text(spot->ssid()),
+                     FZCsvFormat::text(spot->bssid()),
                      FZCsvFormat::isoTime(spot->timeAfterTest())});
     }
     return FZCsvFormat::document(header(), rows);

@@ -1,3 +1,4 @@
+#include "BoundedRun.h"
 #include "platform/foundation/StringFormat.h"
 
 #include <QtTest>
@@ -12,6 +13,8 @@ private Q_SLOTS:
     void format_data();
     void format();
     void printConvertsArguments();
+    void hostileFormatsStayBounded_data();
+    void hostileFormatsStayBounded();
 };
 
 void tst_StringFormat::format_data()
@@ -60,6 +63,32 @@ void tst_StringFormat::printConvertsArguments()
     QCOMPARE(StringFormat::print(QStringLiteral("%@ %lu %d %@ %.1f"), "text", count, -2,
                                  QStringLiteral("q"), 2.79f),
              QStringLiteral("text 4 -2 q 2.8"));
+}
+
+void tst_StringFormat::hostileFormatsStayBounded_data()
+{
+    // Formats as a downloaded translation may hold them ("Spot %d" is one).
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<qsizetype>("longest");
+    const qsizetype field = StringFormat::kMaxFieldLength;
+    QTest::newRow("huge width of an object") << "Spot %2000000000@" << QVariantList{"x"} << 5 + field;
+    QTest::newRow("huge width of an integer") << "%999999999d" << QVariantList{7} << field;
+    QTest::newRow("huge precision of an integer") << "%.2000000000d" << QVariantList{7} << field;
+    QTest::newRow("a width that overflows int") << "%99999999999999999999d" << QVariantList{7} << field;
+    QTest::newRow("a width taken from the arguments") << "%*d" << QVariantList{2147483647, 7} << field;
+    QTest::newRow("many large fields") << QString("%999@").repeated(20000) << QVariantList{"x"}
+                                       << StringFormat::kMaxOutputLength;
+}
+
+void tst_StringFormat::hostileFormatsStayBounded()
+{
+    QFETCH(QString, format);
+    QFETCH(QVariantList, arguments);
+    QFETCH(qsizetype, longest);
+    // In a child with 256 MB and 5 s: a regression fails the row, it does
+    // not take the run down.
+    QVERIFY(runBounded([&] { return StringFormat::format(format, arguments).size() <= longest; }, 256u << 20));
 }
 
 QTEST_GUILESS_MAIN(tst_StringFormat)

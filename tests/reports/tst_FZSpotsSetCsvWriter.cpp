@@ -44,6 +44,13 @@ void tst_FZSpotsSetCsvWriter::quoting_data()
     QTest::newRow("CJK") << "客厅 2" << "客厅 2";
     QTest::newRow("leading blank kept") << " Porch" << "\" Porch\"";
     QTest::newRow("empty") << "" << "";
+    // Names from people and neighbours' access points: never a formula.
+    QTest::newRow("formula") << "=HYPERLINK(\"http://x\",\"y\")" << "\"'=HYPERLINK(\"\"http://x\"\",\"\"y\"\")\"";
+    QTest::newRow("plus") << "+1+2" << "\"'+1+2\"";
+    QTest::newRow("minus") << "-2+3" << "\"'-2+3\"";
+    QTest::newRow("at") << "@SUM(A1)" << "\"'@SUM(A1)\"";
+    QTest::newRow("tab") << "\t=1" << "\"'\t=1\"";
+    QTest::newRow("carriage return") << "\r=1" << "\"'\r=1\"";
 }
 
 void tst_FZSpotsSetCsvWriter::quoting()
@@ -59,7 +66,8 @@ void tst_FZSpotsSetCsvWriter::quoting()
     const QList<QStringList> records = parseCsv(csv);
     QCOMPARE(records.size(), 2);
     QCOMPARE(records.at(1).size(), 7);
-    QCOMPARE(records.at(1).at(0), label);
+    const bool guarded = !label.isEmpty() && QStringLiteral("=+-@\t\r").contains(label.front());
+    QCOMPARE(records.at(1).at(0), guarded ? u'\'' + label : label);
 }
 
 void tst_FZSpotsSetCsvWriter::columns_data()

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include "BMBoundedTcpServer.h"
+
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponse>
@@ -92,7 +94,16 @@ void BMLocalisationService::setToken(const QString &token)
 quint16 BMLocalisationService::listen(const QHostAddress &address, quint16 port)
 {
     m_address = address;
-    m_port = m_server->listen(address, port);
+    // Bound through a server that refuses oversized requests before the
+    // HTTP server buffers them.
+    auto *tcp = new BMBoundedTcpServer(this);
+    if (!tcp->listen(address, port)) {
+        delete tcp;
+        m_port = 0;
+        return 0;
+    }
+    m_server->bind(tcp);
+    m_port = tcp->serverPort();
     return m_port;
 }
 

@@ -3,15 +3,45 @@
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QLocale>
+#include <QLoggingCategory>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <mutex>
 
 namespace Brightmere {
 
+Q_LOGGING_CATEGORY(lcStringFormat, "brightmere.foundation")
+
 namespace {
+
+// A field's width or precision as written (or given for "*"), cut to the
+// limit; the first cut of the process is logged.
+int boundedField(qint64 requested)
+{
+    if (requested <= StringFormat::kMaxFieldLength)
+        return int(std::max<qint64>(requested, -1));
+    static std::once_flag logged;
+    std::call_once(logged, [requested] {
+        qCWarning(lcStringFormat).noquote() << "StringFormat: a width or precision of" << requested
+                                            << "is past the limit;" << StringFormat::kMaxFieldLength
+                                            << "is used (logged once)";
+    });
+    return StringFormat::kMaxFieldLength;
+}
+
+// Digits of a number in a format, saturating rather than overflowing.
+qint64 readDigits(const QString &format, qsizetype &i)
+{
+    qint64 value = 0;
+    while (i < format.size() && format.at(i).isDigit()) {
+        value = std::min<qint64>(value * 10 + format.at(i).digitValue(), std::numeric_limits<int>::max());
+        ++i;
+    }
+    return value;
+}
 
 struct Directive
 {
@@ -140,6 +170,15 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
     const qsizetype n = format.size();
     qsizetype i = 0;
     while (i < n) {
+        if (out.size() > kMaxOutputLength) {
+            static std::once_flag logged;
+            std::call_once(logged, [] {
+                qCWarning(lcStringFormat).noquote() << "StringFormat: a text past" << kMaxOutputLength
+                                                    << "characters is cut there (logged once)";
+            });
+            out.truncate(kMaxOutputLength);
+            break;
+        }
         const QChar c = format.at(i);
         if (c != u'%') {
             out += c;
@@ -156,11 +195,9 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
         int position = -1;
         // Positional argument "n$".
         qsizetype j = i;
-        int number = 0;
-        while (j < n && format.at(j).isDigit())
-            number = number * 10 + format.at(j++).digitValue();
+        const qint64 number = readDigits(format, j);
         if (j > i && j < n && format.at(j) == u'$') {
-            position = number - 1;
+            position = int(std::min<qint64>(number, std::numeric_limits<int>::max()) - 1);
             i = j + 1;
         }
         for (; i < n; ++i) {
@@ -174,16 +211,13 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
         }
         auto readNumber = [&](int &target) {
             if (i < n && format.at(i) == u'*') {
-                target = nextArgument < arguments.size() ? arguments.at(nextArgument).toInt() : 0;
+                target = boundedField(nextArgument < arguments.size() ? arguments.at(nextArgument).toLongLong() : 0);
                 ++nextArgument;
                 ++i;
                 return;
             }
-            if (i < n && format.at(i).isDigit()) {
-                target = 0;
-                while (i < n && format.at(i).isDigit())
-                    target = target * 10 + format.at(i++).digitValue();
-            }
+            if (i < n && format.at(i).isDigit())
+                target = boundedField(readDigits(format, i));
         };
         readNumber(directive.width);
         if (i < n && format.at(i) == u'.') {

@@ -14,9 +14,17 @@ namespace Brightmere {
 // %%, with flags, width, precision, length modifiers (ignored) and positional
 // arguments ("%2$@"). A missing argument formats as "(null)" or 0; a value of
 // the wrong kind is converted, never an error.
+//
+// Formats come from outside too (a downloaded translation), so nothing in
+// one can make formatting slow or large: a width or precision above
+// kMaxFieldLength counts as that limit, and the text stops growing at
+// kMaxOutputLength characters. Either is logged once per process.
 class StringFormat
 {
 public:
+    static constexpr int kMaxFieldLength = 1000;
+    static constexpr qsizetype kMaxOutputLength = 1 << 20;
+
     static QString format(const QString &format, const QVariantList &arguments);
 
     template<typename... Args>
