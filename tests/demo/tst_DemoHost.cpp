@@ -236,6 +236,29 @@ private Q_SLOTS:
         window.reset();
     }
 
+    void longTitlesStillExport_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::newRow("100 CJK characters") << QString(100, QChar(0x5BA2));
+        QTest::newRow("300 letters") << QString(300, u'a');
+        QTest::newRow("70 emoji") << QString::fromUtf8("\xF0\x9F\x8F\xA0").repeated(70);
+    }
+    void longTitlesStillExport()
+    {
+        QFETCH(QString, title);
+        QTemporaryDir folder;
+        const DemoReports reports(folder.path());
+        const auto set = ReportFixtures::makeSet(title, {"Hall"});
+        for (const DemoReports::Outcome &outcome : {reports.exportSetCsv(set), reports.exportSetPdf(set)}) {
+            QVERIFY2(outcome.ok, qPrintable(outcome.message));
+            const QString name = QFileInfo(outcome.path).fileName();
+            QVERIFY(name.toUtf8().size() <= 255);
+            QVERIFY(name.startsWith(title.left(10)));
+            // Cut between whole characters: the name reads back as it was written.
+            QCOMPARE(QString::fromUtf8(name.toUtf8()), name);
+        }
+    }
+
     // The whole tour in process: what the summary tells must match what was
     // done, and the password given never shows.
     void walkthroughSummary()

@@ -426,6 +426,51 @@ private Q_SLOTS:
         QVERIFY2(logged.isEmpty() || m_log->contains(logged), qPrintable(m_log->text()));
     }
 
+    void hostileLanguageCodes_data()
+    {
+        QTest::addColumn<QString>("source"); // where the code comes from
+        QTest::addColumn<QString>("code");
+        const QStringList codes{"../../auth/token?appId=x#y", "a\nb", QString("x") + QChar(0) + "y", QString(65536, u'a'),
+                                QString::fromUtf8("\xF0\x9F\x98\x80")};
+        for (const QString &source : {"bundle", "list", "host", "stored"}) {
+            for (int i = 0; i < codes.size(); ++i)
+                QTest::newRow(qPrintable(QString("%1 %2").arg(source).arg(i))) << source << codes.at(i);
+        }
+    }
+
+    void hostileLanguageCodes()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, code);
+        if (source == "stored") {
+            storeRecord(code, {});
+            BMI18NManager::resetSharedInstanceForTesting();
+        }
+        BMI18NManager *manager = BMI18NManager::sharedInstance();
+        if (source == "bundle")
+            deliver(code, 1, {{"probe", "hostile"}});
+        else if (source == "list")
+            manager->requestBundleInfoSuccessBlock()(
+                BMSDKRestRequestTask(),
+                {{"code", 200}, {"data", QVariantMap{{"bundleArray", QVariantList{QVariantMap{{"_id", code}, {"ts", 1}}}}}}});
+        else if (source == "host")
+            manager->setCurrentLanguage(code);
+        manager->updateBundleTexts();
+        QTRY_VERIFY(m_outcomes->total() >= 1);
+        QVERIFY(settle());
+        // Refused: the language, the list, the record and the addresses asked
+        // for stay as they were.
+        QCOMPARE(manager->currentLanguage(), QStringLiteral("en"));
+        QVERIFY(!manager->getAvailableLanguages().contains(code));
+        QCOMPARE(BMI18NManager::stringForCode("probe", "none"), QStringLiteral("none"));
+        const QVariantMap record = Brightmere::UserDefaults::standard().dictionaryForKey(kI18NDataKey);
+        if (source != "stored")
+            QVERIFY(record.value(kI18NLanguageKey).toString() != code);
+        for (const QString &path : m_service->requestedPaths())
+            QVERIFY2(path == "/api/v2/auth/token" || path == "/api/v2/message/info" || path == "/api/v2/message/bundle/en",
+                     qPrintable(path));
+    }
+
     void theServiceGrowsTheLanguageList()
     {
         for (const char *language : {"en", "es", "fr", "pt-BR"})

@@ -6,6 +6,8 @@
 #include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
 
+#include <QTcpSocket>
+
 class tst_BMI18NServiceManager : public QObject
 {
     Q_OBJECT
@@ -123,6 +125,38 @@ private Q_SLOTS:
         QCOMPARE(server.requestedPaths().size(), requests);
         QCOMPARE(log.messages().filter("BMI18NServiceManager::requestI18NBundleInfoWithSuccessBlock error").size(),
                  tokenLogLines);
+    }
+
+    void theServiceRefusesOversizedRequests_data()
+    {
+        QTest::addColumn<QByteArray>("request");
+        QTest::addColumn<QByteArray>("status");
+        const QByteArray get = "GET /api/v2/message/info HTTP/1.1\r\nHost: x\r\n";
+        QTest::newRow("a head of 8 MB is refused early") << get + "X-Pad: " + QByteArray(8 << 20, 'a') << QByteArray("431");
+        QTest::newRow("a declared body of 2 MB")
+            << QByteArray("POST /api/v2/message/info HTTP/1.1\r\nContent-Length: 2097152\r\n\r\n") << QByteArray("413");
+        QTest::newRow("a plain request still answered") << get + "\r\n" << QByteArray("200");
+    }
+
+    void theServiceRefusesOversizedRequests()
+    {
+        QFETCH(QByteArray, request);
+        QFETCH(QByteArray, status);
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, QUrl(m_service->baseUrl()).port());
+        QVERIFY(client.waitForConnected(5000));
+        // Written in pieces, as a client that keeps sending does; the service
+        // answers and closes before the end of an oversized one.
+        for (qsizetype at = 0; at < request.size() && client.state() == QAbstractSocket::ConnectedState
+                               && client.bytesAvailable() == 0;
+             at += 65536) {
+            client.write(request.mid(at, 65536));
+            client.waitForBytesWritten(1000);
+            QCoreApplication::processEvents();
+        }
+        QByteArray answer;
+        QTRY_VERIFY((answer += client.readAll()).contains("\r\n"));
+        QVERIFY2(answer.startsWith("HTTP/1.1 " + status), answer.left(80).constData());
     }
 
 private:

@@ -17,7 +17,6 @@ private Q_SLOTS:
     void cleanup();
     void pictureOnTopTextUnderItOverlapping_data();
     void pictureOnTopTextUnderItOverlapping();
-    void rendersTheFourPages();
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
@@ -73,26 +72,6 @@ void tst_BMFairzoneTutorialPageView::pictureOnTopTextUnderItOverlapping()
     view.resize(page.width() + 40, page.height());
     QCOMPARE(view.lblText()->width(), text.width() + 40);
     QVERIFY(qAbs(2 * view.imgView()->x() + view.imgView()->width() - view.width()) <= 1);
-}
-
-void tst_BMFairzoneTutorialPageView::rendersTheFourPages()
-{
-    // Stacked on the chart panel's background, as the screen shows them.
-    QWidget panel;
-    panel.resize(375, 4 * 150);
-    panel.setAutoFillBackground(true);
-    QPalette palette = panel.palette();
-    palette.setColor(QPalette::Window, Brightmere::Color::named("fz_chart_back"));
-    panel.setPalette(palette);
-    for (int i = 1; i <= 4; ++i) {
-        auto *page = new BMFairzoneTutorialPageView(QRect(0, (i - 1) * 150, 375, 150), &panel);
-        page->configureWithImageName(QStringLiteral("fairzones_scroll_%1").arg(i),
-                                     BMI18NManager::stringForCode(QStringLiteral("fairzones_tutorial_%1").arg(i)));
-        QVERIFY(!page->imgView()->pixmap().isNull());
-    }
-    const QString path = QCoreApplication::applicationDirPath() + "/tutorial_pages.png";
-    QVERIFY(panel.grab().save(path));
-    qInfo("tutorial pages drawn to %s", qPrintable(path));
 }
 
 QTEST_MAIN(tst_BMFairzoneTutorialPageView)

@@ -2,7 +2,6 @@
 #include "TestEnvironment.h"
 #include "ui/BrightmereColor.h"
 
-#include <QRandomGenerator>
 #include <QTest>
 
 #include <cmath>
@@ -49,11 +48,8 @@ private Q_SLOTS:
     void colorToStringTruncates_data();
     void colorToStringTruncates();
     void everyByteSurvivesTheRoundTrip();
-    void systemSlots_data();
-    void systemSlots();
     void equalityAcrossColourModels_data();
     void equalityAcrossColourModels();
-    void randomColorDrawsModulo255InOrder();
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
@@ -221,28 +217,6 @@ void tst_BrightmereColor::everyByteSurvivesTheRoundTrip()
     }
 }
 
-void tst_BrightmereColor::systemSlots_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QColor>("expected");
-    QTest::newRow("0 label") << 0 << QColor(0, 0, 0);
-    QTest::newRow("1 secondary label") << 1 << QColor::fromRgbF(60 / 255.0f, 60 / 255.0f, 67 / 255.0f, 0.6f);
-    QTest::newRow("2 background") << 2 << QColor(255, 255, 255);
-    QTest::newRow("3 grey 5") << 3 << QColor(229, 229, 234);
-    QTest::newRow("4 grey 6") << 4 << QColor(242, 242, 247);
-    QTest::newRow("5 tertiary label") << 5 << QColor::fromRgbF(60 / 255.0f, 60 / 255.0f, 67 / 255.0f, 0.3f);
-    QTest::newRow("6 is clear") << 6 << QColor(0, 0, 0, 0);
-    QTest::newRow("9 is clear") << 9 << QColor(0, 0, 0, 0);
-    QTest::newRow("negative is clear") << -1 << QColor(0, 0, 0, 0);
-}
-
-void tst_BrightmereColor::systemSlots()
-{
-    QFETCH(int, index);
-    QFETCH(QColor, expected);
-    QCOMPARE(Color::system(index), expected);
-}
-
 void tst_BrightmereColor::equalityAcrossColourModels_data()
 {
     QTest::addColumn<QColor>("a");
@@ -265,22 +239,6 @@ void tst_BrightmereColor::equalityAcrossColourModels()
     QFETCH(bool, equal);
     QCOMPARE(Color::isEqualToColor(a, b), equal);
     QCOMPARE(Color::isEqualToColor(b, a), equal);
-}
-
-void tst_BrightmereColor::randomColorDrawsModulo255InOrder()
-{
-    QRandomGenerator generator(20240611);
-    QRandomGenerator twin(20240611);
-    int largest = 0;
-    for (int i = 0; i < 5000; ++i) {
-        const QColor color = Color::randomColor(&generator);
-        const int red = int(twin.generate() % 255);
-        const int green = int(twin.generate() % 255);
-        QCOMPARE(color, QColor(red, green, int(twin.generate() % 255)));
-        largest = std::max({largest, color.red(), color.green(), color.blue()});
-    }
-    // 15000 draws reach the top of 0-254, never 255.
-    QCOMPARE(largest, 254);
 }
 
 QTEST_MAIN(tst_BrightmereColor)

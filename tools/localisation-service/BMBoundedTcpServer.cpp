@@ -1,8 +1,15 @@
 #include "BMBoundedTcpServer.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <algorithm>
+
+namespace {
+
+constexpr int kCloseDelayMs = 500;
+
+} // namespace
 
 BMBoundedTcpServer::BMBoundedTcpServer(QObject *parent)
     : QTcpServer(parent)
@@ -77,5 +84,7 @@ void BMBoundedTcpServer::refuse(QTcpSocket *socket, Progress &progress, const QB
     // Drained, so the HTTP server behind sees nothing of it.
     socket->readAll();
     socket->write("HTTP/1.1 " + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
-    socket->disconnectFromHost();
+    // Closed a moment later, still draining meanwhile: closing on unread
+    // bytes resets the connection, and the client could lose the answer.
+    QTimer::singleShot(kCloseDelayMs, socket, [socket] { socket->disconnectFromHost(); });
 }
