@@ -1,5 +1,7 @@
 #include "WifiTestResult.h"
 
+#include <cmath>
+
 #include <QIODevice>
 
 WifiTestResult::WifiTestResult(double speedInMbps, double timeAfterTest)
@@ -82,4 +84,14 @@ std::optional<WifiTestResult::List> WifiTestResult::unarchiveList(const QByteArr
     if (status != Brightmere::Archive::Error::None)
         return std::nullopt;
     return results;
+}
+
+bool WifiTestResult::isPlausibleSpeed(double speedInMbps)
+{
+    return std::isfinite(speedInMbps) && speedInMbps >= 0.0 && speedInMbps <= kMaxPlausibleSpeedInMbps;
+}
+
+bool WifiTestResult::isPlausibleDuration(double seconds)
+{
+    return std::isfinite(seconds) && seconds >= 0.0 && seconds <= kMaxPlausibleDuration;
 }

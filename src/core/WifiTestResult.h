@@ -19,6 +19,14 @@ public:
     using Ptr = std::shared_ptr<WifiTestResult>;
     using List = QList<Ptr>;
 
+    // What a Wi-Fi measurement can be: a speed or an averaging time that is
+    // not finite, negative or beyond these is no measurement (a restored
+    // file may hold anything), and nothing drawn depends on more.
+    static constexpr double kMaxPlausibleSpeedInMbps = 100000.0;
+    static constexpr double kMaxPlausibleDuration = 1000000.0;
+    static bool isPlausibleSpeed(double speedInMbps);
+    static bool isPlausibleDuration(double seconds);
+
     WifiTestResult() = default;
     explicit WifiTestResult(double speedInMbps, double timeAfterTest = 0.0);
     static Ptr create(double speedInMbps, double timeAfterTest = 0.0);

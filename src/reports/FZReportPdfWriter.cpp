@@ -157,10 +157,15 @@ void drawChart(QPainter &p, const QRectF &area, const BarChart &chart)
     }
     if (maximum <= 0.0)
         maximum = 1.0;
+    // No axis depends on a value's magnitude: what no measurement can be is
+    // drawn at the plausible top, and the ticks are counted, not summed.
+    maximum = std::min(maximum, WifiTestResult::kMaxPlausibleSpeedInMbps);
     const qreal step = niceStep(maximum);
-    const qreal top = std::ceil(maximum / step) * step;
+    const int steps = int(std::ceil(maximum / step));
+    const qreal top = steps * step;
     const QFont axisFont = font(QFont::Normal, 7);
-    for (qreal v = 0.0; v <= top + step / 2; v += step) {
+    for (int tick = 0; tick <= steps; ++tick) {
+        const qreal v = tick * step;
         const qreal y = plot.bottom() - v / top * plot.height();
         p.setPen(QPen(colour(v == 0.0 ? "medium_gray" : "fixed_light_gray"), 0.6));
         p.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
@@ -179,7 +184,7 @@ void drawChart(QPainter &p, const QRectF &area, const BarChart &chart)
             const double v = chart.series.at(s).value(i, qQNaN());
             if (!std::isfinite(v) || v <= 0.0)
                 continue;
-            const qreal height = v / top * plot.height();
+            const qreal height = std::min(v, top) / top * plot.height();
             p.fillRect(QRectF(groupLeft + barWidth * qreal(s), plot.bottom() - height, barWidth, height),
                        chart.colours.value(s));
         }

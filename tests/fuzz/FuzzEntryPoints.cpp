@@ -8,6 +8,7 @@
 #include "i18n/BMI18NNotification.h"
 #include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/foundation/Archive.h"
+#include "platform/foundation/StringFormat.h"
 #include "platform/foundation/StringTable.h"
 #include "platform/foundation/UserDefaults.h"
 
@@ -67,8 +68,8 @@ struct HeldState
 
 QList<FuzzEntryPoints::Target> FuzzEntryPoints::allTargets()
 {
-    return {Target::BundleFile, Target::StringTable, Target::SpotsStore,
-            Target::SpotBlob,   Target::BundleInfo,  Target::BundleData};
+    return {Target::BundleFile, Target::StringTable, Target::SpotsStore, Target::SpotBlob,
+            Target::BundleInfo, Target::BundleData,  Target::Format};
 }
 
 QString FuzzEntryPoints::targetName(Target target)
@@ -78,6 +79,7 @@ QString FuzzEntryPoints::targetName(Target target)
     case Target::StringTable: return QStringLiteral("string_table");
     case Target::SpotsStore: return QStringLiteral("spots_store");
     case Target::SpotBlob: return QStringLiteral("spot_blob");
+    case Target::Format: return QStringLiteral("format");
     case Target::BundleInfo: return QStringLiteral("bundle_info");
     case Target::BundleData: return QStringLiteral("bundle_data");
     }
@@ -110,6 +112,7 @@ QString FuzzEntryPoints::run(Target target, QByteArrayView input)
     case Target::SpotBlob: return spotBlob(input);
     case Target::BundleInfo: return bundleAnswer(input, true);
     case Target::BundleData: return bundleAnswer(input, false);
+    case Target::Format: return format(input);
     }
     return QStringLiteral("unknown target");
 }
@@ -226,5 +229,28 @@ QString FuzzEntryPoints::bundleAnswer(QByteArrayView input, bool information)
                 return QStringLiteral("the text of \"%1\" was not taken").arg(it.key());
         }
     }
+    return QString();
+}
+
+QString FuzzEntryPoints::format(QByteArrayView input)
+{
+    // The format up to the first NUL; each further NUL-separated part one
+    // argument, given as text, as a whole number and as a double, as the
+    // kit's callers give them.
+    const QList<QByteArray> parts = input.toByteArray().split('\0');
+    const QString text = QString::fromUtf8(parts.value(0));
+    QVariantList arguments;
+    for (qsizetype i = 1; i < parts.size(); ++i) {
+        const QString part = QString::fromUtf8(parts.at(i));
+        switch (i % 3) {
+        case 0: arguments.append(part); break;
+        case 1: arguments.append(part.toLongLong()); break;
+        default: arguments.append(part.toDouble()); break;
+        }
+    }
+    const QString out = Brightmere::StringFormat::format(text, arguments);
+    // Bounded whatever the input.
+    if (out.size() > Brightmere::StringFormat::kMaxOutputLength)
+        return QStringLiteral("a format of %1 characters made %2").arg(text.size()).arg(out.size());
     return QString();
 }

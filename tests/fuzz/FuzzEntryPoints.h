@@ -22,6 +22,7 @@ public:
         SpotBlob,    // the nested archive of one set's spots
         BundleInfo,  // the service's bundle list, from raw bytes through JSON to the manager
         BundleData,  // one downloaded bundle, likewise
+        Format,      // a format text and its arguments, as a translation feeds the format engine
     };
 
     static QList<Target> allTargets();
@@ -43,4 +44,5 @@ private:
     static QString spotsStore(QByteArrayView input);
     static QString spotBlob(QByteArrayView input);
     static QString bundleAnswer(QByteArrayView input, bool information);
+    static QString format(QByteArrayView input);
 };

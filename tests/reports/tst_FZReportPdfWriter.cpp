@@ -1,5 +1,6 @@
 #include "reports/FZReportPdfWriter.h"
 
+#include "BoundedRun.h"
 #include "LogCapture.h"
 #include "ReportFixtures.h"
 #include "TestEnvironment.h"
@@ -41,6 +42,8 @@ private Q_SLOTS:
     void pageSizeByLocale_data();
     void pageSizeByLocale();
     void failures();
+    void anySpeedIsDrawnBounded_data();
+    void anySpeedIsDrawnBounded();
 
 private:
     void checkRows(const FZReportPdfWriter &writer, qsizetype rows, const QString &path);
@@ -133,6 +136,25 @@ void tst_FZReportPdfWriter::pageSizeByLocale()
     FZReportPdfWriter writer{QLocale(locale)};
     QVERIFY(writer.writeSetReport(numberedSet("Flat", 3), m_env->filePath("size.pdf")).isOk());
     QVERIFY(qAbs(writer.lastLayout().printableRect.width() - printableWidth) < 1.5);
+}
+
+void tst_FZReportPdfWriter::anySpeedIsDrawnBounded_data()
+{
+    // What a restored file may hold; none may make the chart's axis endless.
+    QTest::addColumn<double>("speed");
+    QTest::newRow("1.6e308") << 1.6e308;
+    QTest::newRow("the largest double") << std::numeric_limits<double>::max();
+}
+
+void tst_FZReportPdfWriter::anySpeedIsDrawnBounded()
+{
+    QFETCH(double, speed);
+    const QString path = m_env->filePath("bounded.pdf");
+    const auto set = makeSet(QStringLiteral("Odd"), {"Hall", "Desk"}, {speed, 20.0});
+    // In a child with 1 GB and 5 s, so an endless axis fails the row.
+    QVERIFY(runBounded([&] { return FZReportPdfWriter(QLocale(QStringLiteral("en_GB"))).writeSetReport(set, path).isOk(); }));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly) && file.read(5) == "%PDF-");
 }
 
 void tst_FZReportPdfWriter::failures()

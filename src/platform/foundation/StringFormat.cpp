@@ -169,16 +169,7 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
     int nextArgument = 0;
     const qsizetype n = format.size();
     qsizetype i = 0;
-    while (i < n) {
-        if (out.size() > kMaxOutputLength) {
-            static std::once_flag logged;
-            std::call_once(logged, [] {
-                qCWarning(lcStringFormat).noquote() << "StringFormat: a text past" << kMaxOutputLength
-                                                    << "characters is cut there (logged once)";
-            });
-            out.truncate(kMaxOutputLength);
-            break;
-        }
+    while (i < n && out.size() <= kMaxOutputLength) {
         const QChar c = format.at(i);
         if (c != u'%') {
             out += c;
@@ -264,6 +255,14 @@ QString StringFormat::format(const QString &format, const QVariantList &argument
             continue;
         }
         out += pad(text, directive);
+    }
+    if (out.size() > kMaxOutputLength) {
+        static std::once_flag logged;
+        std::call_once(logged, [] {
+            qCWarning(lcStringFormat).noquote() << "StringFormat: a text past" << kMaxOutputLength
+                                                << "characters is cut there (logged once)";
+        });
+        out.truncate(kMaxOutputLength);
     }
     return out;
 }
