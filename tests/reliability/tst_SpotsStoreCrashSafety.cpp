@@ -207,9 +207,9 @@ void tst_SpotsStoreCrashSafety::killedWriterLeavesOldOrNewStore_data()
     QTest::addColumn<bool>("earlierLayout");
     QTest::newRow("at once, before or in the first write") << 40 << 0.0 << 0.2 << false;
     QTest::newRow("anywhere in the first save") << 80 << 0.0 << 1.0 << false;
-    QTest::newRow("anywhere in the first three saves") << 80 << 0.0 << 3.0 << false;
+    QTest::newRow("anywhere in the first three saves") << 60 << 0.0 << 3.0 << false;
     QTest::newRow("deep in a long run of saves") << 40 << 3.0 << 10.0 << false;
-    QTest::newRow("moving an earlier store, or just after") << 60 << 0.0 << 3.0 << true;
+    QTest::newRow("moving an earlier store, or just after") << 40 << 0.0 << 3.0 << true;
 }
 
 void tst_SpotsStoreCrashSafety::killedWriterLeavesOldOrNewStore()
