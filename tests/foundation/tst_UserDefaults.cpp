@@ -236,19 +236,24 @@ void tst_UserDefaults::lockLeftByAKilledWriter_data()
 {
     // A writer killed while taking the file's lock leaves "<file>.lock"
     // behind: empty when it died before writing its process id into it.
+    // One killed while removing such a lock leaves "<file>.lock.rmlock" too.
     QTest::addColumn<bool>("filled");
     QTest::addColumn<int>("ageMs");
-    QTest::newRow("empty, left long ago: removed at once") << false << 10000;
-    QTest::newRow("empty, left just now: removed after a second") << false << 0;
-    QTest::newRow("naming a process that is gone: Qt takes it over") << true << 0;
+    QTest::addColumn<bool>("removing");
+    QTest::newRow("empty, left long ago: removed at once") << false << 10000 << false;
+    QTest::newRow("empty, left just now: removed after a second") << false << 0 << false;
+    QTest::newRow("naming a process that is gone: Qt takes it over") << true << 0 << false;
+    QTest::newRow("killed while removing one that names a gone process") << true << 5000 << true;
 }
 
 void tst_UserDefaults::lockLeftByAKilledWriter()
 {
     QFETCH(bool, filled);
     QFETCH(int, ageMs);
+    QFETCH(bool, removing);
     const QString path = m_env->filePath(QStringLiteral("locked.ini"));
     const QString lockPath = path + QStringLiteral(".lock");
+    const QString emptyPath = removing ? lockPath + QStringLiteral(".rmlock") : lockPath;
     if (filled) {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -259,13 +264,15 @@ void tst_UserDefaults::lockLeftByAKilledWriter()
         QCOMPARE(::waitpid(child, &status, 0), child);
         QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
         QVERIFY(QFileInfo(lockPath).size() > 0);
+    }
+    if (filled && !removing) {
         QTest::failOnWarning(QRegularExpression(QStringLiteral("left empty")));
     } else {
-        QFile lock(lockPath);
+        QFile lock(emptyPath);
         QVERIFY(lock.open(QIODevice::WriteOnly));
         QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addMSecs(-ageMs), QFileDevice::FileModificationTime));
         lock.close();
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("removed .*locked.ini.lock left empty")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("removed .*") + QRegularExpression::escape(QFileInfo(emptyPath).fileName()) + QStringLiteral(" left empty")));
     }
 
     UserDefaults defaults(path);

@@ -323,6 +323,9 @@ bool UserDefaults::lockForWriting(const QString &filePath)
         return true;
     const QString lockPath = filePath + QStringLiteral(".lock");
     removeAbandonedLock(lockPath);
+    // QLockFile guards the removal of a stale lock with "<lock>.rmlock"; a
+    // writer killed while taking that one leaves it empty just the same.
+    removeAbandonedLock(lockPath + QStringLiteral(".rmlock"));
     turn.lockFile = std::make_unique<QLockFile>(lockPath);
     if (turn.lockFile->tryLock(kLockWaitMs))
         return true;
