@@ -1,12 +1,13 @@
 // Figures of the spots-set store for 100, 1000 and 5000 stored sets of 30
 // spots each, each beside the store as it was before large values had files
 // of their own (kept below as a small copy: every set inline in the INI,
-// decoded and archived whole on each save), measured in the same run:
-// saving a set, toggling a preference, the first listing of a session with
-// the file's parse, and the sizes of the files. Also the listing (warm),
-// looking a set up, the listing's comparable marking against the pair-by-
-// pair definition at 1000 sets, and restoring backups of many sets of one
-// title. One JSON line per figure; times are medians in milliseconds.
+// decoded and archived whole on each save): saving a set, toggling a
+// preference, the first listing of a session with the file's parse, and the
+// sizes of the files. This way is measured at every size before the earlier
+// one writes anything. Also the listing (warm), looking a set up, the
+// listing's comparable marking against the pair-by-pair definition at 1000
+// sets, and restoring backups of many sets of one title. One JSON line per
+// figure; times are medians in milliseconds.
 #include "model/BMSDKUISettings.h"
 #include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/foundation/Archive.h"
@@ -245,6 +246,27 @@ qint64 folderBytes(const QString &folder)
 
 } // namespace
 
+// What one way of storing measured at one size.
+struct Figures
+{
+    double saving = 0;
+    double toggling = 0;
+    double firstListing = 0;
+    qint64 defaultsBytes = 0;
+    qint64 valueBytes = 0;
+};
+
+// The first listing of a session for `runs` fresh copies of a store.
+template<typename Copy>
+double firstListings(int runs, const QString &what, Copy &&copy)
+{
+    QList<double> times;
+    for (int i = 0; i < runs; ++i)
+        times.append(inNewSession(what, copy(i)));
+    std::sort(times.begin(), times.end());
+    return times.at(runs / 2);
+}
+
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
@@ -252,82 +274,51 @@ int main(int argc, char *argv[])
     if (argc == 3)
         return firstListingOfSession(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
     const QStringList rooms = roomNames();
+    const QList<int> counts{100, 1000, 5000};
+    const auto runsFor = [](int count) { return count >= 5000 ? 3 : 7; };
 
-    for (int count : {100, 1000, 5000}) {
+    // The same sets and the same changed ones for both ways.
+    QMap<int, Set::Dictionary> stores;
+    QMap<int, Set::List> changes;
+    for (int count : counts) {
+        QRandomGenerator random{quint32(count)};
+        for (int number = 0; number < count; ++number)
+            stores[count].insert(QStringLiteral("Run %1").arg(number), makeRun(number, random, rooms));
+        for (int i = 0; i < 7; ++i)
+            changes[count].append(makeRun(i * 7 % count, random, rooms));
+    }
+
+    // This way first, at every size: the earlier way writes hundreds of
+    // megabytes, after which a virtual disk may flush slowly for a while.
+    QMap<int, Figures> figures;
+    QStringList lines;
+    const QString head = QStringLiteral(R"({"bench":"%1","sets":%2,"spots_per_set":30,)");
+    for (int count : counts) {
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("defaults.ini"));
         UserDefaults::setStandardFilePath(file);
-        QRandomGenerator random{quint32(count)};
-        Set::Dictionary store;
-        for (int number = 0; number < count; ++number)
-            store.insert(QStringLiteral("Run %1").arg(number), makeRun(number, random, rooms));
-        Set::saveAllSpotsSetDicitionary(store);
-        EarlierStore earlier(dir.filePath(QStringLiteral("earlier.ini")));
-        earlier.saveAll(store);
-        const int runs = count >= 5000 ? 3 : 7;
-
-        // Saving a set: first this way, then the earlier way (whose decoding
-        // of the whole store would leave this way's next save a heap and a
-        // disk queue to clear), each after what was written before reached
-        // the disk.
-        Set::List changed;
-        for (int i = 0; i < 7; ++i)
-            changed.append(makeRun(i * 7 % count, random, rooms));
+        Set::saveAllSpotsSetDicitionary(stores[count]);
+        const int runs = runsFor(count);
+        Figures &f = figures[count];
         ::sync();
-        const double saving = medianMs(7, [&](int i) { Set::saveSpotSet(changed.at(i)); });
-        ::sync();
-        const double earlierSaving = medianMs(runs, [&](int i) { earlier.saveSpotSet(changed.at(i)); });
-
+        f.saving = medianMs(7, [&](int i) { Set::saveSpotSet(changes[count].at(i)); });
         BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
-        ::sync();
-        const double toggling = medianMs(runs * 3, [&](int i) { settings.setAlwaysDeleteRecording(i % 2 == 0); });
-        const double earlierToggling = medianMs(runs * 3, [&](int i) { earlier.toggle(i % 2 == 0); });
-
-        // The first listing of a session, in a process of its own (this one
-        // holds the sets decoded): the parse of the INI, the read of the value
-        // file and every set decoded. A fresh copy of the files each time.
-        int copies = 0;
-        QList<double> firsts;
-        QList<double> earlierFirsts;
-        for (int i = 0; i < runs; ++i) {
-            const QString copy = dir.filePath(QStringLiteral("copy%1.ini").arg(++copies));
+        f.toggling = medianMs(runs * 3, [&](int i) { settings.setAlwaysDeleteRecording(i % 2 == 0); });
+        // In a process of its own (this one holds the sets decoded): the
+        // parse of the INI, the read of the value file and every set decoded.
+        f.firstListing = firstListings(runs, kFirstListing, [&](int i) {
+            const QString copy = dir.filePath(QStringLiteral("copy%1.ini").arg(i));
             UserDefaults::copyFile(file, copy);
-            firsts.append(inNewSession(kFirstListing, copy));
-            const QString earlierCopy = dir.filePath(QStringLiteral("earlier-copy%1.ini").arg(copies));
-            QFile::copy(earlier.path(), earlierCopy);
-            earlierFirsts.append(inNewSession(kEarlierFirstListing, earlierCopy));
-        }
-        std::sort(firsts.begin(), firsts.end());
-        std::sort(earlierFirsts.begin(), earlierFirsts.end());
-        const double firstListing = firsts.at(runs / 2);
-        const double earlierFirstListing = earlierFirsts.at(runs / 2);
+            return copy;
+        });
+        f.defaultsBytes = QFileInfo(file).size();
+        f.valueBytes = folderBytes(UserDefaults::valuesFolderPath(file));
 
         qsizetype listed = 0;
         const double listing = medianMs(runs, [&](int) { listed = Set::allSpotsSets().size(); });
         const double lookup = medianMs(runs, [&](int i) { (void)Set::spotsSetWithName(QStringLiteral("Run %1").arg(i * 13 % count)); });
-
-        const QString head = QStringLiteral(R"({"bench":"%1","sets":%2,"spots_per_set":30,)");
-        const QString compared = QStringLiteral(R"("runs":%1,"ms_per_op":%2,"earlier_ms_per_op":%3,"ratio":%4)");
-        print(head.arg("saveSpotSet").arg(count) + compared.arg(7).arg(ms(saving), ms(earlierSaving), ratio(earlierSaving, saving))
-              + (count == 1000 ? QStringLiteral(R"(,"target_20ms":%1})").arg(verdict(saving <= 20.0))
-                 : count == 5000 ? QStringLiteral(R"(,"target_under_80ms":%1})").arg(verdict(saving < 80.0))
-                                 : QStringLiteral("}")));
-        print(head.arg("toggle_preference").arg(count)
-              + compared.arg(runs * 3).arg(ms(toggling), ms(earlierToggling), ratio(earlierToggling, toggling))
-              + QStringLiteral(R"(,"target_5ms":%1})").arg(verdict(toggling <= 5.0)));
-        print(head.arg("allSpotsSets_first_of_session").arg(count)
-              + compared.arg(runs).arg(ms(firstListing), ms(earlierFirstListing), ratio(earlierFirstListing, firstListing))
-              + (count == 1000 ? QStringLiteral(R"(,"target_under_100ms":%1})").arg(verdict(firstListing < 100.0))
-                               : QStringLiteral("}")));
-        print(head.arg("allSpotsSets").arg(count) + QStringLiteral(R"("runs":%1,"ms_per_op":%2,"listed":%3})").arg(runs).arg(ms(listing)).arg(listed));
-        print(head.arg("spotsSetWithName").arg(count) + QStringLiteral(R"("runs":%1,"ms_per_op":%2})").arg(runs).arg(ms(lookup)));
-        print(head.arg("stored_files").arg(count)
-              + QStringLiteral(R"("defaults_file_bytes":%1,"value_files_bytes":%2,"earlier_defaults_file_bytes":%3,"earlier_blob_bytes":%4})")
-                    .arg(QFileInfo(file).size())
-                    .arg(folderBytes(UserDefaults::valuesFolderPath(file)))
-                    .arg(QFileInfo(earlier.path()).size())
-                    .arg(EarlierStore::archive(Set::allSpotsSetsDictionary()).size()));
-
+        lines.append(head.arg("allSpotsSets").arg(count) + QStringLiteral(R"("runs":%1,"ms_per_op":%2,"listed":%3})").arg(runs).arg(ms(listing)).arg(listed));
+        lines.append(head.arg("spotsSetWithName").arg(count) + QStringLiteral(R"("runs":%1,"ms_per_op":%2})").arg(runs).arg(ms(lookup)));
         if (count == 1000) {
             bool same = true;
             const Set::List indexed = Set::allSpotsSets();
@@ -339,8 +330,8 @@ int main(int argc, char *argv[])
                 for (qsizetype i = 0; i < sets.size(); ++i)
                     same = same && sets.at(i)->isComparable() == flags.at(i) && sets.at(i)->name() == indexed.at(i)->name();
             });
-            print(QStringLiteral(R"({"bench":"allSpotsSets_vs_pairwise","sets":1000,"spots_per_set":30,"label_index_ms":%1,"pairwise_ms":%2,"speedup":%3,"same_marks":%4})")
-                      .arg(ms(listing), ms(pairwise), ratio(pairwise, listing), verdict(same)));
+            lines.append(QStringLiteral(R"({"bench":"allSpotsSets_vs_pairwise","sets":1000,"spots_per_set":30,"label_index_ms":%1,"pairwise_ms":%2,"speedup":%3,"same_marks":%4})")
+                             .arg(ms(listing), ms(pairwise), ratio(pairwise, listing), verdict(same)));
         }
     }
 
@@ -377,7 +368,48 @@ int main(int argc, char *argv[])
         } else {
             line += QStringLiteral(R"(,"target_under_2s":%1)").arg(verdict(restore < 2000.0));
         }
-        print(line + u'}');
+        lines.append(line + u'}');
     }
+
+    // Then the earlier way, and each figure beside the other.
+    for (int count : counts) {
+        QTemporaryDir dir;
+        EarlierStore earlier(dir.filePath(QStringLiteral("earlier.ini")));
+        earlier.saveAll(stores[count]);
+        const int runs = runsFor(count);
+        Figures e;
+        ::sync();
+        e.saving = medianMs(runs, [&](int i) { earlier.saveSpotSet(changes[count].at(i)); });
+        e.toggling = medianMs(runs * 3, [&](int i) { earlier.toggle(i % 2 == 0); });
+        e.firstListing = firstListings(runs, kEarlierFirstListing, [&](int i) {
+            const QString copy = dir.filePath(QStringLiteral("copy%1.ini").arg(i));
+            QFile::copy(earlier.path(), copy);
+            return copy;
+        });
+        e.defaultsBytes = QFileInfo(earlier.path()).size();
+        e.valueBytes = EarlierStore::archive(stores[count]).size();
+
+        const Figures &f = figures[count];
+        const QString compared = QStringLiteral(R"("runs":%1,"ms_per_op":%2,"earlier_ms_per_op":%3,"ratio":%4)");
+        print(head.arg("saveSpotSet").arg(count) + compared.arg(7).arg(ms(f.saving), ms(e.saving), ratio(e.saving, f.saving))
+              + (count == 1000 ? QStringLiteral(R"(,"target_20ms":%1})").arg(verdict(f.saving <= 20.0))
+                 : count == 5000 ? QStringLiteral(R"(,"target_under_80ms":%1})").arg(verdict(f.saving < 80.0))
+                                 : QStringLiteral("}")));
+        print(head.arg("toggle_preference").arg(count)
+              + compared.arg(runs * 3).arg(ms(f.toggling), ms(e.toggling), ratio(e.toggling, f.toggling))
+              + QStringLiteral(R"(,"target_5ms":%1})").arg(verdict(f.toggling <= 5.0)));
+        print(head.arg("allSpotsSets_first_of_session").arg(count)
+              + compared.arg(runs).arg(ms(f.firstListing), ms(e.firstListing), ratio(e.firstListing, f.firstListing))
+              + (count == 1000 ? QStringLiteral(R"(,"target_under_100ms":%1})").arg(verdict(f.firstListing < 100.0))
+                               : QStringLiteral("}")));
+        print(head.arg("stored_files").arg(count)
+              + QStringLiteral(R"("defaults_file_bytes":%1,"value_files_bytes":%2,"earlier_defaults_file_bytes":%3,"earlier_blob_bytes":%4})")
+                    .arg(f.defaultsBytes)
+                    .arg(f.valueBytes)
+                    .arg(e.defaultsBytes)
+                    .arg(e.valueBytes));
+    }
+    for (const QString &line : std::as_const(lines))
+        print(line);
     return 0;
 }
