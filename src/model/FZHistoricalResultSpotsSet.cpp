@@ -9,10 +9,12 @@
 #include "platform/foundation/UserDefaults.h"
 #include "resources/FrameworkBundle.h"
 
+#include <QCryptographicHash>
 #include <QHash>
 #include <QIODevice>
 #include <QMutex>
 #include <QSet>
+#include <QtEndian>
 
 #include <algorithm>
 
@@ -37,23 +39,97 @@ BMLogger &logger()
     return BMLogger::sharedInstance();
 }
 
-// The sets last read from the store, with the stored bytes they were read
-// from. Holding those bytes keeps their buffer alive, so a stored value that
-// still lies in the same buffer (QSettings hands out shared copies until the
-// value is replaced or the file is read anew) has the same content, and its
-// sets need not be decoded again. The objects are never handed out: callers
-// get copies, so sets stay values.
-struct DecodedStore
+using Set = FZHistoricalResultSpotsSet;
+
+// The store's archive. Earlier versions wrote one kit archive of the count
+// and then each title and set, so every save hashed and wrote every set
+// again. This format keeps the sets apart: a table, behind the kit's archive
+// header, of each title with the length and digest of its packed set, then
+// the packed sets (each set's fields, compressed). A save packs only the
+// set that changed and hashes only the table; a reader checks each set's
+// digest before it unpacks it.
+constexpr quint32 kStoreMagic = 0x424D5353; // "BMSS"
+constexpr quint16 kStoreFormat = 2;
+// Integrity, not secrecy: the fastest digest Qt has, several times SHA-256's speed.
+constexpr auto kSetDigest = QCryptographicHash::Blake2b_256;
+constexpr int kSetDigestBytes = 32;
+// Smallest table entry: an empty title (4 bytes), a length and a digest.
+constexpr qint64 kMinimumTableEntryBytes = 4 + 4 + kSetDigestBytes;
+// A spot's fields take at least this many bytes.
+constexpr qint64 kMinimumSpotBytes = 40;
+// No set comes near; a packed set claiming more is refused before it is unpacked.
+constexpr quint32 kMaximumSetBytes = 64 * 1024 * 1024;
+
+// A stored set with the bytes it is stored as: a slice of the stored value
+// it was read from or written to, or bytes of its own while it waits to be
+// written (a set read from the earlier format has none until then).
+struct StoredSet
 {
-    QMutex mutex;
+    Set::Ptr set;
+    QByteArray packed;
+    QByteArray digest;
+};
+using StoredSets = QMap<QString, StoredSet>;
+
+// The sets and the stored value their bytes are slices of: one is only
+// valid with the other.
+struct StoreImage
+{
     QByteArray blob;
-    FZHistoricalResultSpotsSet::Dictionary sets;
+    StoredSets sets;
 };
 
-DecodedStore &decodedStore()
+// A packed set: its fields in archive order, the spots inline rather than
+// as a nested archive (the set's digest already covers them, and checking a
+// digest per set again costs more than reading it), compressed.
+QByteArray encodedSet(const Set &set)
 {
-    static DecodedStore store;
-    return store;
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(Archive::kStreamVersion);
+    stream << set.name() << set.ssid() << set.date().toUTC() << quint32(set.spotsCount());
+    for (const WifiTestResult::Ptr &spot : set.mutableSpots())
+        (spot ? *spot : WifiTestResult()).encode(stream);
+    return bytes;
+}
+
+Set::Ptr unpackedSet(const QByteArray &packed, QString *error)
+{
+    if (packed.size() < 4 || qFromBigEndian<quint32>(packed.constData()) > kMaximumSetBytes) {
+        *error = QStringLiteral("implausible packed size");
+        return nullptr;
+    }
+    const QByteArray bytes = qUncompress(packed);
+    if (bytes.size() != qsizetype(qFromBigEndian<quint32>(packed.constData()))) {
+        *error = QStringLiteral("cannot be unpacked");
+        return nullptr;
+    }
+    QDataStream stream(bytes);
+    stream.setVersion(Archive::kStreamVersion);
+    QString name;
+    QString ssid;
+    QDateTime date;
+    quint32 count = 0;
+    stream >> name >> ssid >> date >> count;
+    if (stream.status() != QDataStream::Ok || count > quint64(stream.device()->bytesAvailable() / kMinimumSpotBytes)) {
+        *error = QStringLiteral("cannot be read");
+        return nullptr;
+    }
+    WifiTestResult::List spots;
+    spots.reserve(count);
+    for (quint32 i = 0; i < count; ++i) {
+        auto spot = std::make_shared<WifiTestResult>();
+        if (!spot->decode(stream)) {
+            *error = QStringLiteral("spot %1 cannot be read").arg(i + 1);
+            return nullptr;
+        }
+        spots.append(std::move(spot));
+    }
+    if (!stream.atEnd()) {
+        *error = QStringLiteral("has bytes after its last spot");
+        return nullptr;
+    }
+    return Set::create(name, ssid, date, spots);
 }
 
 FZHistoricalResultSpotsSet::Ptr copyOf(const FZHistoricalResultSpotsSet &set)
@@ -65,13 +141,204 @@ FZHistoricalResultSpotsSet::Ptr copyOf(const FZHistoricalResultSpotsSet &set)
     return FZHistoricalResultSpotsSet::create(set.name(), set.ssid(), set.date(), spots);
 }
 
-FZHistoricalResultSpotsSet::Dictionary copyOf(const FZHistoricalResultSpotsSet::Dictionary &sets)
+// A set given by a caller, packed; what is kept for reading is decoded from
+// the very bytes written, not the caller's object, so sets stay values.
+StoredSet packed(const Set &set, bool decodeBack = true)
 {
-    FZHistoricalResultSpotsSet::Dictionary copy;
-    for (auto it = sets.cbegin(); it != sets.cend(); ++it)
-        copy.insert(copy.cend(), it.key(), copyOf(*it.value()));
-    return copy;
+    StoredSet stored;
+    stored.packed = qCompress(encodedSet(set));
+    stored.digest = QCryptographicHash::hash(stored.packed, kSetDigest);
+    if (!decodeBack)
+        return stored;
+    QString error;
+    stored.set = unpackedSet(stored.packed, &error);
+    if (!stored.set) {
+        logger().logFromModule(kModule, 3, "set '%@' does not read back as packed (%@); a copy is kept", set.name(), error);
+        stored.set = copyOf(set);
+    }
+    return stored;
 }
+
+// The stored value of the sets. Sets still stored side by side in the value
+// they were read from are copied in one run, so a save of one set among
+// thousands copies a few large blocks, not a block per set. Each set's bytes
+// become a slice of the new value.
+QByteArray assembled(StoredSets &sets)
+{
+    const QByteArray table = Archive::write([&sets](QDataStream &stream) {
+        stream << quint32(sets.size());
+        for (auto it = sets.cbegin(); it != sets.cend(); ++it) {
+            stream << it.key() << quint32(it->packed.size());
+            stream.writeRawData(it->digest.constData(), kSetDigestBytes);
+        }
+    });
+    qsizetype total = 0;
+    for (const StoredSet &stored : std::as_const(sets))
+        total += stored.packed.size();
+    QByteArray blob;
+    {
+        QDataStream stream(&blob, QIODevice::WriteOnly);
+        stream.setVersion(Archive::kStreamVersion);
+        stream << kStoreMagic << kStoreFormat << table;
+    }
+    const qsizetype bodyOffset = blob.size();
+    blob.reserve(bodyOffset + total);
+    const char *run = nullptr;
+    qsizetype runLength = 0;
+    for (const StoredSet &stored : std::as_const(sets)) {
+        if (run && stored.packed.constData() == run + runLength) {
+            runLength += stored.packed.size();
+            continue;
+        }
+        blob.append(run, runLength);
+        run = stored.packed.constData();
+        runLength = stored.packed.size();
+    }
+    blob.append(run, runLength);
+    qsizetype offset = bodyOffset;
+    for (StoredSet &stored : sets) {
+        const qsizetype length = stored.packed.size();
+        stored.packed = QByteArray::fromRawData(blob.constData() + offset, length);
+        offset += length;
+    }
+    return blob;
+}
+
+// The earlier format: every set decoded, none packed yet.
+std::optional<StoredSets> readEarlierFormat(const QByteArray &blob, QString *error)
+{
+    StoredSets sets;
+    QString reason;
+    const Archive::Error status = Archive::read(blob, [&sets, &reason](QDataStream &stream) {
+        quint32 count = 0;
+        stream >> count;
+        if (stream.status() != QDataStream::Ok
+            || count > quint64(stream.device()->bytesAvailable() / kMinimumEntryBytes + 1)) {
+            reason = QStringLiteral("implausible number of sets");
+            return false;
+        }
+        for (quint32 i = 0; i < count; ++i) {
+            QString title;
+            stream >> title;
+            auto set = std::make_shared<Set>();
+            if (stream.status() != QDataStream::Ok || !set->decode(stream)) {
+                reason = QStringLiteral("set %1 of %2 cannot be read").arg(i + 1).arg(count);
+                return false;
+            }
+            sets.insert(title, StoredSet{std::move(set), {}, {}});
+        }
+        return true;
+    });
+    if (status == Archive::Error::None)
+        return sets;
+    *error = reason.isEmpty() ? Archive::errorString(status) : Archive::errorString(status) + QStringLiteral(": ") + reason;
+    return std::nullopt;
+}
+
+// The sets' bytes are slices of blob. Sets whose digest is among `known`
+// are taken from there, not unpacked again.
+std::optional<StoredSets> readStore(const QByteArray &blob, const StoredSets &known, QString *error)
+{
+    if (blob.size() >= 4 && qFromBigEndian<quint32>(blob.constData()) == Archive::kMagic)
+        return readEarlierFormat(blob, error);
+    QDataStream stream(blob);
+    stream.setVersion(Archive::kStreamVersion);
+    quint32 magic = 0;
+    quint16 format = 0;
+    QByteArray table;
+    stream >> magic >> format;
+    if (blob.isEmpty() || magic != kStoreMagic) {
+        *error = Archive::errorString(blob.isEmpty() ? Archive::Error::Empty : Archive::Error::Foreign);
+        return std::nullopt;
+    }
+    if (format > kStoreFormat) {
+        *error = Archive::errorString(Archive::Error::FutureVersion);
+        return std::nullopt;
+    }
+    stream >> table;
+    if (stream.status() != QDataStream::Ok || format != kStoreFormat) {
+        *error = Archive::errorString(Archive::Error::Truncated);
+        return std::nullopt;
+    }
+    struct Entry
+    {
+        QString title;
+        quint32 length = 0;
+        QByteArray digest;
+    };
+    QList<Entry> entries;
+    const Archive::Error status = Archive::read(table, [&entries](QDataStream &in) {
+        quint32 count = 0;
+        in >> count;
+        if (in.status() != QDataStream::Ok || count > quint64(in.device()->bytesAvailable() / kMinimumTableEntryBytes))
+            return false;
+        entries.reserve(count);
+        for (quint32 i = 0; i < count; ++i) {
+            Entry entry;
+            entry.digest.resize(kSetDigestBytes);
+            in >> entry.title >> entry.length;
+            if (in.readRawData(entry.digest.data(), kSetDigestBytes) != kSetDigestBytes || in.status() != QDataStream::Ok)
+                return false;
+            entries.append(std::move(entry));
+        }
+        return true;
+    });
+    if (status != Archive::Error::None) {
+        *error = Archive::errorString(status) + QStringLiteral(": the table of sets");
+        return std::nullopt;
+    }
+    qsizetype offset = qsizetype(stream.device()->pos());
+    qint64 total = 0;
+    for (const Entry &entry : entries)
+        total += entry.length;
+    if (total != blob.size() - offset) {
+        *error = Archive::errorString(total > blob.size() - offset ? Archive::Error::Truncated : Archive::Error::Corrupt);
+        return std::nullopt;
+    }
+    StoredSets sets;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const Entry &entry = entries.at(i);
+        const QByteArray bytes = QByteArray::fromRawData(blob.constData() + offset, entry.length);
+        offset += entry.length;
+        const QString where = QStringLiteral("set %1 of %2").arg(i + 1).arg(entries.size());
+        if (QCryptographicHash::hash(bytes, kSetDigest) != entry.digest || sets.contains(entry.title)) {
+            *error = Archive::errorString(Archive::Error::Corrupt) + QStringLiteral(": ") + where;
+            return std::nullopt;
+        }
+        const auto same = known.constFind(entry.title);
+        if (same != known.cend() && same->digest == entry.digest) {
+            sets.insert(entry.title, StoredSet{same->set, bytes, entry.digest});
+            continue;
+        }
+        QString reason;
+        Set::Ptr set = unpackedSet(bytes, &reason);
+        if (!set) {
+            *error = Archive::errorString(Archive::Error::Corrupt) + QStringLiteral(": ") + where + u' ' + reason;
+            return std::nullopt;
+        }
+        sets.insert(entry.title, StoredSet{std::move(set), bytes, entry.digest});
+    }
+    return sets;
+}
+
+// The sets last read from the store or written to it, with the stored value
+// they stand for. Holding that value keeps its buffer alive, so a stored
+// value that still lies in the same buffer (the defaults hand out shared
+// copies until the value is replaced) has the same content, and its sets
+// need not be decoded again. The objects are never handed out: callers get
+// copies, so sets stay values.
+struct DecodedStore
+{
+    QMutex mutex;
+    StoreImage image;
+};
+
+DecodedStore &decodedStore()
+{
+    static DecodedStore store;
+    return store;
+}
+
 
 } // namespace
 
@@ -164,53 +431,27 @@ bool FZHistoricalResultSpotsSet::decode(QDataStream &stream)
 
 QByteArray FZHistoricalResultSpotsSet::archiveDictionary(const Dictionary &dictionary)
 {
-    return Archive::write([&dictionary](QDataStream &stream) {
-        quint32 count = 0;
-        for (const Ptr &set : dictionary) {
-            if (set)
-                ++count;
-        }
-        stream << count;
-        for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
-            if (!it.value())
-                continue;
-            stream << it.key();
-            it.value()->encode(stream);
-        }
-    });
+    StoredSets sets;
+    for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
+        if (it.value())
+            sets.insert(it.key(), packed(*it.value(), false));
+    }
+    return assembled(sets);
 }
 
 std::optional<FZHistoricalResultSpotsSet::Dictionary> FZHistoricalResultSpotsSet::unarchiveDictionary(
     const QByteArray &blob, QString *error)
 {
-    Dictionary dictionary;
     QString reason;
-    const Archive::Error status = Archive::read(blob, [&dictionary, &reason](QDataStream &stream) {
-        quint32 count = 0;
-        stream >> count;
-        if (stream.status() != QDataStream::Ok
-            || count > quint64(stream.device()->bytesAvailable() / kMinimumEntryBytes + 1)) {
-            reason = QStringLiteral("implausible number of sets");
-            return false;
-        }
-        for (quint32 i = 0; i < count; ++i) {
-            QString title;
-            stream >> title;
-            auto set = std::make_shared<FZHistoricalResultSpotsSet>();
-            if (stream.status() != QDataStream::Ok || !set->decode(stream)) {
-                reason = QStringLiteral("set %1 of %2 cannot be read").arg(i + 1).arg(count);
-                return false;
-            }
-            dictionary.insert(title, std::move(set));
-        }
-        return true;
-    });
-    if (status != Archive::Error::None) {
+    const std::optional<StoredSets> sets = readStore(blob, {}, &reason);
+    if (!sets) {
         if (error)
-            *error = reason.isEmpty() ? Archive::errorString(status)
-                                      : Archive::errorString(status) + QStringLiteral(": ") + reason;
+            *error = reason;
         return std::nullopt;
     }
+    Dictionary dictionary;
+    for (auto it = sets->cbegin(); it != sets->cend(); ++it)
+        dictionary.insert(dictionary.cend(), it.key(), it->set);
     return dictionary;
 }
 
@@ -236,34 +477,49 @@ QString FZHistoricalResultSpotsSet::currentDataVersion()
                                            Brightmere::FrameworkBundle::buildVersion());
 }
 
-bool FZHistoricalResultSpotsSet::saveAllSpotsSetDicitionary(const Dictionary &dictionary)
+namespace {
+
+// Writes the sets whole; the cache follows only a write that reached the
+// disk. After a failed one it is dropped, so the next read decodes what the
+// disk holds.
+bool writeStoredSets(StoreImage image)
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    defaults.setObject(archiveDictionary(dictionary), key(kSetsDictionaryKey));
-    defaults.setObject(currentDataVersion(), key(kLastDataVersionKey));
-    if (!defaults.synchronize()) {
-        logger().logFromModule(kModule, 3, "the saved sets could not be written to %@", defaults.filePath());
-        return false;
+    for (StoredSet &stored : image.sets) {
+        if (stored.packed.isEmpty()) { // read from the earlier format: packed once, on its first write
+            const Set::Ptr set = stored.set;
+            stored = packed(*set, false);
+            stored.set = set;
+        }
     }
-    return true;
+    const QByteArray blob = assembled(image.sets);
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.setObject(blob, key(Set::kSetsDictionaryKey));
+    defaults.setObject(Set::currentDataVersion(), key(Set::kLastDataVersionKey));
+    const bool written = defaults.synchronize();
+    if (!written)
+        logger().logFromModule(kModule, 3, "the saved sets could not be written to %@", defaults.filePath());
+    DecodedStore &cache = decodedStore();
+    QMutexLocker lock(&cache.mutex);
+    cache.image = written ? StoreImage{blob, std::move(image.sets)} : StoreImage{};
+    return written;
 }
 
-QString FZHistoricalResultSpotsSet::setStoredValueAside()
+QString setStoredValueAside()
 {
     UserDefaults &defaults = UserDefaults::standard();
     const double unixSeconds = BMSDKBackend::clock().now() + Brightmere::Clock::kReferenceDateUnixSeconds;
     const QString stamp = QDateTime::fromMSecsSinceEpoch(qint64(unixSeconds * 1000.0), Qt::UTC)
                               .toString(QStringLiteral("yyyyMMddTHHmmss"));
-    const QString base = key(kSetsDictionaryBackupKeyPrefix) + stamp;
+    const QString base = key(Set::kSetsDictionaryBackupKeyPrefix) + stamp;
     QString backupKey = base;
     // An earlier copy is never overwritten, even within the same second.
     for (int n = 2; defaults.contains(backupKey); ++n)
         backupKey = base + QLatin1Char('.') + QString::number(n);
-    defaults.setObject(defaults.objectForKey(key(kSetsDictionaryKey)), backupKey);
+    defaults.setObject(defaults.objectForKey(key(Set::kSetsDictionaryKey)), backupKey);
     return backupKey;
 }
 
-FZHistoricalResultSpotsSet::Dictionary FZHistoricalResultSpotsSet::resetStore(const QString &reason, bool setAside)
+bool resetStore(const QString &reason, bool setAside)
 {
     if (setAside) {
         const QString backupKey = setStoredValueAside();
@@ -272,43 +528,115 @@ FZHistoricalResultSpotsSet::Dictionary FZHistoricalResultSpotsSet::resetStore(co
                                "store starts empty",
                                reason, backupKey, UserDefaults::standard().filePath());
     }
-    Dictionary empty;
-    // The copy and the empty store reach the file in the same write.
-    saveAllSpotsSetDicitionary(empty);
-    return empty;
+    // The copy and the empty store reach the disk in the same write.
+    return writeStoredSets(StoreImage{});
 }
 
-FZHistoricalResultSpotsSet::Dictionary FZHistoricalResultSpotsSet::storedSets()
+// The stored sets, or why the store must start again (and whether what is
+// stored is to be copied aside first).
+struct StoreReading
+{
+    std::optional<StoreImage> image;
+    QString reason;
+    bool setAside = false;
+};
+
+StoreReading readStoredSets()
 {
     UserDefaults &defaults = UserDefaults::standard();
-    const bool hasSets = defaults.contains(key(kSetsDictionaryKey));
-    if (!savedDataVersion())
-        return resetStore(QStringLiteral("stored without a data version"), hasSets);
-    const std::optional<QByteArray> blob = savedSpotsSetsDictionary();
+    const bool hasSets = defaults.contains(key(Set::kSetsDictionaryKey));
+    if (!Set::savedDataVersion())
+        return {std::nullopt, QStringLiteral("stored without a data version"), hasSets};
+    const std::optional<QByteArray> blob = Set::savedSpotsSetsDictionary();
     if (!blob)
-        return resetStore(QString(), false);
-    if (defaults.objectForKey(key(kSetsDictionaryKey)).typeId() != QMetaType::QByteArray)
-        return resetStore(QStringLiteral("the stored value is not data"), true);
+        return {};
+    if (defaults.objectForKey(key(Set::kSetsDictionaryKey)).typeId() != QMetaType::QByteArray)
+        return {std::nullopt, QStringLiteral("the stored value is not data"), true};
 
     DecodedStore &cache = decodedStore();
+    StoreImage known;
     {
         QMutexLocker lock(&cache.mutex);
-        if (!blob->isEmpty() && cache.blob.constData() == blob->constData() && cache.blob.size() == blob->size())
-            return cache.sets;
+        const QByteArray &cached = cache.image.blob;
+        if (!blob->isEmpty() && cached.constData() == blob->constData() && cached.size() == blob->size())
+            return {cache.image, {}, false};
+        known = cache.image;
     }
     QString error;
-    std::optional<Dictionary> dictionary = unarchiveDictionary(*blob, &error);
-    if (!dictionary)
-        return resetStore(error, true);
+    std::optional<StoredSets> sets = readStore(*blob, known.sets, &error);
+    if (!sets)
+        return {std::nullopt, error, true};
     QMutexLocker lock(&cache.mutex);
-    cache.blob = *blob;
-    cache.sets = *dictionary;
-    return *dictionary;
+    cache.image = StoreImage{*blob, std::move(*sets)};
+    return {cache.image, {}, false};
+}
+
+// The stored sets, shared with the cache: read, never change or hand out.
+// A store that cannot be used is started again under the store's lock, and
+// only when, read again there, it still cannot be used.
+StoreImage storedSets()
+{
+    StoreReading reading = readStoredSets();
+    if (reading.image)
+        return *reading.image;
+    StoreImage image;
+    UserDefaults::standard().modifyExclusively([&image] {
+        StoreReading again = readStoredSets();
+        if (again.image) {
+            image = *again.image;
+            return true;
+        }
+        return resetStore(again.reason, again.setAside);
+    });
+    return image;
+}
+
+// Reads the store afresh under its lock, lets change alter the sets and
+// writes them when it returns true. The sets are taken from the cache while
+// they change, so a change of one set among thousands copies none of them.
+bool changeStore(const std::function<bool(StoredSets &)> &change)
+{
+    bool written = false;
+    const bool done = UserDefaults::standard().modifyExclusively([&change, &written] {
+        StoreImage image = storedSets();
+        {
+            DecodedStore &cache = decodedStore();
+            QMutexLocker lock(&cache.mutex);
+            cache.image = StoreImage{};
+        }
+        if (!change(image.sets)) {
+            DecodedStore &cache = decodedStore();
+            QMutexLocker lock(&cache.mutex);
+            cache.image = std::move(image);
+            return true;
+        }
+        written = writeStoredSets(std::move(image));
+        return written;
+    });
+    if (!done && !written)
+        logger().logFromModule(kModule, 3, "the saved sets were not changed");
+    return done;
+}
+
+} // namespace
+
+bool FZHistoricalResultSpotsSet::saveAllSpotsSetDicitionary(const Dictionary &dictionary)
+{
+    StoreImage image;
+    for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
+        if (it.value())
+            image.sets.insert(it.key(), packed(*it.value()));
+    }
+    return writeStoredSets(std::move(image));
 }
 
 FZHistoricalResultSpotsSet::Dictionary FZHistoricalResultSpotsSet::allSpotsSetsDictionary()
 {
-    return copyOf(storedSets());
+    Dictionary copy;
+    const StoreImage image = storedSets();
+    for (auto it = image.sets.cbegin(); it != image.sets.cend(); ++it)
+        copy.insert(copy.cend(), it.key(), copyOf(*it->set));
+    return copy;
 }
 
 bool FZHistoricalResultSpotsSet::saveSpotSet(const Ptr &set)
@@ -317,9 +645,11 @@ bool FZHistoricalResultSpotsSet::saveSpotSet(const Ptr &set)
         logger().logFromModule(kModule, 3, "an absent set cannot be saved");
         return false;
     }
-    Dictionary dictionary = storedSets();
-    dictionary.insert(set->name(), set);
-    return saveAllSpotsSetDicitionary(dictionary);
+    const StoredSet stored = packed(*set);
+    return changeStore([&set, &stored](StoredSets &sets) {
+        sets.insert(set->name(), stored);
+        return true;
+    });
 }
 
 bool FZHistoricalResultSpotsSet::saveSetWithName(const QString &name, const QString &ssid, const QDateTime &date,
@@ -333,8 +663,9 @@ bool FZHistoricalResultSpotsSet::saveSetWithName(const QString &name, const QStr
 
 FZHistoricalResultSpotsSet::Ptr FZHistoricalResultSpotsSet::spotsSetWithName(const QString &name)
 {
-    const Ptr stored = storedSets().value(name);
-    return stored ? copyOf(*stored) : nullptr;
+    const StoreImage image = storedSets();
+    const auto stored = image.sets.constFind(name);
+    return stored != image.sets.cend() ? copyOf(*stored->set) : nullptr;
 }
 
 bool FZHistoricalResultSpotsSet::deleteSpotsSet(const Ptr &set)
@@ -343,16 +674,37 @@ bool FZHistoricalResultSpotsSet::deleteSpotsSet(const Ptr &set)
         logger().logFromModule(kModule, 3, "an absent set cannot be deleted");
         return false;
     }
-    Dictionary dictionary = storedSets();
-    dictionary.remove(set->name());
-    return saveAllSpotsSetDicitionary(dictionary);
+    return changeStore([&set](StoredSets &sets) {
+        sets.remove(set->name());
+        return true;
+    });
+}
+
+bool FZHistoricalResultSpotsSet::changeStoredSets(const std::function<Change(const ConstDictionary &stored)> &change)
+{
+    return changeStore([&change](StoredSets &sets) {
+        ConstDictionary stored;
+        for (auto it = sets.cbegin(); it != sets.cend(); ++it)
+            stored.insert(stored.cend(), it.key(), it->set);
+        const Change wanted = change(stored);
+        for (auto it = wanted.put.cbegin(); it != wanted.put.cend(); ++it) {
+            if (it.value())
+                sets.insert(it.key(), packed(*it.value()));
+        }
+        for (const QString &title : wanted.remove)
+            sets.remove(title);
+        return !wanted.put.isEmpty() || !wanted.remove.isEmpty();
+    });
 }
 
 void FZHistoricalResultSpotsSet::deleteAllSpotsSets()
 {
     UserDefaults &defaults = UserDefaults::standard();
-    defaults.removeObjectForKey(key(kSetsDictionaryKey));
-    if (!defaults.synchronize())
+    const bool removed = defaults.modifyExclusively([&defaults] {
+        defaults.removeObjectForKey(key(kSetsDictionaryKey));
+        return defaults.synchronize();
+    });
+    if (!removed)
         logger().logFromModule(kModule, 3, "removing the saved sets from %@ failed", defaults.filePath());
 }
 

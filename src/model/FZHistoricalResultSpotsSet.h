@@ -7,7 +7,9 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -71,11 +73,14 @@ public:
     void encode(QDataStream &stream) const;
     bool decode(QDataStream &stream);
 
-    // The store. Every operation reads the whole dictionary, changes it,
-    // writes it whole and synchronises; reading skips the decoding when the
-    // stored bytes are the very ones last decoded, and every set returned is
-    // a fresh copy. Operations that write return false when the defaults
-    // could not be written (and log why).
+    // The store. Every operation that writes reads the stored dictionary
+    // afresh under the store's lock (so a set another copy of the app saved
+    // meanwhile is kept), changes it and writes it whole; each set's packed
+    // bytes are kept with it, so a write packs only the sets that changed.
+    // Reading skips the decoding when the stored bytes are the very ones last
+    // read or written, and every set returned is a fresh copy. Operations
+    // that write return false when the defaults could not be written (and
+    // log why); the store then reads what the disk holds.
     static bool saveSetWithName(const QString &name, const QString &ssid, const QDateTime &date,
                                 const WifiTestResult::List &andWifiTestResults);
     // Stores the set under its name, replacing any set of that title.
@@ -84,6 +89,20 @@ public:
     static bool deleteSpotsSet(const Ptr &set);
     // Removes the stored sets; the data version and any set-aside copy stay.
     static void deleteAllSpotsSets();
+
+    // A change made under the store's lock: the sets to store (by key,
+    // replacing) and the keys to remove.
+    using ConstDictionary = QMap<QString, std::shared_ptr<const FZHistoricalResultSpotsSet>>;
+    struct Change
+    {
+        Dictionary put;
+        QStringList remove;
+    };
+    // Hands the stored sets, read afresh under the store's lock, to change and
+    // stores what it returns before the lock is let go. Nothing is written
+    // when the change is empty. False (logged) when the store could not be
+    // locked or written; change then may not have run.
+    static bool changeStoredSets(const std::function<Change(const ConstDictionary &stored)> &change);
 
     // Every saved set, newest first, each marked comparable when another set
     // shares a spot label with it.
@@ -106,17 +125,13 @@ public:
     // "<short version>.<build>" of the kit's bundle.
     static QString currentDataVersion();
 
-    // The archive of a whole dictionary, and its reading; std::nullopt (with
-    // the reason in *error) when it cannot be read.
+    // The archive of a whole dictionary, and its reading (of this format and
+    // of the one earlier versions wrote); std::nullopt (with the reason in
+    // *error) when it cannot be read.
     static QByteArray archiveDictionary(const Dictionary &dictionary);
     static std::optional<Dictionary> unarchiveDictionary(const QByteArray &blob, QString *error = nullptr);
 
 private:
-    // The stored sets, shared with the decoded-store cache: read, never
-    // change or hand out (allSpotsSetsDictionary() returns copies).
-    static Dictionary storedSets();
-    static Dictionary resetStore(const QString &reason, bool setAside);
-    static QString setStoredValueAside();
     static List sortedNewestFirst(const Dictionary &dictionary);
 
     bool m_comparable = false;

@@ -4,6 +4,7 @@
 #include "core/BMLogger.h"
 
 #include <QFile>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -251,6 +252,101 @@ bool FZSpotsSetsBackup::hasSameContent(const FZHistoricalResultSpotsSet &a, cons
     return true;
 }
 
+namespace {
+
+// Where each set of a backup goes, in one pass over it: a set goes under its
+// title, or under the first free "Title (n)" when the title is taken by other
+// content; it is skipped when the same content already stands under its
+// title or under a "Title (n)" before that free one. Taken titles and sets by
+// content are looked up in hash tables, and each title remembers how far its
+// numbers are taken, so a backup of many sets of one title is placed in
+// linear time.
+class TitlePlacer
+{
+public:
+    using Set = FZHistoricalResultSpotsSet;
+
+    explicit TitlePlacer(const Set::ConstDictionary &stored)
+        : m_stored(stored)
+    {
+        for (auto it = stored.cbegin(); it != stored.cend(); ++it)
+            m_byContent[contentHash(*it.value())].append(it.key());
+    }
+
+    // The title to store the set under, or a null string to skip it.
+    QString place(const Set &set)
+    {
+        const QString title = set.name();
+        int &next = m_nextNumber[title];
+        if (next == 0)
+            next = 1;
+        while (isTaken(titleNumbered(title, next)))
+            ++next;
+        for (const QString &holder : m_byContent.value(contentHash(set))) {
+            const int number = numberOf(holder, title);
+            if (number > 0 && number < next && FZSpotsSetsBackup::hasSameContent(*setUnder(holder), set))
+                return QString();
+        }
+        return titleNumbered(title, next);
+    }
+
+    void add(const QString &title, const Set::Ptr &set)
+    {
+        m_added.insert(title, set);
+        m_byContent[contentHash(*set)].append(title);
+    }
+
+    const Set::Dictionary &added() const { return m_added; }
+
+private:
+    static QString titleNumbered(const QString &title, int number)
+    {
+        return number == 1 ? title : title + QStringLiteral(" (%1)").arg(number);
+    }
+
+    // 1 for the title itself, n for "Title (n)", 0 for any other title.
+    static int numberOf(const QString &holder, const QString &title)
+    {
+        if (holder == title)
+            return 1;
+        const qsizetype prefix = title.size() + 2;
+        if (holder.size() <= prefix + 1 || !holder.startsWith(title) || !holder.endsWith(u')')
+            || QStringView(holder).mid(title.size(), 2) != QLatin1String(" ("))
+            return 0;
+        bool ok = false;
+        const int number = QStringView(holder).mid(prefix, holder.size() - prefix - 1).toInt(&ok);
+        return ok && number >= 2 && titleNumbered(title, number) == holder ? number : 0;
+    }
+
+    // Equal for sets hasSameContent calls the same (numbers left out: a
+    // speed that is not a number equals itself there).
+    static size_t contentHash(const Set &set)
+    {
+        size_t hash = qHashMulti(0, set.ssid(), set.date().isValid() ? set.date().toMSecsSinceEpoch() : -1,
+                                 set.spotsCount());
+        for (const WifiTestResult::Ptr &spot : set.mutableSpots()) {
+            if (spot)
+                hash = qHashMulti(hash, spot->label(), spot->ssid(), spot->bssid(), spot->isAverage());
+        }
+        return hash;
+    }
+
+    bool isTaken(const QString &title) const { return m_stored.contains(title) || m_added.contains(title); }
+
+    std::shared_ptr<const Set> setUnder(const QString &title) const
+    {
+        const auto stored = m_stored.constFind(title);
+        return stored != m_stored.cend() ? stored.value() : m_added.value(title);
+    }
+
+    const Set::ConstDictionary &m_stored;
+    Set::Dictionary m_added;
+    QHash<size_t, QStringList> m_byContent;
+    QHash<QString, int> m_nextNumber;
+};
+
+} // namespace
+
 FZReportResult FZSpotsSetsBackup::restoreBackupJson(const QByteArray &json)
 {
     FZReportResult result;
@@ -258,39 +354,38 @@ FZReportResult FZSpotsSetsBackup::restoreBackupJson(const QByteArray &json)
     if (!sets)
         return result;
 
-    // Only a file that was read whole reaches the store.
-    FZHistoricalResultSpotsSet::Dictionary store = FZHistoricalResultSpotsSet::allSpotsSetsDictionary();
-    for (const FZHistoricalResultSpotsSet::Ptr &set : *sets) {
-        const QString title = set->name();
-        QString candidate = title;
-        bool stored = false;
-        int n = 1;
-        while (store.contains(candidate)) {
-            const FZHistoricalResultSpotsSet::Ptr existing = store.value(candidate);
-            if (existing && hasSameContent(*existing, *set)) {
-                stored = true;
-                break;
+    // Only a file that was read whole reaches the store, and it merges with
+    // the store as it stands under the store's lock: a set another copy of
+    // the app saved meanwhile is kept.
+    bool merged = false;
+    const bool stored = FZHistoricalResultSpotsSet::changeStoredSets(
+        [&sets, &result, &merged](const FZHistoricalResultSpotsSet::ConstDictionary &store) {
+            merged = true;
+            result = FZReportResult();
+            TitlePlacer placer(store);
+            for (const FZHistoricalResultSpotsSet::Ptr &set : *sets) {
+                const QString title = set->name();
+                const QString placed = placer.place(*set);
+                if (placed.isNull()) {
+                    result.addSkipped(title);
+                    continue;
+                }
+                set->setName(placed);
+                placer.add(placed, set);
+                result.addAdded(placed);
+                if (placed != title)
+                    result.addRenamed(placed);
             }
-            candidate = QStringLiteral("%1 (%2)").arg(title).arg(++n);
-        }
-        if (stored) {
-            result.addSkipped(title);
-            continue;
-        }
-        set->setName(candidate);
-        store.insert(candidate, set);
-        result.addAdded(candidate);
-        if (candidate != title)
-            result.addRenamed(candidate);
+            return FZHistoricalResultSpotsSet::Change{placer.added(), {}};
+        });
+    if (!stored || !merged) {
+        const QString message = QStringLiteral("the restored sets could not be stored");
+        BMLogger::sharedInstance().log(kModule, 3, message);
+        return FZReportResult::failure(FZReportResult::Error::StoreNotWritten, message);
     }
     if (result.addedTitles().isEmpty()) {
         BMLogger::sharedInstance().log(kModule, 2, QStringLiteral("restore: all %1 sets were stored already").arg(sets->size()));
         return result;
-    }
-    if (!FZHistoricalResultSpotsSet::saveAllSpotsSetDicitionary(store)) {
-        const QString message = QStringLiteral("the restored sets could not be stored");
-        BMLogger::sharedInstance().log(kModule, 3, message);
-        return FZReportResult::failure(FZReportResult::Error::StoreNotWritten, message);
     }
     BMLogger::sharedInstance().log(kModule, 2,
                                    QStringLiteral("restore: %1 added (%2 under a new title), %3 already stored")

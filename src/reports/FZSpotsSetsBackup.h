@@ -14,7 +14,9 @@
 // Otherwise sets merge by title: a set already stored with the same content
 // (under its title or an earlier "Title (n)") is skipped; a title taken by
 // other content gets the first free "Title (2)", "Title (3)"...; nothing
-// stored is replaced or removed, so restoring a file twice adds nothing.
+// stored is replaced or removed, so restoring a file twice adds nothing. The
+// merge reads and writes the store under its lock, in time linear in the
+// number of sets whatever their titles.
 class FZSpotsSetsBackup
 {
 public:

@@ -3,6 +3,7 @@
 #include "TestEnvironment.h"
 
 #include <QElapsedTimer>
+#include <QSettings>
 #include <QFile>
 #include <QLockFile>
 #include <QtTest>
@@ -25,10 +26,12 @@ private Q_SLOTS:
 
     void valueSurvivesNewInstance_data();
     void valueSurvivesNewInstance();
+    void inlineLargeValuesMoveOutWhenOpened();
     void typedGettersOfMissingKeys();
     void removeAndInvalidValueDeleteTheKey();
     void standardStoreFollowsItsFile();
-    void synchronizeReportsUnwritableFile();
+    void failedWriteIsNotASave_data();
+    void failedWriteIsNotASave();
     void concurrentWritersLoseNothing();
     void lockLeftByAKilledWriter_data();
     void lockLeftByAKilledWriter();
@@ -36,6 +39,20 @@ private Q_SLOTS:
 private:
     std::unique_ptr<TestEnvironment> m_env;
 };
+
+namespace {
+
+QStringList valueFiles(const QString &filePath)
+{
+    return QDir(UserDefaults::valuesFolderPath(filePath)).entryList(QDir::Files | QDir::Hidden);
+}
+
+QByteArray large(char fill)
+{
+    return QByteArray(UserDefaults::kLargeValueBytes + 1, fill);
+}
+
+} // namespace
 
 void tst_UserDefaults::valueSurvivesNewInstance_data()
 {
@@ -48,6 +65,8 @@ void tst_UserDefaults::valueSurvivesNewInstance_data()
     QTest::newRow("empty list") << QVariant(QStringList{});
     QTest::newRow("names with commas") << QVariant(QStringList{QStringLiteral("a,b"), QStringLiteral(""), QStringLiteral("c")});
     QTest::newRow("binary blob") << QVariant(QByteArray("\0\x01\xff\n=[]", 8));
+    QTest::newRow("binary blob at the threshold") << QVariant(QByteArray(UserDefaults::kLargeValueBytes, '\0'));
+    QTest::newRow("binary blob past it, in a file") << QVariant(large('\n') + "=[]\0");
     QTest::newRow("nested dictionary") << QVariant(QVariantMap{
         {QStringLiteral("kI18NTimeStampKey"), QVariantMap{{QStringLiteral("en"), 7}, {QStringLiteral("es"), 5.5}}},
         {QStringLiteral("kI18NLanguageKey"), QStringLiteral("es")}});
@@ -58,7 +77,10 @@ void tst_UserDefaults::valueSurvivesNewInstance()
     QFETCH(QVariant, value);
     const QString path = m_env->filePath(QStringLiteral("store.ini"));
     {
+        // Replacing a value held in a file of its own.
         UserDefaults writer(path);
+        writer.setObject(large('a'), QStringLiteral("key"));
+        QVERIFY(writer.synchronize());
         writer.setObject(value, QStringLiteral("key"));
         QVERIFY(writer.synchronize());
     }
@@ -70,6 +92,32 @@ void tst_UserDefaults::valueSurvivesNewInstance()
         QCOMPARE(read, value);
     if (value.typeId() == QMetaType::QStringList)
         QCOMPARE(reader.stringArrayForKey(QStringLiteral("key")), value.toStringList());
+    // Only a large value has a file, and the INI only refers to it.
+    const bool inFile = value.toByteArray().size() > UserDefaults::kLargeValueBytes;
+    QCOMPARE(valueFiles(path).size(), inFile ? 1 : 0);
+    QVERIFY(!inFile || QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
+}
+
+void tst_UserDefaults::inlineLargeValuesMoveOutWhenOpened()
+{
+    // A file as earlier versions wrote it: every value inline.
+    const QString path = m_env->filePath(QStringLiteral("earlier.ini"));
+    {
+        QSettings earlier(path, QSettings::IniFormat);
+        earlier.setValue(QStringLiteral("sets"), large('s'));
+        earlier.setValue(QStringLiteral("sets.backup"), large('b'));
+        earlier.setValue(QStringLiteral("flag"), true);
+    }
+    {
+        UserDefaults opened(path);
+        QCOMPARE(opened.dataForKey(QStringLiteral("sets")), large('s'));
+    }
+    QVERIFY(QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
+    QCOMPARE(valueFiles(path).size(), 2);
+    UserDefaults reader(path);
+    QCOMPARE(reader.dataForKey(QStringLiteral("sets")), large('s'));
+    QCOMPARE(reader.dataForKey(QStringLiteral("sets.backup")), large('b'));
+    QVERIFY(reader.boolForKey(QStringLiteral("flag")));
 }
 
 void tst_UserDefaults::typedGettersOfMissingKeys()
@@ -121,15 +169,51 @@ void tst_UserDefaults::standardStoreFollowsItsFile()
     QCOMPARE(UserDefaults(other).stringForKey(QStringLiteral("where")), QStringLiteral("second"));
 }
 
-void tst_UserDefaults::synchronizeReportsUnwritableFile()
+void tst_UserDefaults::failedWriteIsNotASave_data()
 {
-    // A folder where the file should be: nothing can be written there.
-    const QString path = m_env->filePath(QStringLiteral("blocked.ini"));
-    QVERIFY(QDir().mkpath(path));
+    // Tests run as root, for whom no permission fails: a regular file where
+    // a folder must be, or a folder where the file must be, does.
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("blocked");
+    QTest::addColumn<bool>("blockedByFolder");
+    QTest::addColumn<bool>("savedBefore");
+    QTest::newRow("the values folder is a file") << "store.ini" << "store.ini.values" << false << true;
+    QTest::newRow("the store's folder is a file") << "box/store.ini" << "box" << false << false;
+    QTest::newRow("the INI is a folder") << "store.ini" << "store.ini" << true << false;
+}
+
+void tst_UserDefaults::failedWriteIsNotASave()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, blocked);
+    QFETCH(bool, blockedByFolder);
+    QFETCH(bool, savedBefore);
+    const QString path = m_env->filePath(file);
     UserDefaults defaults(path);
-    defaults.setObject(QStringLiteral("v"), QStringLiteral("k"));
+    if (savedBefore) {
+        defaults.setObject(large('1'), QStringLiteral("blob"));
+        defaults.setObject(1, QStringLiteral("small"));
+        QVERIFY(defaults.synchronize());
+    }
+    const QString block = m_env->filePath(blocked);
+    QDir(block).removeRecursively();
+    QVERIFY(blockedByFolder ? QDir().mkpath(block) : QFile(block).open(QIODevice::WriteOnly));
+
+    defaults.setObject(large('2'), QStringLiteral("blob"));
+    defaults.setObject(2, QStringLiteral("small"));
+    QVERIFY(defaults.contains(QStringLiteral("small")));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("synchronising .* failed")));
     QVERIFY(!defaults.synchronize());
+    // Nothing of the failed write is read back: only what the disk holds.
+    QCOMPARE(defaults.integerForKey(QStringLiteral("small")), savedBefore ? 1 : 0);
+    QCOMPARE(defaults.dataForKey(QStringLiteral("blob")), savedBefore ? large('1') : QByteArray());
+
+    // Once the way is clear again, the user's retry is saved.
+    QVERIFY(blockedByFolder ? QDir(block).removeRecursively() : QFile::remove(block));
+    QVERIFY(QDir().mkpath(QFileInfo(path).absolutePath()));
+    defaults.setObject(large('3'), QStringLiteral("blob"));
+    QVERIFY(defaults.synchronize());
+    QCOMPARE(UserDefaults(path).dataForKey(QStringLiteral("blob")), large('3'));
 }
 
 void tst_UserDefaults::concurrentWritersLoseNothing()
@@ -152,19 +236,24 @@ void tst_UserDefaults::lockLeftByAKilledWriter_data()
 {
     // A writer killed while taking the file's lock leaves "<file>.lock"
     // behind: empty when it died before writing its process id into it.
+    // One killed while removing such a lock leaves "<file>.lock.rmlock" too.
     QTest::addColumn<bool>("filled");
     QTest::addColumn<int>("ageMs");
-    QTest::newRow("empty, left long ago: removed at once") << false << 10000;
-    QTest::newRow("empty, left just now: removed after a second") << false << 0;
-    QTest::newRow("naming a process that is gone: Qt takes it over") << true << 0;
+    QTest::addColumn<bool>("removing");
+    QTest::newRow("empty, left long ago: removed at once") << false << 10000 << false;
+    QTest::newRow("empty, left just now: removed after a second") << false << 0 << false;
+    QTest::newRow("naming a process that is gone: Qt takes it over") << true << 0 << false;
+    QTest::newRow("killed while removing one that names a gone process") << true << 5000 << true;
 }
 
 void tst_UserDefaults::lockLeftByAKilledWriter()
 {
     QFETCH(bool, filled);
     QFETCH(int, ageMs);
+    QFETCH(bool, removing);
     const QString path = m_env->filePath(QStringLiteral("locked.ini"));
     const QString lockPath = path + QStringLiteral(".lock");
+    const QString emptyPath = removing ? lockPath + QStringLiteral(".rmlock") : lockPath;
     if (filled) {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -175,13 +264,15 @@ void tst_UserDefaults::lockLeftByAKilledWriter()
         QCOMPARE(::waitpid(child, &status, 0), child);
         QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
         QVERIFY(QFileInfo(lockPath).size() > 0);
+    }
+    if (filled && !removing) {
         QTest::failOnWarning(QRegularExpression(QStringLiteral("left empty")));
     } else {
-        QFile lock(lockPath);
+        QFile lock(emptyPath);
         QVERIFY(lock.open(QIODevice::WriteOnly));
         QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addMSecs(-ageMs), QFileDevice::FileModificationTime));
         lock.close();
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("removed .*locked.ini.lock left empty")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("removed .*") + QRegularExpression::escape(QFileInfo(emptyPath).fileName()) + QStringLiteral(" left empty")));
     }
 
     UserDefaults defaults(path);

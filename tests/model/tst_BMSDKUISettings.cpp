@@ -55,6 +55,7 @@ void tst_BMSDKUISettings::firstRead()
     UserDefaults::standard().setObject(stored, kSavedSpotsKey);
     if (merged)
         UserDefaults::standard().setBool(true, kMergedKey);
+    QVERIFY(UserDefaults::standard().synchronize());
     QTEST(BMSDKUISettings::sharedInstance().savedSpots(), "expected");
     // What the first read returned is what a later session finds on disk.
     UserDefaults reader(m_env->defaultsFilePath());

@@ -8,7 +8,11 @@
 #include "resources/FrameworkBundle.h"
 
 #include <QRandomGenerator>
+#include <QSettings>
 #include <QtTest>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 using Brightmere::UserDefaults;
 using Set = FZHistoricalResultSpotsSet;
@@ -58,6 +62,18 @@ QList<bool> flagsOf(const Set::List &sets)
     return flags;
 }
 
+// The store as a program started afresh reads it: from a copy of the files.
+Set::Dictionary readAfresh(const QString &copy)
+{
+    const QString current = UserDefaults::standard().filePath();
+    if (!UserDefaults::copyFile(current, copy))
+        return {};
+    UserDefaults::setStandardFilePath(copy);
+    const Set::Dictionary sets = Set::allSpotsSetsDictionary();
+    UserDefaults::setStandardFilePath(current);
+    return sets;
+}
+
 QStringList backupKeys()
 {
     return UserDefaults::standard().allKeys().filter(QRegularExpression(QStringLiteral("^kSetsDictionaryKey\\.backup\\.")));
@@ -104,6 +120,11 @@ private Q_SLOTS:
 
     void roundTripThroughNewDefaults_data();
     void roundTripThroughNewDefaults();
+    void storeWrittenInlineMovesWithEverySet();
+    void failedWriteIsNotASave_data();
+    void failedWriteIsNotASave();
+    void twoProcessesShareTheStore_data();
+    void twoProcessesShareTheStore();
     void versionRecord_data();
     void versionRecord();
     void unreadableStoreIsSetAside_data();
@@ -142,11 +163,8 @@ void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults()
     set->setComparable(true);
     QVERIFY(Set::saveSpotSet(set));
 
-    // A copy of the file, opened afresh: only what reached the disk counts.
-    const QString copy = m_env->filePath(QStringLiteral("copy.ini"));
-    QVERIFY(QFile::copy(m_env->defaultsFilePath(), copy));
-    UserDefaults::setStandardFilePath(copy);
-    const Set::Ptr read = Set::spotsSetWithName(set->name());
+    // Opened afresh: only what reached the disk counts.
+    const Set::Ptr read = readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).value(set->name());
     QVERIFY(read);
     QVERIFY(read != set);
     QCOMPARE(read->name(), set->name());
@@ -159,6 +177,126 @@ void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults()
     QCOMPARE(read->spotsCount(), set->spotsCount());
     for (qsizetype i = 0; i < set->spotsCount(); ++i)
         QVERIFY2(read->spots().at(i)->hasSameValues(*set->spots().at(i)), qPrintable(QString::number(i)));
+}
+
+void tst_FZHistoricalResultSpotsSet::storeWrittenInlineMovesWithEverySet()
+{
+    // Written by the kit before large values had files of their own.
+    const QString fixture = QStringLiteral(BRIGHTMERE_MODEL_DATA_DIR "/defaults-with-inline-sets.ini");
+    QSettings earlier(fixture, QSettings::IniFormat);
+    const QByteArray inline_ = earlier.value(kSetsKey).toByteArray();
+    const QString backupKey = QStringLiteral("kSetsDictionaryKey.backup.20250301T083000");
+    const QByteArray backup = earlier.value(backupKey).toByteArray();
+    const std::optional<Set::Dictionary> expected = Set::unarchiveDictionary(inline_);
+    QVERIFY(expected && expected->size() == 6);
+
+    const QString path = m_env->filePath(QStringLiteral("upgraded.ini"));
+    QVERIFY(QFile::copy(fixture, path));
+    UserDefaults::setStandardFilePath(path);
+    QVERIFY(QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
+    QCOMPARE(QDir(UserDefaults::valuesFolderPath(path)).entryList(QDir::Files).size(), 2);
+    QCOMPARE(UserDefaults::standard().dataForKey(kSetsKey), inline_);
+    QCOMPARE(UserDefaults::standard().dataForKey(backupKey), backup);
+    QVERIFY(UserDefaults::standard().boolForKey(QStringLiteral("kAlwaysDeleteSpotKey")));
+    QCOMPARE(UserDefaults::standard().stringArrayForKey(QStringLiteral("kSavedSpotsKey")),
+             (QStringList{"Kitchen", "Hall", "Garage"}));
+    QCOMPARE(Set::archiveDictionary(Set::allSpotsSetsDictionary()), Set::archiveDictionary(*expected));
+
+    // The first save writes this version's format, every set still intact.
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("After the upgrade"), {QStringLiteral("Hall")})));
+    Set::Dictionary after = readAfresh(m_env->filePath(QStringLiteral("reader.ini")));
+    QVERIFY(after.remove(QStringLiteral("After the upgrade")));
+    QCOMPARE(Set::archiveDictionary(after), Set::archiveDictionary(*expected));
+    QVERIFY(backupKeys().contains(backupKey));
+}
+
+void tst_FZHistoricalResultSpotsSet::failedWriteIsNotASave_data()
+{
+    QTest::addColumn<int>("spots"); // per stored set
+    QTest::newRow("store inline in the INI") << 1;
+    QTest::newRow("store in a file of its own") << 60;
+}
+
+void tst_FZHistoricalResultSpotsSet::failedWriteIsNotASave()
+{
+    QFETCH(int, spots);
+    QStringList labels;
+    for (int i = 0; i < spots; ++i)
+        labels.append(QStringLiteral("Room %1").arg(i));
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), labels, 1)));
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), labels, 2)));
+    // Tests run as root, so no permission fails: a regular file where the
+    // values folder goes does.
+    const QString folder = UserDefaults::valuesFolderPath(m_env->defaultsFilePath());
+    QDir(folder).removeRecursively();
+    QFile block(folder);
+    QVERIFY(block.open(QIODevice::WriteOnly));
+    block.close();
+
+    QVERIFY(!Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
+    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Office", "Home"}));
+    QVERIFY(!Set::spotsSetWithName(QStringLiteral("Garage")));
+    QVERIFY(!Set::deleteSpotsSet(makeSet(QStringLiteral("Home"), {})));
+    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Office", "Home"}));
+
+    // The user's retry, once the disk takes writes again.
+    QVERIFY(block.remove());
+    QVERIFY(Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
+    QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), (QStringList{"Garage", "Home", "Office"}));
+}
+
+void tst_FZHistoricalResultSpotsSet::twoProcessesShareTheStore_data()
+{
+    // What another copy of the app does to the store after this one read it.
+    QTest::addColumn<QStringList>("otherSaves");
+    QTest::addColumn<QStringList>("otherDeletes");
+    QTest::addColumn<bool>("atTheSameTime");
+    QTest::addColumn<QStringList>("expected");
+    QStringList many;
+    for (int i = 0; i < 12; ++i)
+        many.append(QStringLiteral("Other %1").arg(i, 2, 10, QLatin1Char('0')));
+    QTest::newRow("saves one before this one saves")
+        << QStringList{"Other"} << QStringList{} << false << QStringList{"Kept", "Other", "Ours 00"};
+    QTest::newRow("deletes one before this one saves")
+        << QStringList{} << QStringList{"Kept"} << false << QStringList{"Ours 00"};
+    QTest::newRow("saves many while this one saves many")
+        << many << QStringList{} << true << QStringList{"Kept"} + many;
+}
+
+void tst_FZHistoricalResultSpotsSet::twoProcessesShareTheStore()
+{
+    QFETCH(QStringList, otherSaves);
+    QFETCH(QStringList, otherDeletes);
+    QFETCH(bool, atTheSameTime);
+    QFETCH(QStringList, expected);
+    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Kept"), {QStringLiteral("Hall")})));
+    QCOMPARE(Set::allSpotsSets().size(), 1); // this copy has read the store
+    const int ours = atTheSameTime ? int(otherSaves.size()) : 1;
+
+    const pid_t other = ::fork();
+    QVERIFY(other >= 0);
+    if (other == 0) {
+        bool ok = true;
+        for (const QString &title : otherSaves)
+            ok = Set::saveSpotSet(makeSet(title, {QStringLiteral("Hall")})) && ok;
+        for (const QString &title : otherDeletes)
+            ok = Set::deleteSpotsSet(makeSet(title, {})) && ok;
+        ::_exit(ok ? 0 : 1);
+    }
+    int status = 0;
+    if (!atTheSameTime)
+        QCOMPARE(::waitpid(other, &status, 0), other);
+    for (int i = 0; i < ours; ++i)
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Ours %1").arg(i, 2, 10, QLatin1Char('0')), {})));
+    if (atTheSameTime)
+        QCOMPARE(::waitpid(other, &status, 0), other);
+    QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+
+    for (int i = 0; i < ours; ++i)
+        expected.append(QStringLiteral("Ours %1").arg(i, 2, 10, QLatin1Char('0')));
+    expected.removeDuplicates();
+    expected.sort();
+    QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), expected);
 }
 
 void tst_FZHistoricalResultSpotsSet::versionRecord_data()
@@ -210,8 +348,15 @@ void tst_FZHistoricalResultSpotsSet::unreadableStoreIsSetAside_data()
     QByteArray corrupt = valid;
     corrupt[corrupt.size() - 5] = char(corrupt.at(corrupt.size() - 5) ^ 0x40);
     QByteArray future = valid;
-    future[5] = char(Brightmere::Archive::kFormatVersion + 1);
+    future[5] = char(0x7f);
+    QStringList rooms;
+    for (int i = 0; i < 200; ++i)
+        rooms.append(QStringLiteral("Room %1").arg(i));
+    const QByteArray large = Set::archiveDictionary({{QStringLiteral("Home"), makeSet(QStringLiteral("Home"), rooms)}});
     QTest::newRow("truncated") << QVariant(valid.left(valid.size() - 10));
+    QTest::newRow("truncated, in a file of its own") << QVariant(large.left(large.size() - 10));
+    QTest::newRow("written by an earlier version, truncated")
+        << QVariant(Brightmere::Archive::write([](QDataStream &s) { s << quint32(1) << QStringLiteral("Home"); }).chopped(3));
     QTest::newRow("digest mismatch") << QVariant(corrupt);
     QTest::newRow("future format") << QVariant(future);
     QTest::newRow("foreign bytes") << QVariant(QByteArray("<plist>not ours</plist>"));

@@ -158,6 +158,21 @@ private Q_SLOTS:
                  BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(m_screen->allSpotsSets().at(0)->date()));
     }
 
+    void longNameEndsBeforeTheMark()
+    {
+        // Rows of the narrowed list come from the reuse pool, set up while hidden.
+        const QString name = QStringLiteral("Basement, ground floor and attic after moving the router twice");
+        FZHistoricalResultSpotsSet::saveSetWithName(name, "HomeNet", QDateTime(QDate(2025, 3, 13), QTime(8, 0), Qt::UTC),
+                                                    spots({"Kitchen"}));
+        m_screen->enableCompareSetsMode();
+        tap("Ground floor");
+        QCoreApplication::processEvents();
+        const FZSavedSpotsCell *row = cell(int(names().indexOf(name)));
+        QVERIFY(row && row->comparableIconImageView()->isVisible());
+        QVERIFY(row->nameTextView()->geometry().right() < row->comparableIconImageView()->geometry().left());
+        QVERIFY(row->nameTextView()->text().endsWith(QChar(0x2026)));
+    }
+
     void optionsPopupAndCancel_data()
     {
         QTest::addColumn<int>("choice");

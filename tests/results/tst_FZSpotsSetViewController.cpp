@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QScroller>
 #include <QTest>
 
 #include <memory>
@@ -97,6 +99,43 @@ private Q_SLOTS:
         QCOMPARE(right.right() + 1, qRound(total));
         QCOMPARE(left.height(), 60);
         QCOMPARE(screen->columnWidthProportionWithIndex(2), 0.0);
+    }
+
+    void draggingPastAnEndDoesNotBounce_data()
+    {
+        QTest::addColumn<bool>("atBottom");
+        QTest::newRow("down past the top") << false;
+        QTest::newRow("up past the bottom") << true;
+    }
+    void draggingPastAnEndDoesNotBounce()
+    {
+        QFETCH(bool, atBottom);
+        WifiTestResult::List spots;
+        for (int i = 0; i < 40; ++i)
+            spots.append(groundFloor()->spots().at(i % 6));
+        FZSpotsSetViewController *screen = open(FZHistoricalResultSpotsSet::create("Long", "HomeNet", QDateTime(), spots));
+        QScrollBar *bar = screen->collectionView()->verticalScrollBar();
+        bar->setValue(atBottom ? bar->maximum() : 0);
+        const int end = bar->value();
+        QWidget *viewport = screen->collectionView()->viewport();
+        const QPoint rest = viewport->pos();
+        QScroller *scroller = QScroller::scroller(viewport);
+        // The finger first moves the rows away from the end...
+        const double away = atBottom ? 1.0 : -1.0;
+        QPointF at(100, 300);
+        qint64 time = 1000;
+        scroller->handleInput(QScroller::InputPress, at, time);
+        for (int step = 0; step < 5; ++step)
+            scroller->handleInput(QScroller::InputMove, at += QPointF(0, away * 20), time += 20);
+        QTRY_VERIFY(bar->value() != end);
+        // ...then back in one stroke, 200 pixels past it: the step that
+        // stops the rows at the end would also move the grid past it.
+        scroller->handleInput(QScroller::InputMove, at -= QPointF(0, away * (qAbs(bar->value() - end) + 200)), time += 20);
+        QTRY_COMPARE(bar->value(), end);
+        QCOMPARE(viewport->pos(), rest);
+        scroller->handleInput(QScroller::InputRelease, at, time += 20);
+        scroller->stop();
+        QCOMPARE(viewport->pos(), rest);
     }
 
     void rowsShadedAlternately_data()

@@ -1,27 +1,43 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
+#include <QMap>
 #include <QMutex>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <QVariantMap>
 
-#include <memory>
-
-class QSettings;
+#include <functional>
 
 namespace Brightmere {
 
 // The user-defaults store: whole values under string keys, kept in an INI
-// file through QSettings. `standard()` is the process-wide store; its file
-// defaults to "BrightmereDefaults.ini" in the application's config folder and
-// can be moved by the host or a test with setStandardFilePath(). Instances of
-// the same file share what was written, and a value written and synchronised
-// is there for every later reader of that file. Safe to use from any thread.
+// file. `standard()` is the process-wide store; its file defaults to
+// "BrightmereDefaults.ini" in the application's config folder and can be
+// moved by the host or a test with setStandardFilePath().
+//
+// A binary value larger than kLargeValueBytes lives in a file of its own in
+// the folder "<file>.values" beside the INI, which holds a reference to it;
+// readers get the bytes as before. So the INI stays small: writing or first
+// reading any preference costs the same however large the saved runs grow.
+//
+// What is set is seen by this instance at once and reaches the file (and
+// other instances and processes) with synchronize(). A write puts every new
+// large value in a new file first, then replaces the INI whole (a new file
+// renamed over the old one), then removes the value files the INI no longer
+// refers to: a reader after a crash at any moment finds the INI of the last
+// write or of the one before, with every file it refers to. Writers, threads
+// and processes alike, take turns through the lock file "<file>.lock". A
+// file that holds large values inline, as earlier versions wrote them, moves
+// to this layout when it is opened. Safe to use from any thread.
 class UserDefaults
 {
 public:
+    // Larger binary values are kept in files of their own.
+    static constexpr qsizetype kLargeValueBytes = 4096;
+
     explicit UserDefaults(const QString &filePath);
     ~UserDefaults();
     UserDefaults(const UserDefaults &) = delete;
@@ -30,6 +46,11 @@ public:
     static UserDefaults &standard();
     static void setStandardFilePath(const QString &filePath);
     static QString defaultStandardFilePath();
+    // Where the large values of a defaults file live.
+    static QString valuesFolderPath(const QString &filePath);
+    // Copies a defaults file and its large values to another path, replacing
+    // what was there: the copy opens as the original does.
+    static bool copyFile(const QString &fromFilePath, const QString &toFilePath);
 
     QString filePath() const;
     // Moves this store to another file; what was not synchronised is written first.
@@ -52,17 +73,47 @@ public:
     QString stringForKey(const QString &key) const;
     QStringList stringArrayForKey(const QString &key) const;
     QByteArray dataForKey(const QString &key) const;
+    void setData(const QByteArray &value, const QString &key);
     QVariantMap dictionaryForKey(const QString &key) const;
 
-    // Writes pending changes to the file and reads changes made by others;
-    // false (and a log line) when the file cannot be written or read. A lock
-    // file left empty by a writer that died while taking it is removed (with
-    // a log line, after a second's grace) rather than waited out for 30 s.
+    // Writes what was set to the file and reads what others wrote; false (and
+    // a log line) when the file cannot be read or written. A failed write is
+    // not a save: what it would have written is dropped, and this instance
+    // reads what the file holds. A lock file left empty by a writer that died
+    // while taking it is removed (with a log line, after a second's grace)
+    // rather than waited out.
     bool synchronize();
 
+    // Runs change while no other writer, in this process or another, can
+    // write the file: what others wrote is read first, and what change sets
+    // is written before the lock is let go. False when the lock could not be
+    // had (change does not run), when change returns false, or when the
+    // write fails. change may synchronize itself, and may nest.
+    bool modifyExclusively(const std::function<bool()> &change);
+
 private:
+    void open(const QString &filePath);
+    bool lockForWriting(const QString &filePath);
+    void unlockForWriting(const QString &filePath);
+    bool loadLocked() const;
+    bool synchronizeLocked();
+    bool writeLocked(QString *error);
+    QVariant valueLocked(const QString &key) const;
+    bool readValueFileLocked(const QString &name, qint64 size, QByteArray *bytes) const;
+    void removeUnreferencedFilesLocked();
+
     mutable QMutex m_mutex;
-    std::unique_ptr<QSettings> m_settings;
+    QString m_filePath;
+    // The file as last read or written: its bytes, its values in stored form
+    // (large ones as references), and whether it exists but could not be
+    // read (then it is never written over). A read may read it again.
+    mutable QByteArray m_loadedBytes;
+    mutable QMap<QString, QVariant> m_stored;
+    mutable bool m_unreadable = false;
+    // Set but not yet written; an invalid QVariant removes the key.
+    QMap<QString, QVariant> m_pending;
+    // Bytes of the value files read or written, by file name.
+    mutable QHash<QString, QByteArray> m_valueFiles;
 };
 
 } // namespace Brightmere

@@ -12,6 +12,7 @@
 #include <QEvent>
 #include <QScrollArea>
 #include <QScroller>
+#include <QScrollerProperties>
 #include <QVBoxLayout>
 #include <QtMath>
 
@@ -54,8 +55,15 @@ FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
     m_collectionView->setWidget(m_content);
     m_collectionView->viewport()->installEventFilter(this);
     m_collectionView->viewport()->setAutoFillBackground(true);
-    // A drag scrolls the rows, as a finger does on the phone.
+    // A drag scrolls the rows, as a finger does on the phone, and stops at
+    // the ends: the grid does not bounce.
     QScroller::grabGesture(m_collectionView->viewport(), QScroller::LeftMouseButtonGesture);
+    QScroller *scroller = QScroller::scroller(m_collectionView->viewport());
+    QScrollerProperties properties = scroller->scrollerProperties();
+    const QVariant off = QVariant::fromValue(QScrollerProperties::OvershootAlwaysOff);
+    properties.setScrollMetric(QScrollerProperties::HorizontalOvershootPolicy, off);
+    properties.setScrollMetric(QScrollerProperties::VerticalOvershootPolicy, off);
+    scroller->setScrollerProperties(properties);
     frame->addWidget(m_collectionView, 1);
 
     m_pageLayout = new QVBoxLayout(this);
@@ -73,7 +81,7 @@ void FZBaseCollectionViewController::viewDidLoad()
 void FZBaseCollectionViewController::viewWillAppear(bool animated)
 {
     BMSDKUIBaseViewController::viewWillAppear(animated);
-    // No bouncing past the ends to switch off: the scroll area stops at its edges.
+    // Bouncing is off since the grid was made (see the constructor).
     if (layout())
         layout()->activate();
     reloadData();

@@ -96,7 +96,10 @@ void FZSavedSpotsCell::resizeEvent(QResizeEvent *event)
 void FZSavedSpotsCell::layoutContent()
 {
     m_content->setGeometry(0, 0, width(), qMax(0, QWidget::height() - kSeparatorHeight));
-    const int iconSpace = m_comparableIconImageView->isVisible() ? kIconSize + kSideMargin : 0;
+    // Whether the mark is to be shown, not whether it shows now: a row is
+    // set up while it waits hidden in the reuse pool, and is not laid out
+    // again when the table shows it at the same size.
+    const int iconSpace = !m_comparableIconImageView->isHidden() ? kIconSize + kSideMargin : 0;
     const int textWidth = qMax(0, width() - 2 * kSideMargin - iconSpace);
     const int textTop = (m_content->height() - kNameHeight - kLineGap - kDateHeight) / 2;
     m_nameTextView->setGeometry(kSideMargin, textTop, textWidth, kNameHeight);
