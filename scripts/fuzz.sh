@@ -17,7 +17,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BRIGHTMERE_FUZZ_BUILD_DIR:-"$root/build-fuzz"}
 seconds=${1:-60}
 shift || true
-all_targets=(bundle_file string_table spots_store spot_blob bundle_info bundle_data format)
+all_targets=(bundle_file string_table spots_store spot_blob bundle_info bundle_data format reports)
 targets=("$@")
 ((${#targets[@]})) || targets=("${all_targets[@]}")
 

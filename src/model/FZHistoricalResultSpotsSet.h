@@ -32,6 +32,8 @@ public:
     // An unreadable store is kept under this prefix followed by the UTC time
     // it was set aside ("kSetsDictionaryKey.backup.20250314T093000").
     static constexpr const char *kSetsDictionaryBackupKeyPrefix = "kSetsDictionaryKey.backup.";
+    // The longest title the title prompt takes, and a restored backup too.
+    static constexpr int kMaxTitleLength = 200;
 
     FZHistoricalResultSpotsSet() = default;
     FZHistoricalResultSpotsSet(const QString &name, const QString &ssid, const QDateTime &date,

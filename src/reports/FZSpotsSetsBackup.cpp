@@ -100,6 +100,14 @@ std::optional<WifiTestResult::Ptr> readSpot(Reader &reader, const QJsonValue &va
     } else if (!place.isUndefined() && !place.isNull()) {
         reader.fail(where, QStringLiteral("\"coordinate\" is not an object"));
     }
+    // What no measurement can be refuses the file whole: nothing drawn or
+    // written from a restored set may depend on such a value. A null (a
+    // spot stored without a value, as this writer writes it) is no number
+    // at all and stays what it was.
+    if (speed && !qIsNaN(*speed) && !WifiTestResult::isPlausibleSpeed(*speed))
+        reader.fail(where, QStringLiteral("\"speedInMbps\" %1 is no measured speed").arg(*speed));
+    if (duration && !qIsNaN(*duration) && !WifiTestResult::isPlausibleDuration(*duration))
+        reader.fail(where, QStringLiteral("\"duration\" %1 is no averaging time").arg(*duration));
     if (!reader.fault.isEmpty() || !label || !speed || !ssid || !bssid || !duration || !time)
         return std::nullopt;
     auto spot = WifiTestResult::create(*speed, *time);
@@ -211,7 +219,18 @@ std::optional<FZHistoricalResultSpotsSet::List> FZSpotsSetsBackup::readBackupJso
             reader.fail(where, QStringLiteral("\"title\" is not a text"));
             break;
         }
-        const QString title = object.value(QLatin1String("title")).toString();
+        // Titles as a person may type them: trimmed, not blank, not longer
+        // than the title prompt takes.
+        const QString title = object.value(QLatin1String("title")).toString().trimmed();
+        if (title.isEmpty()) {
+            reader.fail(where, QStringLiteral("the title is blank"));
+            break;
+        }
+        if (title.size() > FZHistoricalResultSpotsSet::kMaxTitleLength) {
+            reader.fail(where, QStringLiteral("the title is longer than %1 characters")
+                                   .arg(FZHistoricalResultSpotsSet::kMaxTitleLength));
+            break;
+        }
         const auto ssid = reader.text(object, "ssid", where);
         QDateTime date;
         const QJsonValue dateValue = object.value(QLatin1String("date"));

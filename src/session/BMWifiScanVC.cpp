@@ -918,6 +918,7 @@ void BMWifiScanVC::showSaveCurrentSpotSetScreen()
         [self](QLineEdit *textField) {
             textField->setPlaceholderText(BMI18NManager::stringForCode(
                 QStringLiteral("fairzones_historical_results_save_alert_title_placeholder")));
+            textField->setMaxLength(FZHistoricalResultSpotsSet::kMaxTitleLength);
             if (!self)
                 return;
             // A set loaded for editing proposes its own title.

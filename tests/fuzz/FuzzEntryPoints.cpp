@@ -7,6 +7,11 @@
 #include "i18n/BMI18NManager.h"
 #include "i18n/BMI18NNotification.h"
 #include "model/FZHistoricalResultSpotsSet.h"
+#include "model/FZResultSpotsSetsComparison.h"
+#include "reports/FZComparisonCsvWriter.h"
+#include "reports/FZReportPdfWriter.h"
+#include "reports/FZSpotsSetCsvWriter.h"
+#include "reports/FZSpotsSetsBackup.h"
 #include "platform/foundation/Archive.h"
 #include "platform/foundation/StringFormat.h"
 #include "platform/foundation/StringTable.h"
@@ -69,7 +74,7 @@ struct HeldState
 QList<FuzzEntryPoints::Target> FuzzEntryPoints::allTargets()
 {
     return {Target::BundleFile, Target::StringTable, Target::SpotsStore, Target::SpotBlob,
-            Target::BundleInfo, Target::BundleData,  Target::Format};
+            Target::BundleInfo, Target::BundleData,  Target::Format,     Target::Reports};
 }
 
 QString FuzzEntryPoints::targetName(Target target)
@@ -80,14 +85,23 @@ QString FuzzEntryPoints::targetName(Target target)
     case Target::SpotsStore: return QStringLiteral("spots_store");
     case Target::SpotBlob: return QStringLiteral("spot_blob");
     case Target::Format: return QStringLiteral("format");
+    case Target::Reports: return QStringLiteral("reports");
     case Target::BundleInfo: return QStringLiteral("bundle_info");
     case Target::BundleData: return QStringLiteral("bundle_data");
     }
     return QString();
 }
 
+QString &reportsFolder()
+{
+    static QString folder;
+    return folder;
+}
+
 void FuzzEntryPoints::setUp(const QString &folder)
 {
+    reportsFolder() = QDir(folder).filePath(QStringLiteral("reports"));
+    QDir().mkpath(reportsFolder());
     // The same input walks the same hash order on every run.
     QHashSeed::setDeterministicGlobalSeed();
     QStandardPaths::setTestModeEnabled(false);
@@ -113,6 +127,7 @@ QString FuzzEntryPoints::run(Target target, QByteArrayView input)
     case Target::BundleInfo: return bundleAnswer(input, true);
     case Target::BundleData: return bundleAnswer(input, false);
     case Target::Format: return format(input);
+    case Target::Reports: return reports(input);
     }
     return QStringLiteral("unknown target");
 }
@@ -252,5 +267,34 @@ QString FuzzEntryPoints::format(QByteArrayView input)
     // Bounded whatever the input.
     if (out.size() > Brightmere::StringFormat::kMaxOutputLength)
         return QStringLiteral("a format of %1 characters made %2").arg(text.size()).arg(out.size());
+    return QString();
+}
+
+QString FuzzEntryPoints::reports(QByteArrayView input)
+{
+    // Whatever a restore accepts, both writers must turn into a report: no
+    // hang, no endless axis, no crash, whatever the values and names.
+    FZReportResult refused;
+    const std::optional<FZHistoricalResultSpotsSet::List> sets =
+        FZSpotsSetsBackup::readBackupJson(input.toByteArray(), &refused);
+    if (!sets)
+        return QString();
+    FZReportPdfWriter pdf(QLocale(QStringLiteral("en_GB")));
+    const QString path = QDir(reportsFolder()).filePath(QStringLiteral("report.pdf"));
+    for (qsizetype i = 0; i < std::min<qsizetype>(sets->size(), 2); ++i) {
+        if (!FZSpotsSetCsvWriter::csvForSet(sets->at(i)).startsWith("\xEF\xBB\xBF"))
+            return QStringLiteral("the CSV of restored set %1 has no byte-order mark").arg(i + 1);
+        const FZReportResult written = pdf.writeSetReport(sets->at(i), path);
+        if (!written.isOk())
+            return QStringLiteral("the PDF of restored set %1 failed: %2").arg(i + 1).arg(written.message());
+    }
+    if (sets->size() >= 2) {
+        const FZResultSpotsSetsComparison comparison(sets->at(0), sets->at(1));
+        if (!FZComparisonCsvWriter::csvForComparison(comparison, true).startsWith("\xEF\xBB\xBF"))
+            return QStringLiteral("the comparison CSV has no byte-order mark");
+        const FZReportResult written = pdf.writeComparisonReport(comparison, false, path);
+        if (!written.isOk())
+            return QStringLiteral("the comparison PDF failed: %1").arg(written.message());
+    }
     return QString();
 }

@@ -23,6 +23,7 @@ public:
         BundleInfo,  // the service's bundle list, from raw bytes through JSON to the manager
         BundleData,  // one downloaded bundle, likewise
         Format,      // a format text and its arguments, as a translation feeds the format engine
+        Reports,     // a backup file, restored and written out by the CSV and PDF writers
     };
 
     static QList<Target> allTargets();
@@ -35,6 +36,9 @@ public:
     // the console (they are still counted).
     static void setUp(const QString &folder);
 
+    // Whether the target draws (the PDF writer): it needs a QGuiApplication.
+    static bool needsGui(Target target) { return target == Target::Reports; }
+
     // Runs one input; an empty text when everything held, else what broke.
     static QString run(Target target, QByteArrayView input);
 
@@ -45,4 +49,5 @@ private:
     static QString spotBlob(QByteArrayView input);
     static QString bundleAnswer(QByteArrayView input, bool information);
     static QString format(QByteArrayView input);
+    static QString reports(QByteArrayView input);
 };

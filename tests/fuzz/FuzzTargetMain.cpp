@@ -3,6 +3,7 @@
 // reported and aborts, which libFuzzer records as a crash with its reproducer.
 #include "FuzzEntryPoints.h"
 
+#include <QGuiApplication>
 #include <QTemporaryDir>
 
 #include <cstdint>
@@ -18,6 +19,14 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
     if (!folder.isValid()) {
         std::fprintf(stderr, "fuzz: no temporary folder: %s\n", qPrintable(folder.errorString()));
         std::abort();
+    }
+    if (FuzzEntryPoints::needsGui(kFuzzTarget)) {
+        // The PDF writer lays out text: an application for fonts, offscreen.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "fuzz";
+        static char *argv[] = {name, nullptr};
+        static QGuiApplication application(argc, argv);
     }
     FuzzEntryPoints::setUp(folder.path());
     return 0;

@@ -68,5 +68,6 @@ private:
     QTemporaryDir m_dir;
 };
 
-QTEST_GUILESS_MAIN(tst_FuzzCorpusReplay)
+// The reports target draws: a GUI application, offscreen.
+QTEST_MAIN(tst_FuzzCorpusReplay)
 #include "tst_FuzzCorpusReplay.moc"

@@ -193,6 +193,14 @@ void tst_FZSpotsSetsBackup::refusedFileLeavesTheStoreAlone_data()
     QTest::newRow("average as word") << edited("\"average\": false", "\"average\": \"no\"") << int(E::WrongTypes) << false;
     QTest::newRow("label missing") << edited("\"label\"", "\"name\"") << int(E::WrongTypes) << false;
     QTest::newRow("coordinate a list") << edited("\"average\": false", "\"average\": false, \"coordinate\": [1, 2]") << int(E::WrongTypes) << false;
+    // Values no measurement can have, and titles no person can type.
+    QTest::newRow("speed 1.6e308") << edited("\"speedInMbps\": 12.5", "\"speedInMbps\": 1.6e308") << int(E::WrongTypes) << false;
+    QTest::newRow("negative speed") << edited("\"speedInMbps\": 12.5", "\"speedInMbps\": -3") << int(E::WrongTypes) << false;
+    QTest::newRow("negative duration") << edited("\"duration\": 0", "\"duration\": -1") << int(E::WrongTypes) << false;
+    QTest::newRow("a year-long duration") << edited("\"duration\": 0", "\"duration\": 31536000") << int(E::WrongTypes) << false;
+    QTest::newRow("blank title") << edited("\"title\": \"Home\"", "\"title\": \"   \"") << int(E::WrongTypes) << false;
+    QTest::newRow("a 10 MB title")
+        << edited("\"title\": \"Home\"", "\"title\": \"" + QByteArray(10 << 20, 'A') + "\"") << int(E::WrongTypes) << false;
 }
 
 void tst_FZSpotsSetsBackup::refusedFileLeavesTheStoreAlone()
