@@ -35,10 +35,6 @@ void BMBoundedTcpServer::incomingConnection(qintptr descriptor)
 void BMBoundedTcpServer::inspect(QTcpSocket *socket)
 {
     Progress &progress = m_progress[socket];
-    if (progress.refused) {
-        socket->readAll();
-        return;
-    }
     // Only looked at, not taken: the HTTP server reads them next.
     QByteArray bytes = socket->peek(socket->bytesAvailable());
     while (!bytes.isEmpty()) {
@@ -79,9 +75,14 @@ void BMBoundedTcpServer::inspect(QTcpSocket *socket)
 
 void BMBoundedTcpServer::refuse(QTcpSocket *socket, Progress &progress, const QByteArray &status)
 {
-    progress.refused = true;
     progress.head.clear();
-    // Drained, so the HTTP server behind sees nothing of it.
+    // The HTTP server reads inside a transaction, which keeps every byte
+    // read: it is let go of the connection, the transaction ended, and
+    // what comes is drained and dropped.
+    disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
+    connect(socket, &QTcpSocket::readyRead, this, [socket] { socket->readAll(); });
+    if (socket->isTransactionStarted())
+        socket->commitTransaction();
     socket->readAll();
     socket->write("HTTP/1.1 " + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
     // Closed a moment later, still draining meanwhile: closing on unread

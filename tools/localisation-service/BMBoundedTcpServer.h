@@ -31,7 +31,6 @@ private:
         bool headDone = false;
         qint64 bodyExpected = 0;
         qint64 bodySeen = 0;
-        bool refused = false;
     };
 
     void inspect(QTcpSocket *socket);
