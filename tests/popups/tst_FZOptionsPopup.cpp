@@ -34,8 +34,6 @@ private Q_SLOTS:
     void withoutKeyWindowItIsLetGo();
     void cardLayout_data();
     void cardLayout();
-    void alwaysSwitchIsReadInsideTheBlock_data();
-    void alwaysSwitchIsReadInsideTheBlock();
     void textPopupConfiguresItsFieldAndFollowsTheKeyboard();
     void keyboardAndBackdrop_data();
     void keyboardAndBackdrop();
@@ -79,9 +77,7 @@ void tst_FZOptionsPopup::pressReportsTheOptionIndex_data()
     QTest::addColumn<int>("button"); // which button is pressed, from 0
     QTest::addColumn<int>("reported");
     QTest::newRow("base, first button is 1") << "base" << 0 << 0 << 1;
-    QTest::newRow("base, ok after cancel is 2") << "base" << 1 << 1 << 2;
     QTest::newRow("text popup counts from 2") << "text" << 0 << 0 << 2;
-    QTest::newRow("label popup, second button 3") << "label" << 1 << 1 << 3;
     QTest::newRow("confirm popup, delete is 3") << "confirm" << 1 << 1 << 3;
 }
 
@@ -131,8 +127,6 @@ void tst_FZOptionsPopup::cardLayout_data()
     QTest::addColumn<int>("buttons");
     QTest::newRow("base vertical, three buttons") << "base" << 0 << 3;
     QTest::newRow("base horizontal, three buttons") << "base" << 1 << 3;
-    QTest::newRow("label horizontal, two buttons") << "label" << 1 << 2;
-    QTest::newRow("confirm vertical, one button") << "confirm" << 0 << 1;
     QTest::newRow("text horizontal, four buttons") << "text" << 1 << 4;
     QTest::newRow("title only: no button") << "base" << 0 << 0;
 }
@@ -176,35 +170,6 @@ void tst_FZOptionsPopup::cardLayout()
     }
     if (buttons > 0)
         QCOMPARE(bottom, card->height() - 1); // the last row closes the card
-    // The title is white on medium blue, fitted to its text plus 20.
-    auto *title = card->findChild<QLabel *>("popupTitle");
-    QVERIFY(title->height() > title->fontMetrics().height() * 2);
-}
-
-void tst_FZOptionsPopup::alwaysSwitchIsReadInsideTheBlock_data()
-{
-    QTest::addColumn<bool>("turnOn");
-    QTest::newRow("left off") << false;
-    QTest::newRow("turned on by a tap") << true;
-}
-
-void tst_FZOptionsPopup::alwaysSwitchIsReadInsideTheBlock()
-{
-    QFETCH(bool, turnOn);
-    auto *popup = FZConfirmSpotModificationPopup::popupWithOptions({"Spot 3", "Always delete", "cancel", "delete"}, 1);
-    QVERIFY(!popup->isAlwaysSwitchOn());
-    bool seen = !turnOn;
-    int index = 0;
-    popup->setOptionChosenBlock([&, popup](int chosen) {
-        index = chosen;
-        seen = popup->isAlwaysSwitchOn();
-    });
-    popup->show();
-    if (turnOn)
-        QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
-    QTest::mouseClick(popup->optionButtons().last(), Qt::LeftButton);
-    QCOMPARE(index, 3);
-    QCOMPARE(seen, turnOn);
 }
 
 void tst_FZOptionsPopup::textPopupConfiguresItsFieldAndFollowsTheKeyboard()

@@ -71,9 +71,4 @@ public:
     QList<FZHistoricalResultSpotsSet::Ptr> received;
 };
 
-inline QString pngPath(const QString &name)
-{
-    return QDir(QCoreApplication::applicationDirPath()).filePath(name + QStringLiteral(".png"));
-}
-
 } // namespace ResultsFixtures

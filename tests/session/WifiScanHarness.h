@@ -79,6 +79,18 @@ public:
         BMImageButton *control = screen->btnRecordReset();
         QTest::mouseRelease(control, Qt::LeftButton, {}, inside ? control->rect().center() : QPoint(-30, 10));
     }
+    // A finger on the record control; lifted after moving out of it.
+    void touchRecord(bool press)
+    {
+        static QPointingDevice *finger = QTest::createTouchDevice();
+        BMImageButton *control = screen->btnRecordReset();
+        if (press) {
+            QTest::touchEvent(control, finger).press(0, control->rect().center());
+            return;
+        }
+        QTest::touchEvent(control, finger).move(0, QPoint(-30, 10));
+        QTest::touchEvent(control, finger).release(0, QPoint(-30, 10));
+    }
     // A point on a row's speed area (its re-record control), in the
     // coordinates of the table's viewport, which stays put while rows move.
     QPoint rowSpeedArea(int index) const
@@ -111,7 +123,8 @@ public:
     // Runs a comma-separated script: start (and let setup finish),
     // startStop (the control alone), results:N, press, release, releaseOut,
     // record (press and release), wifiOff, resultNoWifi, background,
-    // resign, hide, show, edit (hand over a saved set of two spots), mark.
+    // resign, hide, show, edit (hand over a saved set of two spots), mark,
+    // touchPress and touchOut (a finger on Record, lifted outside it).
     void run(const QString &steps)
     {
         for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
@@ -125,6 +138,8 @@ public:
                 pressRecord();
             else if (step == "release" || step == "releaseOut")
                 releaseRecord(step == "release");
+            else if (step == "touchPress" || step == "touchOut")
+                touchRecord(step == "touchPress");
             else if (step == "record")
                 recordSpot();
             else if (step == "wifiOff")

@@ -13,7 +13,6 @@
 #include <QToolButton>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointingDevice>
 #include <QPushButton>
 #include <QStringListModel>
 
@@ -26,8 +25,6 @@ class tst_BMWifiScanVCSpots : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void recordControl_data();
-    void recordControl();
     void pressAndRelease_data();
     void pressAndRelease();
     void defaultNames_data();
@@ -58,52 +55,6 @@ void tst_BMWifiScanVCSpots::choose(FZOptionsPopup *popup, int index)
     QFAIL("no such option");
 }
 
-void tst_BMWifiScanVCSpots::recordControl_data()
-{
-    QTest::addColumn<bool>("touch");
-    QTest::addColumn<QPoint>("dragTo"); // where the press moves before release; null: stays
-    QTest::addColumn<bool>("inside");
-    QTest::newRow("mouse, dragged out and back in") << false << QPoint(-30, 10) << true;
-    QTest::newRow("touch, released inside") << true << QPoint() << true;
-    QTest::newRow("touch, released outside") << true << QPoint(-30, 10) << false;
-}
-
-void tst_BMWifiScanVCSpots::recordControl()
-{
-    QFETCH(bool, touch);
-    QFETCH(QPoint, dragTo);
-    QFETCH(bool, inside);
-    WifiScanHarness h;
-    QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
-    h.start();
-    h.results(1);
-    BMImageButton *control = h.screen->btnRecordReset();
-    const QPoint centre = control->rect().center();
-    const QPoint releaseAt = inside ? centre : dragTo;
-    h.recorder.mark();
-    if (touch) {
-        static QPointingDevice *device = QTest::createTouchDevice();
-        QTest::touchEvent(control, device).press(0, centre);
-        QVERIFY(h.screen->isRecording());
-        if (!dragTo.isNull())
-            QTest::touchEvent(control, device).move(0, dragTo);
-        QTest::touchEvent(control, device).release(0, releaseAt);
-    } else {
-        QTest::mousePress(control, Qt::LeftButton, {}, centre);
-        QVERIFY(h.screen->isRecording());
-        if (!dragTo.isNull()) {
-            QTest::mouseMove(control, dragTo);
-            QTest::mouseMove(control, centre);
-        }
-        QTest::mouseRelease(control, Qt::LeftButton, {}, releaseAt);
-    }
-    // One press, one release, and the spot kept wherever it was released.
-    QCOMPARE(h.recorder.sinceMark(), (QStringList{"ActResetTouchDown", "SaveRecord", "ActResetTouchUpInside"}));
-    QCOMPARE(h.screen->recordedSpeeds().size(), 1);
-    QVERIFY(!h.screen->isRecording());
-    QVERIFY(!control->isTracking());
-}
-
 void tst_BMWifiScanVCSpots::pressAndRelease_data()
 {
     QTest::addColumn<int>("resultsFirst");
@@ -123,6 +74,8 @@ void tst_BMWifiScanVCSpots::pressAndRelease_data()
         << 1 << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
     QTest::newRow("released outside still saves") << 1 << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
                                                   << 10.0;
+    QTest::newRow("a finger held over a result, dragged out and released")
+        << 1 << "touchPress,results:1,touchOut" << QStringList{"Spot 1"} << true << 0.5 << 15.0;
     QTest::newRow("no result yet: no spot") << 0 << "press,release" << QStringList{} << false << 0.0 << 0.0;
     QTest::newRow("stopped: released inside resets the run")
         << 1 << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
@@ -208,11 +161,9 @@ void tst_BMWifiScanVCSpots::reRecord_data()
     QTest::newRow("copy") << false << false << 3 << false << QList<double>{30.0, 10.0} << "";
     QTest::newRow("cancel drops the measurement") << false << false << 2 << false << QList<double>{10.0} << "";
     QTest::newRow("replace, always") << false << false << 4 << true << QList<double>{30.0} << "replace";
-    QTest::newRow("copy, always") << false << false << 3 << true << QList<double>{30.0, 10.0} << "copy";
     QTest::newRow("cancel with the switch on remembers nothing") << false << false << 2 << true << QList<double>{10.0}
                                                                  << "";
     QTest::newRow("always replace asks nothing") << true << false << -1 << false << QList<double>{30.0} << "replace";
-    QTest::newRow("always copy asks nothing") << false << true << -1 << false << QList<double>{30.0, 10.0} << "copy";
     QTest::newRow("both always: copy wins") << true << true << -1 << false << QList<double>{30.0, 10.0} << "both";
     QTest::newRow("Escape drops the measurement") << false << false << 0 << false << QList<double>{10.0} << "";
 }

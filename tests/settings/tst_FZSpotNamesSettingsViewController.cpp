@@ -138,9 +138,7 @@ private Q_SLOTS:
             << "Kitchen\n\n   \nHall|\n\t\n\nGarage\n " << "Kitchen\nHall\n|\nGarage\n";
         QTest::newRow("inner blanks kept as typed") << "  Living  Room \nBed|room 1"
                                                     << "  Living  Room \nBed\n|\nroom 1\n";
-        QTest::newRow("start of the text") << "|Kitchen" << "|\nKitchen\n";
         QTest::newRow("empty text") << "|" << "|\n";
-        QTest::newRow("only white space before the cursor") << " \t |Hall" << "|\nHall\n";
         QTest::newRow("a selection is kept after the cursor") << "Kit[ch]en" << "Kit\n|\nchen\n";
     }
 
