@@ -92,6 +92,19 @@ QFont kitFont(const QFont &font)
     return mapped;
 }
 
+int pixelsForPoints(qreal points)
+{
+    return qRound(points);
+}
+
+QFont fontOfSize(qreal points, QFont::Weight weight)
+{
+    QFont font;
+    font.setPixelSize(qMax(kMinimumTextPixels, pixelsForPoints(points)));
+    font.setWeight(weight);
+    return kitFont(font);
+}
+
 void setupFont(QWidget *view)
 {
     if (!view) {

@@ -31,6 +31,18 @@ QString fontFamilyForWeight(int weight);
 // the host registered: DejaVu Sans, then the system's "Sans Serif".
 QFont kitFont(const QFont &font);
 
+// Sizes in the design are in points; a point is one device-independent
+// pixel at the default text size. Every size in points is turned into pixels
+// here and nowhere else.
+int pixelsForPoints(qreal points);
+
+// No text of the kit is smaller than this many pixels at scale 1.
+inline constexpr int kMinimumTextPixels = 10;
+
+// The kit's face at a size in points (never under kMinimumTextPixels) and a
+// weight: the one way screens make a font.
+QFont fontOfSize(qreal points, QFont::Weight weight = QFont::Normal);
+
 // Gives the widget kitFont of its font. Every widget has a font, so none is
 // skipped; a null widget is logged.
 void setupFont(QWidget *view);
