@@ -136,14 +136,14 @@ int main(int argc, char *argv[])
     const double rssEnd = residentMb();
     const double growth = rssEnd - rssStart;
     const double ratio = earlyCpu > 0.0 ? lateCpu / earlyCpu : 0.0;
-    const qsizetype results = screen->testedSpeeds().size();
+    const qsizetype results = screen->session()->testedSpeeds().size();
     const int sounds = Brightmere::SystemSound::playCount() - soundsBefore;
 
     print(QStringLiteral(R"({"bench":"hour_test","figure":"run","results":%1,"results_on_screen":%2,"clicks":%3,"scanning":%4,"seconds":%5})")
               .arg(kResults)
               .arg(results)
               .arg(sounds)
-              .arg(verdict(screen->isScanning()))
+              .arg(verdict(screen->session()->isScanning()))
               .arg(number(seconds, 1)));
     print(QStringLiteral(R"({"bench":"hour_test","figure":"rss_start_mb","value":%1,"unit":"MB"})").arg(number(rssStart, 1)));
     print(QStringLiteral(R"({"bench":"hour_test","figure":"rss_end_mb","value":%1,"unit":"MB"})").arg(number(rssEnd, 1)));

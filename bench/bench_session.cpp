@@ -69,12 +69,12 @@ int main(int argc, char *argv[])
     qint64 index = 0;
     const auto oneResult = [&] {
         screen->wiFiTesterDidUpdateWithTestResult(
-            screen->wifiTester(), WifiTestResult::create(32.0 + 20.0 * std::sin(double(++index) / 9.0)));
+            screen->session()->wifiTester(), WifiTestResult::create(32.0 + 20.0 * std::sin(double(++index) / 9.0)));
         repaint();
     };
     print(QStringLiteral("result_and_repaint_early_ms"), medianMs(oneResult), QStringLiteral("ms"));
     while (index < 5000)
-        screen->wiFiTesterDidUpdateWithTestResult(screen->wifiTester(), WifiTestResult::create(20.0 + index++ % 7));
+        screen->wiFiTesterDidUpdateWithTestResult(screen->session()->wifiTester(), WifiTestResult::create(20.0 + index++ % 7));
     print(QStringLiteral("result_and_repaint_after_5000_ms"), medianMs(oneResult), QStringLiteral("ms"));
 
     screen->actSoundOnOff();
@@ -93,7 +93,7 @@ int main(int argc, char *argv[])
     for (int i = 0; i < 9; ++i)
         oneSpot();
     print(QStringLiteral("spot_saved_with_10_listed_ms"), medianMs(oneSpot, 11), QStringLiteral("ms"));
-    while (screen->recordedSpeeds().size() < 200)
+    while (screen->session()->recordedSpeeds().size() < 200)
         oneSpot();
     print(QStringLiteral("spot_saved_with_200_listed_ms"), medianMs(oneSpot, 11), QStringLiteral("ms"));
 

@@ -203,13 +203,13 @@ bool DemoWalkthrough::saveRunAs(const QString &title, QString &detail)
 {
     BMWifiScanVC *scan = m_window->scan();
     scan->historyButton()->trigger();
-    if (!choose(visibleOptionsPopup(), kSaveMenuOption) || !scan->saveCurrentSpotAlert()) {
+    if (!choose(visibleOptionsPopup(), kSaveMenuOption) || !scan->saveFlow()->saveCurrentSpotAlert()) {
         detail = QStringLiteral("the save prompt did not open");
         return false;
     }
     scan->spotNameTextField()->setText(title);
     snapStep(); // the prompt with the title typed
-    choose(scan->saveCurrentSpotAlert(), kSavePromptOption);
+    choose(scan->saveFlow()->saveCurrentSpotAlert(), kSavePromptOption);
     auto *list = top<FZSavedSpotsViewController>();
     if (!list || !setNames(list).contains(title)) {
         detail = QStringLiteral("\"%1\" is not in the saved list").arg(title);
@@ -230,13 +230,13 @@ bool DemoWalkthrough::renameSpot(int row, const QString &name)
     cell->lblArea()->setText(name);
     scan->didEndEditingSpeedRecord(cell);
     settle();
-    return scan->recordedSpeeds().value(row) && scan->recordedSpeeds().at(row)->label() == name;
+    return scan->session()->recordedSpeeds().value(row) && scan->session()->recordedSpeeds().at(row)->label() == name;
 }
 
 QString DemoWalkthrough::spotsLine() const
 {
     QStringList spots;
-    for (const WifiTestResult::Ptr &spot : m_window->scan()->recordedSpeeds())
+    for (const WifiTestResult::Ptr &spot : m_window->scan()->session()->recordedSpeeds())
         spots << QStringLiteral("%1 %2").arg(spot->label(), mbps(spot->speedInMbps()));
     return spots.join(QStringLiteral(", "));
 }
@@ -301,17 +301,17 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              scan->actStartStop();
              settle();
              detail = QStringLiteral("tester setting up");
-             return scan->isPreparingWifiTester()
+             return scan->session()->isPreparingWifiTester()
                  && window->hostDelegate()->count(QStringLiteral("notification: kWiFiFairzoneTestStarted")) == 1;
          }},
         {QStringLiteral("testing"),
          [&](QString &detail) {
              results(6);
              detail = QStringLiteral("%1 results, last %2")
-                          .arg(scan->testedSpeeds().size())
-                          .arg(scan->testedSpeeds().isEmpty() ? QString()
-                                                              : mbps(scan->testedSpeeds().constLast()->speedInMbps()));
-             return scan->isScanning() && !scan->isPreparingWifiTester() && scan->testedSpeeds().size() >= 5;
+                          .arg(scan->session()->testedSpeeds().size())
+                          .arg(scan->session()->testedSpeeds().isEmpty() ? QString()
+                                                              : mbps(scan->session()->testedSpeeds().constLast()->speedInMbps()));
+             return scan->session()->isScanning() && !scan->session()->isPreparingWifiTester() && scan->session()->testedSpeeds().size() >= 5;
          }},
         {QStringLiteral("four-spots"),
          [&](QString &detail) {
@@ -321,13 +321,13 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              }
              detail = spotsLine();
              m_spotTables << QStringLiteral("four spots: ") + detail;
-             return scan->recordedSpeeds().size() == 4;
+             return scan->session()->recordedSpeeds().size() == 4;
          }},
         {QStringLiteral("rename"),
          [&](QString &detail) {
              const bool renamed = renameSpot(3, QStringLiteral("Kitchen"));
              detail = spotsLine();
-             return renamed && scan->recordedSpeeds().constLast()->label() == u"Kitchen";
+             return renamed && scan->session()->recordedSpeeds().constLast()->label() == u"Kitchen";
          }},
         {QStringLiteral("re-record"),
          [&](QString &detail) {
@@ -339,14 +339,14 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              results(2);
              scan->didFinishTapReRecordView(row);
              settle();
-             detail = scan->editPopup() ? QStringLiteral("replace popup shown") : QStringLiteral("no replace popup");
-             return scan->editPopup() != nullptr;
+             detail = scan->spotsTable()->editPopup() ? QStringLiteral("replace popup shown") : QStringLiteral("no replace popup");
+             return scan->spotsTable()->editPopup() != nullptr;
          }},
         {QStringLiteral("replaced"),
          [&](QString &detail) {
-             choose(scan->editPopup(), kReplaceOption);
+             choose(scan->spotsTable()->editPopup(), kReplaceOption);
              detail = spotsLine();
-             return !scan->editPopup() && scan->recordedSpeeds().size() == 4;
+             return !scan->spotsTable()->editPopup() && scan->session()->recordedSpeeds().size() == 4;
          }},
         {QStringLiteral("delete"),
          [&](QString &detail) {
@@ -355,17 +355,17 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                  scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(2, 0)));
              if (!row)
                  return false;
-             const QString gone = scan->recordedSpeeds().at(2)->label();
+             const QString gone = scan->session()->recordedSpeeds().at(2)->label();
              row->setEditing(true, true); // as a swipe does
              settle();
-             if (!choose(scan->editPopup(), kConfirmDeleteOption)) {
+             if (!choose(scan->spotsTable()->editPopup(), kConfirmDeleteOption)) {
                  detail = QStringLiteral("no delete confirmation");
                  return false;
              }
              settle();
              detail = QStringLiteral("deleted %1; %2").arg(gone, spotsLine());
              m_spotTables << QStringLiteral("first run: ") + spotsLine();
-             return scan->recordedSpeeds().size() == 3;
+             return scan->session()->recordedSpeeds().size() == 3;
          }},
         {QStringLiteral("save-ground-floor"),
          [&](QString &detail) { return saveRunAs(QStringLiteral("Ground floor"), detail); }},
@@ -385,7 +385,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              scan->actStartStop();
              renameSpot(2, QStringLiteral("Kitchen")); // the same room as in the first run
              m_spotTables << QStringLiteral("second run: ") + spotsLine();
-             return scan->recordedSpeeds().size() == 3 && saveRunAs(QStringLiteral("After moving router"), detail);
+             return scan->session()->recordedSpeeds().size() == 3 && saveRunAs(QStringLiteral("After moving router"), detail);
          }},
         {QStringLiteral("saved-list"),
          [&](QString &detail) {
@@ -509,9 +509,9 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                  return false;
              set->editSpotsSet();
              settle();
-             detail = QStringLiteral("\"%1\": %2").arg(scan->spotsSetName(), spotsLine());
-             return top<BMWifiScanVC>() == scan && scan->spotsSetName() == u"Ground floor"
-                 && scan->recordedSpeeds().size() == 3;
+             detail = QStringLiteral("\"%1\": %2").arg(scan->session()->spotsSetName(), spotsLine());
+             return top<BMWifiScanVC>() == scan && scan->session()->spotsSetName() == u"Ground floor"
+                 && scan->session()->recordedSpeeds().size() == 3;
          }},
         {QStringLiteral("host-menu"),
          [&](QString &detail) {

@@ -44,9 +44,9 @@ private Q_SLOTS:
         // Second run, after moving the router: faster, two spots of the same names.
         h.nav->popViewControllerAnimated(false);
         QCOMPARE(h.nav->topViewController(), h.screen);
-        QVERIFY(!h.screen->isScanning()); // leaving the screen stopped the test
+        QVERIFY(!h.screen->session()->isScanning()); // leaving the screen stopped the test
         h.run("press,release");           // reset while stopped
-        QVERIFY(h.screen->recordedSpeeds().isEmpty());
+        QVERIFY(h.screen->session()->recordedSpeeds().isEmpty());
         h.run("start,results:2,record,results:2,record");
         saveAs(h, "After moving router", nullptr);
         list = top<FZSavedSpotsViewController>(h);
@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(h.nav->topViewController(), h.screen);
         QCOMPARE(h.labels(), (QStringList{"Spot 3", "Spot 2", "Spot 1"}));
-        QCOMPARE(h.screen->spotsSetName(), QString("Ground floor"));
+        QCOMPARE(h.screen->session()->spotsSetName(), QString("Ground floor"));
         snap(h, "e2e-7-continue");
     }
 
@@ -137,11 +137,11 @@ private:
                 menu = popup;
         }
         choose(menu, 1);
-        QVERIFY(h.screen->saveCurrentSpotAlert());
+        QVERIFY(h.screen->saveFlow()->saveCurrentSpotAlert());
         h.screen->spotNameTextField()->setText(title);
         if (snapshot)
             snap(h, snapshot);
-        choose(h.screen->saveCurrentSpotAlert(), 2);
+        choose(h.screen->saveFlow()->saveCurrentSpotAlert(), 2);
     }
 };
 

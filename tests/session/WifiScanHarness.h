@@ -145,7 +145,7 @@ public:
             else if (step == "wifiOff")
                 setWifi(false);
             else if (step == "resultNoWifi")
-                screen->wiFiTesterDidUpdateWithTestResult(screen->wifiTester(), WifiTestResult::create(5.0));
+                screen->wiFiTesterDidUpdateWithTestResult(screen->session()->wifiTester(), WifiTestResult::create(5.0));
             else if (step == "background")
                 Brightmere::ApplicationNotifications::postDidEnterBackground();
             else if (step == "resign")
@@ -180,7 +180,7 @@ public:
     QStringList labels() const
     {
         QStringList names;
-        for (const WifiTestResult::Ptr &spot : screen->recordedSpeeds())
+        for (const WifiTestResult::Ptr &spot : screen->session()->recordedSpeeds())
             names << spot->label();
         return names;
     }

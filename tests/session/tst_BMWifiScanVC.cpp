@@ -119,14 +119,14 @@ void tst_BMWifiScanVC::delegateCallOrder()
         QCOMPARE(shown->title(), BMI18NManager::stringForCode("bmOops"));
         QCOMPARE(shown->message(), BMI18NManager::stringForCode("switch_wifi_to_continue"));
     }
-    QCOMPARE(h.screen->isScanning(), scanning);
-    QCOMPARE(h.screen->testedSpeeds().size(), tested);
-    QCOMPARE(h.screen->recordedSpeeds().size(), spots);
+    QCOMPARE(h.screen->session()->isScanning(), scanning);
+    QCOMPARE(h.screen->session()->testedSpeeds().size(), tested);
+    QCOMPARE(h.screen->session()->recordedSpeeds().size(), spots);
     QCOMPARE(posts, startedPosts);
     if (steps.contains("edit")) {
         // No reachability subscription in that appearance either.
         QCOMPARE(reachability->subscriberCount(), subscribersAtMark);
-        QCOMPARE(h.screen->spotsSetName(), QString("Upstairs"));
+        QCOMPARE(h.screen->session()->spotsSetName(), QString("Upstairs"));
         QVERIFY(h.screen->btnRecordReset()->isEnabled());
         QVERIFY(!h.screen->scrollTutorial());
     }
@@ -220,15 +220,15 @@ void tst_BMWifiScanVC::resultsOnScreen()
     for (double speed : speeds) {
         results << WifiTestResult::create(speed);
         results.last()->setLabel("from the tester");
-        h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->wifiTester(), results.last());
+        h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->session()->wifiTester(), results.last());
     }
-    QCOMPARE(h.screen->testedSpeeds().size(), kept);
+    QCOMPARE(h.screen->session()->testedSpeeds().size(), kept);
     QCOMPARE(h.screen->lblWifiSpeed()->text(), shown);
     QCOMPARE(h.screen->charPlot()->lastSpeedAdded(), lastPlotted);
-    QVERIFY(!h.screen->isPreparingWifiTester());
-    const WifiTestResult::Ptr first = h.screen->testedSpeeds().constFirst();
+    QVERIFY(!h.screen->session()->isPreparingWifiTester());
+    const WifiTestResult::Ptr first = h.screen->session()->testedSpeeds().constFirst();
     QCOMPARE(first->label(), QString()); // labels are the screen's to give
-    QCOMPARE(first->coordinate().has_value(), h.screen->wifiTester()->location().has_value());
+    QCOMPARE(first->coordinate().has_value(), h.screen->session()->wifiTester()->location().has_value());
 }
 
 void tst_BMWifiScanVC::soundGap_data()
@@ -251,20 +251,20 @@ void tst_BMWifiScanVC::soundGap()
     if (soundOn) {
         h.screen->actSoundOnOff();
         QCOMPARE(h.recorder.calls.last(), QString("SoundOnOff:1"));
-        QVERIFY(h.screen->wifiTester()->isSoundEnabled());
+        QVERIFY(h.screen->session()->wifiTester()->isSoundEnabled());
         QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->btnSound()), QString("buttonAudioOn"));
     }
     h.start();
-    QVERIFY(!h.screen->hasSoundTimer()); // the first result starts it
+    QVERIFY(!h.screen->session()->hasSoundTimer()); // the first result starts it
     h.results(1);
-    QVERIFY(h.screen->hasSoundTimer());
+    QVERIFY(h.screen->session()->hasSoundTimer());
     const int playsBefore = SystemSound::playCount();
     QList<double> playTimes;
-    double lastPlay = h.screen->lastPlayTime();
+    double lastPlay = h.screen->session()->lastPlayTime();
     for (int tick = 0; tick < 500; ++tick) {
         h.clock.advance(0.01);
-        if (h.screen->lastPlayTime() != lastPlay)
-            playTimes << (lastPlay = h.screen->lastPlayTime());
+        if (h.screen->session()->lastPlayTime() != lastPlay)
+            playTimes << (lastPlay = h.screen->session()->lastPlayTime());
     }
     if (gap == 0.0) {
         QCOMPARE(SystemSound::playCount(), playsBefore);
@@ -276,7 +276,7 @@ void tst_BMWifiScanVC::soundGap()
                  qPrintable(QString("gap %1 between plays %2 and %3").arg(playTimes[i] - playTimes[i - 1]).arg(i - 1).arg(i)));
     QCOMPARE(SystemSound::playCount() - playsBefore, int(playTimes.size()));
     h.run("startStop");
-    QVERIFY(!h.screen->hasSoundTimer());
+    QVERIFY(!h.screen->session()->hasSoundTimer());
 }
 
 void tst_BMWifiScanVC::ssidLine_data()
@@ -353,7 +353,6 @@ void tst_BMWifiScanVC::tutorialRebuiltThenRemovedForGood()
     }
     h.run("start,startStop,hide,show");
     QVERIFY(!h.screen->scrollTutorial() && !h.screen->pageResults());
-    QVERIFY(h.screen->isWifiTutorialShown());
 }
 
 void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
@@ -362,9 +361,9 @@ void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
     {
         WifiScanHarness h;
         h.run("start,results:2,record,startStop"); // a stop writes the remembered spot names
-        QVERIFY(h.screen->wifiTester()->hasSdkPassword());
-        QCOMPARE(h.screen->wifiTester()->sdkCustomer(), QString("acme"));
-        QVERIFY(h.screen->wifiTester()->usesProductionServer());
+        QVERIFY(h.screen->session()->wifiTester()->hasSdkPassword());
+        QCOMPARE(h.screen->session()->wifiTester()->sdkCustomer(), QString("acme"));
+        QVERIFY(h.screen->session()->wifiTester()->usesProductionServer());
         QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenName(), QString("WiFiSpeedScanScreen"));
         QFile defaults(h.env.defaultsFilePath());
         QVERIFY(defaults.open(QIODevice::ReadOnly));

@@ -62,7 +62,7 @@ private Q_SLOTS:
             choose(menu, choice);
         }
         QCOMPARE(listOnTop() != nullptr, outcome == "list");
-        QCOMPARE(m_h->screen->saveCurrentSpotAlert() != nullptr, outcome == "prompt");
+        QCOMPARE(m_h->screen->saveFlow()->saveCurrentSpotAlert() != nullptr, outcome == "prompt");
         if (FZSavedSpotsViewController *list = listOnTop())
             QCOMPARE(list->editSpotsSetSetterObject(), m_h->screen); // handed over for continuing a set
     }
@@ -103,7 +103,7 @@ private Q_SLOTS:
                                                       "fairzones_historical_result_save_already_exist_title"));
         }
         // Only a newly taken title becomes the run's name.
-        QCOMPARE(m_h->screen->spotsSetName(), outcome == "list" ? QString("Ground floor") : QString());
+        QCOMPARE(m_h->screen->session()->spotsSetName(), outcome == "list" ? QString("Ground floor") : QString());
     }
 
     void savedSetHoldsTheRun()
@@ -119,7 +119,7 @@ private Q_SLOTS:
         for (const auto &spot : set->spots())
             labels << spot->label();
         QCOMPARE(labels, m_h->labels()); // newest first, as listed
-        QCOMPARE(m_h->screen->recordedSpeeds().size(), 2); // the run stays
+        QCOMPARE(m_h->screen->session()->recordedSpeeds().size(), 2); // the run stays
     }
 
     void overwriteConfirmation_data()
@@ -157,10 +157,10 @@ private Q_SLOTS:
         choose(shownPopup<FZOptionsPopup>(), choice);
 
         QCOMPARE(FZHistoricalResultSpotsSet::spotsSetWithName("Upstairs")->spotsCount(), storedSpots);
-        QCOMPARE(m_h->screen->spotsSetName(), nameAfter);
+        QCOMPARE(m_h->screen->session()->spotsSetName(), nameAfter);
         QCOMPARE(listOnTop() != nullptr, prompted.isNull());
         if (!prompted.isNull()) {
-            QVERIFY(m_h->screen->saveCurrentSpotAlert());
+            QVERIFY(m_h->screen->saveFlow()->saveCurrentSpotAlert());
             QCOMPARE(m_h->screen->spotNameTextField()->text(), prompted);
             QCOMPARE(m_h->screen->spotNameTextField()->selectedText(), prompted);
         }
@@ -211,7 +211,7 @@ private:
     {
         m_h->screen->historyButton()->trigger();
         choose(shownPopup<FZOptionsPopup>(), 1);
-        QVERIFY(m_h->screen->saveCurrentSpotAlert());
+        QVERIFY(m_h->screen->saveFlow()->saveCurrentSpotAlert());
     }
     // Typed into the window's focus widget (the field), then Enter.
     void typeAndEnter(const QString &text)

@@ -101,7 +101,7 @@ void tst_BMWifiScanVCSpots::pressAndRelease()
     QCOMPARE(h.recorder.calls.last(), QString("ActResetTouchUpInside"));
     if (labels.isEmpty())
         return;
-    const WifiTestResult::Ptr newest = h.screen->recordedSpeeds().constFirst();
+    const WifiTestResult::Ptr newest = h.screen->session()->recordedSpeeds().constFirst();
     QCOMPARE(newest->isAverage(), average);
     QCOMPARE(newest->duration(), duration);
     QCOMPARE(newest->speedInMbps(), speed);
@@ -140,7 +140,7 @@ void tst_BMWifiScanVCSpots::defaultNames()
     if (resetFirst) {
         h.pressRecord();
         h.releaseRecord();
-        QVERIFY(h.screen->recordedSpeeds().isEmpty());
+        QVERIFY(h.screen->session()->recordedSpeeds().isEmpty());
     }
     h.start();
     h.results(1);
@@ -189,7 +189,7 @@ void tst_BMWifiScanVCSpots::reRecord()
     h.clock.advance(0.2);
     h.releaseRow(0);
 
-    FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
+    FZConfirmSpotModificationPopup *popup = h.screen->spotsTable()->editPopup();
     QCOMPARE(popup != nullptr, choice >= 0);
     if (popup) {
         QVERIFY(!h.screen->isRecording()); // stopped while the user decides
@@ -208,18 +208,18 @@ void tst_BMWifiScanVCSpots::reRecord()
             choose(popup, choice);
     }
     QList<double> after;
-    for (const WifiTestResult::Ptr &spot : h.screen->recordedSpeeds())
+    for (const WifiTestResult::Ptr &spot : h.screen->session()->recordedSpeeds())
         after << spot->speedInMbps();
     QCOMPARE(after, speeds);
     QCOMPARE(h.labels(), QStringList(speeds.size(), "Spot 1"));
-    QVERIFY(!h.screen->isRecording() && !h.screen->wifiRecordBeingEdited() && h.screen->nextSpotRecordName().isNull());
+    QVERIFY(!h.screen->isRecording() && !h.screen->session()->wifiRecordBeingEdited() && h.screen->session()->nextSpotRecordName().isNull());
     if (speeds.first() == 30.0) {
-        const WifiTestResult::Ptr measured = h.screen->recordedSpeeds().constFirst();
+        const WifiTestResult::Ptr measured = h.screen->session()->recordedSpeeds().constFirst();
         QVERIFY(measured->isAverage());
         QVERIFY(measured->duration() >= 1.2 - 1e-9);
     }
     if (choice == 4 || (choice < 0 && !alwaysCopy)) // a replaced spot is stamped anew
-        QCOMPARE(h.screen->recordedSpeeds().constFirst()->timeAfterTest(), h.clock.now());
+        QCOMPARE(h.screen->session()->recordedSpeeds().constFirst()->timeAfterTest(), h.clock.now());
     QCOMPARE(settings.alwaysReplaceRecording(), remembered == "replace" || remembered == "both");
     QCOMPARE(settings.alwaysCopyRecording(), remembered == "copy" || remembered == "both");
 }
@@ -255,7 +255,7 @@ void tst_BMWifiScanVCSpots::deleteSpot()
     // A swipe to the left that begins on the row's speed.
     const QPoint from = h.rowSpeedArea(1);
     PointerInput::drag(PointerInput::Kind::Mouse, h.screen->tblRecords()->viewport(), from, from - QPoint(80, 0));
-    FZConfirmSpotModificationPopup *popup = h.screen->editPopup();
+    FZConfirmSpotModificationPopup *popup = h.screen->spotsTable()->editPopup();
     QCOMPARE(popup != nullptr, choice >= 0);
     if (popup) {
         QCOMPARE(popup->popupContainerView()->findChild<QLabel *>("popupTitle")->text(), QString("Spot 2"));
@@ -312,7 +312,7 @@ void tst_BMWifiScanVCSpots::renameSpot()
         h.results(1);
         h.recordSpot();
     }
-    const WifiTestResult::Ptr spot = h.screen->recordedSpeeds().at(1);
+    const WifiTestResult::Ptr spot = h.screen->session()->recordedSpeeds().at(1);
     BMSpeedRecordCell *row = h.row(1);
     // The remembered names, presets included, are offered as completions.
     QVERIFY(qobject_cast<QStringListModel *>(row->completer()->model())->stringList().contains("Living Room"));
@@ -321,13 +321,13 @@ void tst_BMWifiScanVCSpots::renameSpot()
     QVERIFY(row->lblArea()->hasFocus());
     QVERIFY(!h.screen->btnStartStop()->isEnabled());
     QVERIFY(h.screen->btnRecordReset()->isEnabled()); // a running test keeps it
-    QVERIFY(h.screen->isEditingRecordName());
+    QVERIFY(h.screen->spotsTable()->isEditingRecordName());
     if (!endWithRecord) {
         // A phone's keyboard over the row lifts the table by its height less the ad strip.
         const QRect keyboard(0, h.nav->height() - 300, h.nav->width(), 300);
         KeyboardNotifications::postKeyboardDidShow(keyboard);
-        QCOMPARE(h.screen->keyboardSize(), keyboard.size());
-        QCOMPARE(h.screen->tblRecordsBottomConstraint(), 250);
+        QCOMPARE(h.screen->spotsTable()->keyboardSize(), keyboard.size());
+        QCOMPARE(h.screen->spotsTable()->tblRecordsBottomConstraint(), 250);
     }
     QTest::keyClick(row->lblArea(), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(row->lblArea(), typed);
@@ -340,12 +340,12 @@ void tst_BMWifiScanVCSpots::renameSpot()
         QTest::keyClick(row->lblArea(), Qt::Key_Return);
         KeyboardNotifications::postKeyboardWillHide(QRect());
         QCOMPARE(row->lblArea()->text(), label);
-        QCOMPARE(h.screen->tblRecordsBottomConstraint(), 0);
+        QCOMPARE(h.screen->spotsTable()->tblRecordsBottomConstraint(), 0);
     }
     QCOMPARE(spot->label(), label);
     QVERIFY(h.recorder.sinceMark().contains("DidEndEditingSpeedRecord"));
     QVERIFY(h.screen->btnStartStop()->isEnabled());
-    QVERIFY(!h.screen->isEditingRecordName());
+    QVERIFY(!h.screen->spotsTable()->isEditingRecordName());
 
     h.clickStartStop();
     const QStringList saved = BMSDKUISettings::sharedInstance().savedSpots();
@@ -408,18 +408,18 @@ void tst_BMWifiScanVCSpots::rowHold()
             PointerInput::release(PointerInput::Kind::Touch, viewport, speed);
         } else if (step == "clickStart") {
             h.clickStartStop();
-            QVERIFY(h.screen->isScanning());
+            QVERIFY(h.screen->session()->isScanning());
         }
     }
-    QCOMPARE(h.screen->editPopup() != nullptr, asked);
+    QCOMPARE(h.screen->spotsTable()->editPopup() != nullptr, asked);
     QVERIFY(!h.screen->isRecording());
-    QVERIFY(!h.screen->wifiRecordBeingEdited());
-    QVERIFY(h.screen->isScanning());
+    QVERIFY(!h.screen->session()->wifiRecordBeingEdited());
+    QVERIFY(h.screen->session()->isScanning());
     // Back in the normal look, and nothing saved that nobody held: leaving
     // the application (which keeps a spot being recorded) adds none.
     QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->wifiCounterBackground()), QString("wifiCounter"));
     QCOMPARE(h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText), normal);
-    if (h.screen->editPopup())
+    if (h.screen->spotsTable()->editPopup())
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     const QStringList before = h.labels();
     h.run("resign");
@@ -467,7 +467,7 @@ void tst_BMWifiScanVCSpots::tabFollowsTheScreen()
     // Space on a focused control presses it: Start.
     h.screen->btnStartStop()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(h.screen->btnStartStop(), Qt::Key_Space);
-    QVERIFY(h.screen->isScanning());
+    QVERIFY(h.screen->session()->isScanning());
 }
 
 void tst_BMWifiScanVCSpots::rowsFollowLanguage()

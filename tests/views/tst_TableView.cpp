@@ -129,7 +129,7 @@ void tst_TableView::rowsSitAtTheirHeightsAndComeBackFromThePool()
     m_source.heights = {38, -5, 50}; // an unusable height falls back to the table's
     m_table->reloadData();
     m_table->reloadData();
-    QCOMPARE(m_source.made, 10);
+    QCOMPARE(m_source.made, 5); // only the rows in view of the first load were made
     QCOMPARE(captions(), (QStringList{"A", "B", "C"}));
     QCOMPARE(row(2)->geometry(), QRect(0, 78, 375, 50));
     m_table->resize(300, 200);
@@ -176,9 +176,10 @@ void tst_TableView::dragsScrollOrSwipe()
     PointerInput::release(kind, m_table->viewport(), from + by);
     QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
     QCOMPARE(m_table->contentOffset(), QPoint(0, offset));
-    QCOMPARE(row(1)->isEditing(), editing);
-    QCOMPARE(row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), editing);
-    QVERIFY(!row(0)->isEditing() && !row(2)->isEditing());
+    QCOMPARE(row(1) && row(1)->isEditing(), editing);
+    QCOMPARE(row(1) && row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), editing);
+    for (TableViewCell *cell : m_table->visibleCells())
+        QVERIFY(cell == row(1) || !cell->isEditing());
     QVERIFY(m_source.selected.isEmpty());
 }
 
@@ -234,7 +235,7 @@ void tst_TableView::deleteKeepsTheOtherRowsInOrder()
     for (int i = 0; i < left.size(); ++i)
         QCOMPARE(row(i)->y(), 40 * i);
     QCOMPARE(m_table->contentHeight(), 40 * int(left.size()));
-    QCOMPARE(m_source.made, 10); // rows came back from the pool, none made anew
+    QCOMPARE(m_source.made, 5); // rows came back from the pool, none made anew
     for (const QString &line : logged.split('|', Qt::SkipEmptyParts))
         QVERIFY2(log.contains(line), qPrintable(log.text()));
     QCOMPARE(log.contains("reloading"), !logged.isEmpty());

@@ -6,6 +6,7 @@
 #include "TableViewDataSource.h"
 #include "core/BMLogger.h"
 
+#include <QApplication>
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QPropertyAnimation>
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Brightmere {
 
@@ -48,6 +50,7 @@ TableView::TableView(QWidget *parent)
     connect(m_tracker, &DragTracker::dragMoved, this, &TableView::onDragMoved);
     connect(m_tracker, &DragTracker::dragFinished, this, &TableView::onDragFinished);
     connect(m_tracker, &DragTracker::clicked, this, &TableView::onClicked);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TableView::layoutRows);
 }
 
 TableView::~TableView() = default;
@@ -59,26 +62,23 @@ void TableView::setDataSource(TableViewDataSource *dataSource)
 
 void TableView::reloadData()
 {
-    for (TableViewCell *row : std::as_const(m_rows))
+    for (TableViewCell *row : std::as_const(m_live))
         retireRow(row);
-    m_rows.clear();
-    m_heights.clear();
+    m_live.clear();
     m_layoutPending = false;
 
     const int count = numberOfRowsInSection(0);
-    for (int i = 0; i < count; ++i) {
-        const IndexPath index(i, 0);
-        TableViewCell *row = makeRow(index);
-        m_rows.append(row);
-        m_heights.append(int(askHeight(index)));
-        adoptRow(row);
-    }
+    m_heights.clear();
+    m_heights.reserve(count);
+    for (int i = 0; i < count; ++i)
+        m_heights.append(int(askHeight(IndexPath(i, 0))));
+    updateContentHeight();
+    layoutRows();
     // Rows waiting for reuse beyond the limit go for good.
     while (m_reusePool.size() > kReusePoolLimit) {
         if (TableViewCell *row = m_reusePool.takeFirst())
             row->deleteLater();
     }
-    layoutRows();
 }
 
 TableViewCell *TableView::makeRow(const IndexPath &indexPath)
@@ -90,7 +90,7 @@ TableViewCell *TableView::makeRow(const IndexPath &indexPath)
                                                  indexPath.row());
         return new TableViewCell(m_content);
     }
-    if (m_rows.contains(row)) {
+    if (std::find(m_live.cbegin(), m_live.cend(), row) != m_live.cend()) {
         BMLogger::sharedInstance().logFromModule(kModule, 3, "the data source gave row %d a row it already shows; "
                                                              "an empty row stands in",
                                                  indexPath.row());
@@ -132,15 +132,87 @@ double TableView::askHeight(const IndexPath &indexPath)
     return std::round(height);
 }
 
-void TableView::layoutRows()
+bool TableView::isValidRow(const IndexPath &indexPath) const
 {
-    const int width = viewport()->width();
+    return indexPath.section() == 0 && indexPath.row() >= 0 && indexPath.row() < m_heights.size();
+}
+
+int TableView::rowAtContentY(int y) const
+{
+    // m_tops[0] is 0: the last start at or above y.
+    const auto after = std::upper_bound(m_tops.cbegin(), m_tops.cend() - 1, y);
+    return qBound(0, int(after - m_tops.cbegin()) - 1, int(m_heights.size()) - 1);
+}
+
+void TableView::updateContentHeight()
+{
+    m_tops.resize(m_heights.size() + 1);
     int y = 0;
-    for (int i = 0; i < m_rows.size(); ++i) {
-        m_rows.at(i)->setGeometry(0, y, width, m_heights.at(i));
+    for (int i = 0; i < m_heights.size(); ++i) {
+        m_tops[i] = y;
         y += m_heights.at(i);
     }
-    m_content->resize(width, y);
+    m_tops[m_heights.size()] = y;
+    const bool layingOut = std::exchange(m_layingOut, true);
+    // Resizing moves the scroll bar when the content shrinks under it.
+    m_content->resize(viewport()->width(), y);
+    m_layingOut = layingOut;
+}
+
+void TableView::layoutRows()
+{
+    if (m_layingOut)
+        return;
+    m_layingOut = true;
+    bool changed = false;
+    const int count = int(m_heights.size());
+    const int top = verticalScrollBar()->value();
+    const int bottom = top + viewport()->height();
+    const int first = count > 0 ? rowAtContentY(top) : 0;
+    const int last = count > 0 && bottom > top ? rowAtContentY(bottom - 1) : -1;
+
+    // A row out of view goes back to the pool, unless the user is typing in
+    // it or pressing it: that row is kept, wherever it is.
+    const QWidget *focus = QApplication::focusWidget();
+    for (auto it = m_live.begin(); it != m_live.end();) {
+        TableViewCell *row = it.value();
+        const bool inView = it.key() >= first && it.key() <= last;
+        const bool held = row == m_pressRow || (focus && row->isAncestorOf(focus));
+        if (inView || held) {
+            ++it;
+            continue;
+        }
+        retireRow(row);
+        it = m_live.erase(it);
+        changed = true;
+    }
+    for (int i = first; i <= last; ++i) {
+        if (m_live.contains(i))
+            continue;
+        TableViewCell *row = makeRow(IndexPath(i, 0));
+        m_live.insert(i, row);
+        adoptRow(row);
+        changed = true;
+    }
+    const int width = viewport()->width();
+    for (auto it = m_live.cbegin(); it != m_live.cend(); ++it) {
+        const QRect frame(0, m_tops.at(it.key()), width, m_heights.at(it.key()));
+        if (it.value()->geometry() != frame) {
+            it.value()->setGeometry(frame);
+            changed = true;
+        }
+    }
+    m_layingOut = false;
+    if (changed)
+        Q_EMIT visibleRowsChanged();
+}
+
+void TableView::shiftLiveRows(int from, int by)
+{
+    QMap<int, TableViewCell *> shifted;
+    for (auto it = m_live.cbegin(); it != m_live.cend(); ++it)
+        shifted.insert(it.key() >= from ? it.key() + by : it.key(), it.value());
+    m_live = shifted;
 }
 
 int TableView::numberOfSections() const
@@ -177,22 +249,32 @@ TableViewCell *TableView::dequeueReusableCellWithIdentifier(const QString &ident
 
 TableViewCell *TableView::cellForRowAtIndexPath(const IndexPath &indexPath) const
 {
-    if (indexPath.section() != 0 || indexPath.row() < 0 || indexPath.row() >= m_rows.size())
+    if (indexPath.section() != 0)
         return nullptr;
-    return m_rows.at(indexPath.row());
+    return m_live.value(indexPath.row(), nullptr);
+}
+
+QRect TableView::rectForRowAtIndexPath(const IndexPath &indexPath) const
+{
+    if (!isValidRow(indexPath) || m_tops.size() != m_heights.size() + 1)
+        return {};
+    return QRect(0, m_tops.at(indexPath.row()), viewport()->width(), m_heights.at(indexPath.row()));
 }
 
 IndexPath TableView::indexPathForCell(const TableViewCell *cell) const
 {
-    const int row = m_rows.indexOf(const_cast<TableViewCell *>(cell));
-    return row < 0 ? IndexPath() : IndexPath(row, 0);
+    for (auto it = m_live.cbegin(); it != m_live.cend(); ++it) {
+        if (it.value() == cell)
+            return IndexPath(it.key(), 0);
+    }
+    return {};
 }
 
 QList<TableViewCell *> TableView::visibleCells() const
 {
     const QRect visible(contentOffset(), viewport()->size());
     QList<TableViewCell *> rows;
-    for (TableViewCell *row : m_rows) {
+    for (TableViewCell *row : m_live) {
         if (row->geometry().intersects(visible))
             rows.append(row);
     }
@@ -202,11 +284,10 @@ QList<TableViewCell *> TableView::visibleCells() const
 IndexPath TableView::indexPathForRowAtPoint(const QPoint &viewportPoint) const
 {
     const QPoint point = viewportPoint + contentOffset();
-    for (int i = 0; i < m_rows.size(); ++i) {
-        if (m_rows.at(i)->geometry().contains(point))
-            return IndexPath(i, 0);
-    }
-    return {};
+    if (m_heights.isEmpty() || point.x() < 0 || point.x() >= viewport()->width() || point.y() < 0
+        || point.y() >= m_tops.constLast())
+        return {};
+    return IndexPath(rowAtContentY(point.y()), 0);
 }
 
 void TableView::setRowHeight(double height)
@@ -236,13 +317,12 @@ void TableView::scrollRectToVisible(const QRect &rect, bool animated)
 
 void TableView::scrollToRowAtIndexPath(const IndexPath &indexPath, ScrollPosition position, bool animated)
 {
-    const TableViewCell *row = cellForRowAtIndexPath(indexPath);
-    if (!row) {
+    const QRect frame = rectForRowAtIndexPath(indexPath);
+    if (frame.isNull()) {
         BMLogger::sharedInstance().logFromModule(kModule, 2, "no row %d in section %d to scroll to", indexPath.row(),
                                                  indexPath.section());
         return;
     }
-    const QRect frame = row->geometry();
     const int viewHeight = viewport()->height();
     switch (position) {
     case ScrollPosition::Top:
@@ -262,7 +342,7 @@ void TableView::scrollToRowAtIndexPath(const IndexPath &indexPath, ScrollPositio
 
 int TableView::contentHeight() const
 {
-    return m_content->height();
+    return m_tops.isEmpty() ? 0 : m_tops.constLast();
 }
 
 void TableView::beginUpdates()
@@ -284,10 +364,10 @@ void TableView::deleteRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAn
 {
     QList<int> doomed;
     for (const IndexPath &index : indexPaths) {
-        if (index.section() != 0 || index.row() < 0 || index.row() >= m_rows.size() || doomed.contains(index.row())) {
+        if (!isValidRow(index) || doomed.contains(index.row())) {
             BMLogger::sharedInstance().logFromModule(kModule, 3, "cannot delete row %d of section %d: the table has "
                                                                  "%d rows; ignored",
-                                                     index.row(), index.section(), m_rows.size());
+                                                     index.row(), index.section(), m_heights.size());
             continue;
         }
         doomed.append(index.row());
@@ -295,11 +375,51 @@ void TableView::deleteRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAn
     // From the bottom up, so the indexes still to come stay right.
     std::sort(doomed.begin(), doomed.end(), std::greater<>());
     for (const int i : std::as_const(doomed)) {
-        TableViewCell *row = m_rows.takeAt(i);
+        if (TableViewCell *row = m_live.take(i)) {
+            if (animation != RowAnimation::None)
+                fadeOut(row);
+            retireRow(row);
+        }
+        shiftLiveRows(i + 1, -1);
         m_heights.removeAt(i);
-        if (animation != RowAnimation::None)
-            fadeOut(row);
-        retireRow(row);
+    }
+    m_layoutPending = true;
+    if (m_updateDepth == 0)
+        finishUpdates();
+}
+
+void TableView::insertRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation)
+{
+    QList<int> rows;
+    for (const IndexPath &index : indexPaths) {
+        if (index.section() == 0 && index.row() >= 0 && !rows.contains(index.row()))
+            rows.append(index.row());
+    }
+    // From the top down: each index counts the rows inserted above it.
+    std::sort(rows.begin(), rows.end());
+    for (const int i : std::as_const(rows)) {
+        if (i > m_heights.size()) {
+            BMLogger::sharedInstance().logFromModule(kModule, 3, "cannot insert row %d: the table has %d rows; "
+                                                                 "ignored",
+                                                     i, m_heights.size());
+            continue;
+        }
+        shiftLiveRows(i, 1);
+        m_heights.insert(i, int(askHeight(IndexPath(i, 0))));
+    }
+    m_layoutPending = true;
+    if (m_updateDepth == 0)
+        finishUpdates();
+}
+
+void TableView::reloadRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation)
+{
+    for (const IndexPath &index : indexPaths) {
+        if (!isValidRow(index))
+            continue;
+        if (TableViewCell *row = m_live.take(index.row()))
+            retireRow(row);
+        m_heights[index.row()] = int(askHeight(index));
     }
     m_layoutPending = true;
     if (m_updateDepth == 0)
@@ -310,13 +430,14 @@ void TableView::finishUpdates()
 {
     m_layoutPending = false;
     const int expected = numberOfRowsInSection(0);
-    if (expected != m_rows.size()) {
+    if (expected != m_heights.size()) {
         BMLogger::sharedInstance().logFromModule(kModule, 3, "the data source counts %d rows where the table has "
                                                              "%d after the update; reloading",
-                                                 expected, m_rows.size());
+                                                 expected, m_heights.size());
         reloadData();
         return;
     }
+    updateContentHeight();
     layoutRows();
 }
 
@@ -345,7 +466,7 @@ void TableView::fadeOut(TableViewCell *row)
 void TableView::setEditing(bool editing, bool animated)
 {
     m_editing = editing;
-    for (TableViewCell *row : std::as_const(m_rows)) {
+    for (TableViewCell *row : std::as_const(m_live)) {
         if (row->isEditing() != editing)
             row->setEditing(editing, animated);
     }
@@ -363,6 +484,7 @@ TableView *TableView::enclosingTableView(const QWidget *widget)
 void TableView::resizeEvent(QResizeEvent *event)
 {
     QScrollArea::resizeEvent(event);
+    updateContentHeight();
     layoutRows();
 }
 
@@ -380,7 +502,7 @@ void TableView::onPressed(const QPoint &position)
                          && m_tracker->pressedWidget() == pressed->deleteStrip();
     if (onStrip)
         return;
-    for (TableViewCell *row : std::as_const(m_rows)) {
+    for (TableViewCell *row : std::as_const(m_live)) {
         if (row->isEditing()) {
             row->setEditing(false, true);
             m_pressEndedEditing = true;

@@ -3,6 +3,7 @@
 #include "IndexPath.h"
 
 #include <QList>
+#include <QMap>
 #include <QPointer>
 #include <QScrollArea>
 
@@ -17,7 +18,9 @@ class TableViewDataSource;
 
 // A vertical list of row widgets (TableViewCell), filled by a data source,
 // that scrolls by dragging (mouse or touch) and hands rows out again for
-// reuse. A swipe to the left on a row whose data source allows editing turns
+// reuse. Row widgets exist only for the rows in view (and a row holding the
+// keyboard focus or a press), so a list of thousands costs what a screenful
+// does; the data source is asked for a row as it comes into view. A swipe to the left on a row whose data source allows editing turns
 // that row's editing on. A drag to the right is the table's horizontal pan,
 // which begins only where its delegate (horizontalPanShouldBegin) allows it;
 // either way it is no press on the row's content. Rows are real widgets, so
@@ -54,16 +57,20 @@ public:
     void setDataSource(TableViewDataSource *dataSource);
     TableViewDataSource *dataSource() const { return m_dataSource; }
 
-    // Asks the data source for every row again. Rows shown before go back to
-    // the reuse pool first.
+    // Asks the data source for the row count and heights again, and for the
+    // rows in view. Rows shown before go back to the reuse pool first.
     void reloadData();
     int numberOfSections() const;
     int numberOfRowsInSection(int section) const;
 
     // A row taken out of the table earlier with this identifier, or null.
     TableViewCell *dequeueReusableCellWithIdentifier(const QString &identifier);
-    // The row at that index, or null when there is none.
+    // The row at that index while it has a widget (it is in view, or holds
+    // the focus or a press); null otherwise.
     TableViewCell *cellForRowAtIndexPath(const IndexPath &indexPath) const;
+    // Where the row at that index is, in content coordinates, in view or
+    // not; an empty rectangle when there is no such row.
+    QRect rectForRowAtIndexPath(const IndexPath &indexPath) const;
     // The index of a row of this table; an invalid index for anything else.
     IndexPath indexPathForCell(const TableViewCell *cell) const;
     // The rows at least partly inside the viewport, top to bottom.
@@ -93,6 +100,13 @@ public:
     void beginUpdates();
     void endUpdates();
     void deleteRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation animation);
+    // New rows at these indexes (as they are after the insertion); the data
+    // source must already count them. Rows below move down; only rows that
+    // come into view are asked for.
+    void insertRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation animation);
+    // Asks the data source again for these rows (their heights, and the rows
+    // themselves where they are in view).
+    void reloadRowsAtIndexPaths(const QList<IndexPath> &indexPaths, RowAnimation animation);
 
     bool isEditing() const { return m_editing; }
     // Turns editing on or off for the table and every row.
@@ -118,6 +132,8 @@ public:
     static TableView *enclosingTableView(const QWidget *widget);
 
 Q_SIGNALS:
+    // Row widgets were made, dropped or moved: the rows in view changed.
+    void visibleRowsChanged();
     // The horizontal pan, with its translation from where it began.
     void horizontalPanBegan(const QPoint &translation);
     void horizontalPanEnded(const QPoint &translation);
@@ -132,7 +148,14 @@ private:
     void adoptRow(TableViewCell *row);
     void retireRow(TableViewCell *row);
     double askHeight(const IndexPath &indexPath);
+    bool isValidRow(const IndexPath &indexPath) const;
+    // The row whose span holds the content y (clamped to the rows).
+    int rowAtContentY(int y) const;
+    void updateContentHeight();
+    // Makes widgets for the rows in view, retires the others and puts each
+    // where it belongs.
     void layoutRows();
+    void shiftLiveRows(int from, int by);
     void finishUpdates();
     void fadeOut(TableViewCell *row);
     void swipeIfFarEnough(const QPoint &distance);
@@ -145,8 +168,12 @@ private:
 
     TableViewDataSource *m_dataSource = nullptr;
     QWidget *m_content = nullptr;
-    QList<TableViewCell *> m_rows;
+    // The row widgets there are, by row.
+    QMap<int, TableViewCell *> m_live;
     QList<int> m_heights;
+    // Where each row starts; one more entry than rows, the last the total.
+    QList<int> m_tops;
+    bool m_layingOut = false;
     QList<QPointer<TableViewCell>> m_reusePool;
     DragTracker *m_tracker = nullptr;
     ScrollAnimator *m_animator = nullptr;
