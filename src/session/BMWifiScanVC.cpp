@@ -18,7 +18,6 @@
 #include "platform/views/PageControl.h"
 #include "platform/views/ScrollView.h"
 #include "platform/views/StoryboardSegue.h"
-#include "platform/views/TableView.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BMImageButton.h"
 #include "ui/BMLabel.h"
@@ -26,38 +25,11 @@
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
 
-#include <QPainter>
-
 using namespace Brightmere;
 
 namespace {
 
 const char kEditSpotsSetSetterProperty[] = "editSpotsSetSetter";
-
-void setTextColor(QWidget *view, const QColor &color)
-{
-    QPalette palette = view->palette();
-    palette.setColor(QPalette::WindowText, color);
-    view->setPalette(palette);
-}
-
-// Bar icons drawn in white, so the bar needs no image files for them.
-QIcon barIcon(bool dots)
-{
-    QPixmap pixmap(48, 48);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Color::colorWithR(255, 255, 255));
-    for (int i = 0; i < 3; ++i) {
-        if (dots)
-            painter.drawEllipse(QPointF(24, 12 + i * 12), 3.5, 3.5);
-        else
-            painter.drawRoundedRect(QRectF(8, 11 + i * 12, 32, 4), 2, 2);
-    }
-    return QIcon(pixmap);
-}
 
 } // namespace
 
@@ -177,7 +149,6 @@ void BMWifiScanVC::viewWillAppear(bool animated)
     m_view->setGeometry(QRect(QPoint(0, 0), m_contentScrollView->size()));
     refreshUITexts();
     m_spotsTable->reloadRecords();
-    setTextColor(lblSSID(), Color::colorWithHexString(QStringLiteral("3593da")));
     updateSSID();
 
     m_session->subscribeToReachability();
@@ -234,12 +205,7 @@ void BMWifiScanVC::refreshUITexts()
     if (!isViewLoaded())
         return;
     setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_title")));
-    lblHoldToAverage()->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_hold_to_average")));
-    const QString startStopKey = m_session->isScanning() ? QStringLiteral("stop") : QStringLiteral("start"); // i18n-key
-    btnStartStop()->setTitle(BMI18NManager::stringForCode(startStopKey));
-    updateRecordResetLabel();
-    lblPreparing()->setText(BMI18NManager::stringForCode(QStringLiteral("preparing")));
-    lblUnit()->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    m_view->retranslate(m_session->isScanning());
     m_historyItem->setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title")));
 }
 
@@ -285,12 +251,12 @@ void BMWifiScanVC::buildViews()
 void BMWifiScanVC::buildBarItems()
 {
     QPointer<BMWifiScanVC> self(this);
-    m_leftMenuItem = new BarButtonItem(barIcon(false), BarButtonItem::Style::Plain, [self] {
+    m_leftMenuItem = new BarButtonItem(BMWifiScanView::barIcon(false), BarButtonItem::Style::Plain, [self] {
         if (self)
             self->leftMenuBtnTapped();
     }, this);
     m_leftMenuItem->setObjectName(QStringLiteral("leftMenuButton"));
-    m_menuItem = new BarButtonItem(barIcon(true), BarButtonItem::Style::Plain, [self] {
+    m_menuItem = new BarButtonItem(BMWifiScanView::barIcon(true), BarButtonItem::Style::Plain, [self] {
         if (self)
             self->menuButtonTapped();
     }, this);
@@ -380,13 +346,8 @@ void BMWifiScanVC::startTesting()
 
 void BMWifiScanVC::onTestStarted()
 {
-    BMWifiScanView::showImage(btnStartStop(), QStringLiteral("buttonStop.png"));
-    btnStartStop()->setTitle(BMI18NManager::stringForCode(QStringLiteral("stop")));
-    BMWifiScanView::showImage(btnRecordReset(), QStringLiteral("buttonRecord.png"));
+    m_view->showTesting(true);
     btnRecordReset()->setEnabled(true);
-    lblHoldToAverage()->show();
-    updateRecordResetLabel();
-    lblPreparing()->show();
     removeTutorial();
     tellDelegate(&BMWifiScanVCDelegate::wifiScanVCStartTesting);
 }
@@ -402,22 +363,10 @@ void BMWifiScanVC::onTestStopped()
     if (m_spotsTable)
         MainQueue::cancelAll(m_spotsTable);
     lblWifiSpeed()->setText(BMI18NManager::formatNumber(0.0, 1, 1));
-    lblPreparing()->hide();
+    m_view->showTesting(false);
     btnStartStop()->setEnabled(true);
-    BMWifiScanView::showImage(btnStartStop(), QStringLiteral("buttonStart.png"));
-    btnStartStop()->setTitle(BMI18NManager::stringForCode(QStringLiteral("start")));
     btnRecordReset()->setEnabled(!m_session->testedSpeeds().isEmpty());
-    lblHoldToAverage()->hide();
-    BMWifiScanView::showImage(btnRecordReset(), QStringLiteral("buttonReset.png"));
-    updateRecordResetLabel();
     tellDelegate(&BMWifiScanVCDelegate::wifiScanVCStopTesting);
-}
-
-void BMWifiScanVC::updateRecordResetLabel()
-{
-    btnRecordReset()->setTitle(BMI18NManager::stringForCode(QStringLiteral("reset")), BMImageButton::State::Disabled);
-    const QString normalKey = m_session->isScanning() ? QStringLiteral("record") : QStringLiteral("reset"); // i18n-key
-    btnRecordReset()->setTitle(BMI18NManager::stringForCode(normalKey));
 }
 
 void BMWifiScanVC::actStartStop()
@@ -482,18 +431,8 @@ void BMWifiScanVC::updateSSID()
 {
     if (!m_view)
         return;
-    const QString ssid = BMSDKNetworkUtilities::currentWifiSSID().value_or(QString());
-    const QString bssid = BMSDKNetworkUtilities::currentWifiBSSID().value_or(QString());
-    if (ssid.isEmpty()) {
-        lblSSID()->clear();
-        return;
-    }
-    QString text = ssid.toHtmlEscaped();
-    if (!bssid.isEmpty()) {
-        const QString grey = Color::colorToString(Color::colorWithHexString(QStringLiteral("999999")));
-        text += QStringLiteral("<span style=\"color:#%1\"> (%2)</span>").arg(grey, bssid.toHtmlEscaped());
-    }
-    lblSSID()->setText(text);
+    m_view->showNetwork(BMSDKNetworkUtilities::currentWifiSSID().value_or(QString()),
+                        BMSDKNetworkUtilities::currentWifiBSSID().value_or(QString()));
 }
 
 void BMWifiScanVC::menuHistoricalResultsTapped()
@@ -578,18 +517,6 @@ void BMWifiScanVC::actRecordResetTouchUp(bool inside)
             reset();
     }
     tellDelegate(&BMWifiScanVCDelegate::wifiScanVCActResetTouchUpInside);
-}
-
-void BMWifiScanVC::setRecordingUI()
-{
-    if (m_view)
-        m_view->setRecording(true);
-}
-
-void BMWifiScanVC::setNormalUI()
-{
-    if (m_view)
-        m_view->setRecording(false);
 }
 
 void BMWifiScanVC::onSpotSaved(const WifiTestResult::Ptr &, int row, bool isNew)

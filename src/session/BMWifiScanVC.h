@@ -91,7 +91,7 @@ public:
     void reloadPlot();
     void updateSSID();
     void updateUIWithResult(const WifiTestResult::Ptr &result) { m_session->acceptResult(result); }
-    void updateRecordResetLabel();
+    void updateRecordResetLabel() { m_view->updateRecordResetLabel(m_session->isScanning()); }
     void showNoWifiAlert();
     void showNoWifiPopupIfNeeded();
     void showNoWifiPopup() { showNoWifiPopupIfNeeded(); }
@@ -130,8 +130,8 @@ public:
     void saveRecordAndStopRecording() { m_session->saveRecordAndStopRecording(); }
     void saveRecordAndStopRecordingIfNeeded() { m_session->saveRecordAndStopRecordingIfNeeded(); }
     bool isRecording() const { return m_session->isRecording(); }
-    void setRecordingUI();
-    void setNormalUI();
+    void setRecordingUI() { if (m_view) m_view->setRecording(true); }
+    void setNormalUI() { if (m_view) m_view->setRecording(false); }
     void reset() { m_session->reset(); }
     void resetWithNewRecordedSpeeds(const std::optional<WifiTestResult::List> &speeds)
     {

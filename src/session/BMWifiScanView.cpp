@@ -314,6 +314,66 @@ bool BMWifiScanView::eventFilter(QObject *watched, QEvent *event)
 }
 
 // ---------------------------------------------------------------------------
+// Texts and the controls' look
+
+void BMWifiScanView::showTesting(bool testing)
+{
+    showImage(m_btnStartStop, testing ? QStringLiteral("buttonStop.png") : QStringLiteral("buttonStart.png"));
+    showImage(m_btnRecordReset, testing ? QStringLiteral("buttonRecord.png") : QStringLiteral("buttonReset.png"));
+    m_lblHoldToAverage->setVisible(testing);
+    m_lblPreparing->setVisible(testing);
+    retranslate(testing);
+}
+
+void BMWifiScanView::retranslate(bool testing)
+{
+    m_lblHoldToAverage->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_hold_to_average")));
+    const QString startStopKey = testing ? QStringLiteral("stop") : QStringLiteral("start"); // i18n-key
+    m_btnStartStop->setTitle(BMI18NManager::stringForCode(startStopKey));
+    updateRecordResetLabel(testing);
+    m_lblPreparing->setText(BMI18NManager::stringForCode(QStringLiteral("preparing")));
+    m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+}
+
+void BMWifiScanView::showNetwork(const QString &ssid, const QString &bssid)
+{
+    if (ssid.isEmpty()) {
+        m_lblSSID->clear();
+        return;
+    }
+    QString text = ssid.toHtmlEscaped();
+    if (!bssid.isEmpty()) {
+        const QString grey = Color::colorToString(Color::colorWithHexString(QStringLiteral("999999")));
+        text += QStringLiteral("<span style=\"color:#%1\"> (%2)</span>").arg(grey, bssid.toHtmlEscaped());
+    }
+    m_lblSSID->setText(text);
+}
+
+void BMWifiScanView::updateRecordResetLabel(bool testing)
+{
+    m_btnRecordReset->setTitle(BMI18NManager::stringForCode(QStringLiteral("reset")), BMImageButton::State::Disabled);
+    const QString normalKey = testing ? QStringLiteral("record") : QStringLiteral("reset"); // i18n-key
+    m_btnRecordReset->setTitle(BMI18NManager::stringForCode(normalKey));
+}
+
+QIcon BMWifiScanView::barIcon(bool dots)
+{
+    QPixmap pixmap(48, 48);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Color::colorWithR(255, 255, 255));
+    for (int i = 0; i < 3; ++i) {
+        if (dots)
+            painter.drawEllipse(QPointF(24, 12 + i * 12), 3.5, 3.5);
+        else
+            painter.drawRoundedRect(QRectF(8, 11 + i * 12, 32, 4), 2, 2);
+    }
+    return QIcon(pixmap);
+}
+
+// ---------------------------------------------------------------------------
 // Images and the recording look
 
 void BMWifiScanView::showImage(QWidget *view, const QString &name)

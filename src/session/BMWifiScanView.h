@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPointer>
 #include <QWidget>
 
@@ -52,6 +53,16 @@ public:
     Brightmere::TableView *tblRecords() const { return m_tblRecords; }
     Brightmere::ScrollView *scrollTutorial() const;
     Brightmere::PageControl *pageResults() const;
+
+    // The controls while a test runs (stop, record, the hold note) or not
+    // (start, reset), and every text of the panel in the current language.
+    void showTesting(bool testing);
+    void retranslate(bool testing);
+    void updateRecordResetLabel(bool testing);
+    // The network's name, with the access point's address in grey.
+    void showNetwork(const QString &ssid, const QString &bssid);
+    // The bar's menu icons, drawn in white so the bar needs no image files.
+    static QIcon barIcon(bool dots);
 
     // The list's bottom moves up by this much (to clear a keyboard).
     void setTblRecordsBottomConstraint(int constraint);
