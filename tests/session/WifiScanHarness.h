@@ -124,7 +124,7 @@ public:
     // startStop (the control alone), results:N, press, release, releaseOut,
     // record (press and release), wifiOff, resultNoWifi, background,
     // resign, hide, show, edit (hand over a saved set of two spots), mark,
-    // touchPress and touchOut (a finger on Record, lifted outside it).
+    // touchPress and touchOut (a finger on Record, lifted outside it), sound.
     void run(const QString &steps)
     {
         for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
@@ -142,6 +142,8 @@ public:
                 touchRecord(step == "touchPress");
             else if (step == "record")
                 recordSpot();
+            else if (step == "sound")
+                QTest::mouseClick(screen->btnSound(), Qt::LeftButton);
             else if (step == "wifiOff")
                 setWifi(false);
             else if (step == "resultNoWifi")

@@ -19,7 +19,7 @@
 using namespace Brightmere;
 
 // Spots on the test screen: recording with the control (mouse and touch),
-// default names, re-recording a row, deleting and renaming.
+// re-recording a row, deleting and renaming.
 class tst_BMWifiScanVCSpots : public QObject
 {
     Q_OBJECT
@@ -27,8 +27,6 @@ class tst_BMWifiScanVCSpots : public QObject
 private Q_SLOTS:
     void pressAndRelease_data();
     void pressAndRelease();
-    void defaultNames_data();
-    void defaultNames();
     void reRecord_data();
     void reRecord();
     void deleteSpot_data();
@@ -57,35 +55,28 @@ void tst_BMWifiScanVCSpots::choose(FZOptionsPopup *popup, int index)
 
 void tst_BMWifiScanVCSpots::pressAndRelease_data()
 {
-    QTest::addColumn<int>("resultsFirst");
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QStringList>("labels");
     QTest::addColumn<bool>("average");
     QTest::addColumn<double>("duration");
     QTest::addColumn<double>("speed");
     // Results arrive at 10, 20, 30, 40 ... Mbps, one every half second.
-    QTest::newRow("short press: the speed on show, not an average")
-        << 1 << "press,release" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
     QTest::newRow("held over two results: their mean with the one on show")
-        << 1 << "press,results:2,release" << QStringList{"Spot 1"} << true << 1.0 << 20.0;
-    QTest::newRow("two quick presses make one spot")
-        << 1 << "press,release,press,release" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+        << "press,results:2,release" << QStringList{"Spot 1"} << true << 1.0 << 20.0;
     QTest::newRow("a new result between presses makes a second spot")
-        << 1 << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
-    QTest::newRow("released outside still saves") << 1 << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
+        << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
+    QTest::newRow("released outside still saves") << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
                                                   << 10.0;
     QTest::newRow("a finger held over a result, dragged out and released")
-        << 1 << "touchPress,results:1,touchOut" << QStringList{"Spot 1"} << true << 0.5 << 15.0;
-    QTest::newRow("no result yet: no spot") << 0 << "press,release" << QStringList{} << false << 0.0 << 0.0;
+        << "touchPress,results:1,touchOut" << QStringList{"Spot 1"} << true << 0.5 << 15.0;
     QTest::newRow("stopped: released inside resets the run")
-        << 1 << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
+        << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
     QTest::newRow("stopped: released outside keeps it")
-        << 1 << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+        << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
 }
 
 void tst_BMWifiScanVCSpots::pressAndRelease()
 {
-    QFETCH(int, resultsFirst);
     QFETCH(QString, steps);
     QFETCH(QStringList, labels);
     QFETCH(bool, average);
@@ -93,7 +84,7 @@ void tst_BMWifiScanVCSpots::pressAndRelease()
     QFETCH(double, speed);
     WifiScanHarness h({10.0, 20.0, 30.0, 40.0, 50.0});
     h.start();
-    h.results(resultsFirst);
+    h.results(1);
     h.run(steps);
     QCOMPARE(h.labels(), labels);
     QVERIFY(!h.screen->isRecording());
@@ -108,44 +99,6 @@ void tst_BMWifiScanVCSpots::pressAndRelease()
     QCOMPARE(newest->ssid(), BMSimulatedNetwork::shared().ssid());
     QCOMPARE(newest->bssid(), BMSimulatedNetwork::shared().bssid());
     QCOMPARE(h.row(0)->lblArea()->text(), labels.first());
-}
-
-void tst_BMWifiScanVCSpots::defaultNames_data()
-{
-    QTest::addColumn<QStringList>("loaded");
-    QTest::addColumn<bool>("resetFirst");
-    QTest::addColumn<QString>("next");
-    QTest::newRow("after Spot 7 comes Spot 8") << QStringList{"Spot 7"} << false << "Spot 8";
-    QTest::newRow("a name that is no number counts 0") << QStringList{"Living Room"} << false << "Spot 1";
-    QTest::newRow("read like atoi, the largest wins")
-        << QStringList{"Spot 7b", "Kitchen 3", "Hall -9", "Spot"} << false << "Spot 8";
-    QTest::newRow("after a reset, Spot 1") << QStringList{"Spot 7"} << true << "Spot 1";
-}
-
-void tst_BMWifiScanVCSpots::defaultNames()
-{
-    QFETCH(QStringList, loaded);
-    QFETCH(bool, resetFirst);
-    QFETCH(QString, next);
-    WifiScanHarness h;
-    WifiTestResult::List spots;
-    for (const QString &label : loaded) {
-        spots << WifiTestResult::create(5.0);
-        spots.last()->setLabel(label);
-    }
-    h.nav->hide();
-    h.screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create("Run", "HomeNet", QDateTime(), spots));
-    h.nav->show();
-    QCOMPARE(h.labels(), loaded);
-    if (resetFirst) {
-        h.pressRecord();
-        h.releaseRecord();
-        QVERIFY(h.screen->session()->recordedSpeeds().isEmpty());
-    }
-    h.start();
-    h.results(1);
-    h.recordSpot();
-    QCOMPARE(h.labels().first(), next);
 }
 
 void tst_BMWifiScanVCSpots::reRecord_data()
