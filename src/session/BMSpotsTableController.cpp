@@ -77,10 +77,20 @@ void BMSpotsTableController::reloadRecords()
 void BMSpotsTableController::showSavedSpot(int row, bool isNew)
 {
     m_table->scrollRectToVisible(QRect(0, 0, 1, 1), false);
-    if (isNew)
-        m_table->insertRowsAtIndexPaths({IndexPath(row, 0)}, TableView::RowAnimation::Automatic);
-    else
+    if (!isNew) {
         m_table->reloadRowsAtIndexPaths({IndexPath(row, 0)}, TableView::RowAnimation::None);
+        return;
+    }
+    m_table->insertRowsAtIndexPaths({IndexPath(row, 0)}, TableView::RowAnimation::Automatic);
+    // The rows under it changed place, so their stripes alternate anew;
+    // only those in view exist to be told.
+    QList<IndexPath> moved;
+    for (TableViewCell *cell : m_table->visibleCells()) {
+        const IndexPath path = m_table->indexPathForCell(cell);
+        if (path.isValid() && path.row() > row)
+            moved << path;
+    }
+    m_table->reloadRowsAtIndexPaths(moved, TableView::RowAnimation::None);
 }
 
 void BMSpotsTableController::removeRow(int row)

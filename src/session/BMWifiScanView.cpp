@@ -187,7 +187,7 @@ void BMWifiScanView::buildPanel()
 QLayout *BMWifiScanView::buildCounterRow()
 {
     // Three columns: start, the counter, record with its note. The outer two
-    // share the rest of the width equally, so the counter stays centred.
+    // share the rest of the width equally.
     auto *row = new QGridLayout;
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
@@ -225,7 +225,10 @@ QLayout *BMWifiScanView::buildCounterRow()
     counter->setContentsMargins(0, 0, 0, 0);
     counter->addWidget(m_wifiCounterBackground, 0, 0, Qt::AlignTop);
     counter->addLayout(figures, 0, 0);
-    row->addLayout(counter, 0, 1);
+    // Centred over the whole row (its left edge rounds down), the middle
+    // column keeping the controls clear of it.
+    row->setColumnMinimumWidth(1, px(kCounterSize));
+    row->addLayout(counter, 0, 0, 1, 3, Qt::AlignHCenter | Qt::AlignTop);
 
     m_btnRecordReset = new BMImageButton(m_viewBordered);
     m_btnRecordReset->setObjectName(QStringLiteral("btnRecordReset"));

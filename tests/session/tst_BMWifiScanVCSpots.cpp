@@ -99,6 +99,9 @@ void tst_BMWifiScanVCSpots::pressAndRelease()
     QCOMPARE(newest->ssid(), BMSimulatedNetwork::shared().ssid());
     QCOMPARE(newest->bssid(), BMSimulatedNetwork::shared().bssid());
     QCOMPARE(h.row(0)->lblArea()->text(), labels.first());
+    // Rows stripe from the top whatever was inserted above them.
+    for (int i = average ? 1 : 0; i < labels.size(); ++i)
+        QCOMPARE(h.row(i)->viewBg()->palette().color(QPalette::Window), Color::system(i % 2 == 0 ? 3 : 4));
 }
 
 void tst_BMWifiScanVCSpots::reRecord_data()
