@@ -2,6 +2,8 @@
 
 #include "DemoEventLog.h"
 #include "core/BMLogger.h"
+#include "core/BMSDKGeneralUtilities.h"
+#include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
 #include "i18n/BMI18NNotification.h"
 #include "i18n/BMLanguageChangeNotification.h"
@@ -37,6 +39,20 @@ int DemoHostDelegate::count(const QString &prefix) const
     for (const QString &event : m_events)
         n += event.startsWith(prefix) ? 1 : 0;
     return n;
+}
+
+QString DemoHostDelegate::textsSource()
+{
+    BMI18NManager *i18n = BMI18NManager::sharedInstance();
+    const QString language = i18n->currentLanguage();
+    const qsizetype own = i18n->bundleTextsForLanguage(language).size();
+    const qsizetype english = language == u"en" ? 0 : i18n->bundleTextsForLanguage(QStringLiteral("en")).size();
+    if (own == 0 && english == 0)
+        return QStringLiteral("Texts (%1): built in").arg(language);
+    return QStringLiteral("Texts (%1): %2 downloaded (service %3), the rest built in")
+        .arg(language)
+        .arg(own > 0 ? own : english)
+        .arg(BMSDKGeneralUtilities::displayAddress(BMSDKRestServiceManager::brightmereServerURL()));
 }
 
 void DemoHostDelegate::record(const QString &line)
@@ -110,18 +126,23 @@ void DemoHostDelegate::notifyScreenChange(BMScreenChangeNotification *notificati
 
 void DemoHostDelegate::notifyTextBundleAvailable(BMI18NNotification *)
 {
-    record(QStringLiteral("notification: %1").arg(QLatin1String(kTextBundleAvailable)));
+    const QString source = textsSource();
+    record(QStringLiteral("notification: %1; %2").arg(QLatin1String(kTextBundleAvailable), source));
     Q_EMIT textBundleRefreshed(true);
+    Q_EMIT textsSourceChanged(source);
 }
 
 void DemoHostDelegate::notifyTextBundleNotAvailable(BMI18NNotification *)
 {
-    record(QStringLiteral("notification: %1").arg(QLatin1String(kTextBundleNotAvailable)));
+    const QString source = textsSource();
+    record(QStringLiteral("notification: %1; %2").arg(QLatin1String(kTextBundleNotAvailable), source));
     Q_EMIT textBundleRefreshed(false);
+    Q_EMIT textsSourceChanged(source);
 }
 
 void DemoHostDelegate::notifyLanguageChange(BMLanguageChangeNotification *)
 {
     record(QStringLiteral("notification: %1 %2")
                .arg(QLatin1String(kLanguageChange), BMI18NManager::sharedInstance()->currentLanguage()));
+    Q_EMIT textsSourceChanged(textsSource());
 }

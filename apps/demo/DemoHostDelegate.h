@@ -33,6 +33,11 @@ public:
     // Every line so far, oldest first; the log view keeps only the newest.
     QStringList events() const { return m_events; }
     int count(const QString &prefix) const;
+    // Where the texts on screen come from: "Texts (es): 10 downloaded
+    // (service http://127.0.0.1:8099), the rest built in". The sample
+    // bundles keep the built-in texts' lengths, so this, not the texts,
+    // tells a person which source is in use.
+    static QString textsSource();
 
     void wifiScanVCViewDidLoad(BMWifiScanVC *vc) override;
     void wifiScanVCViewWillAppear(BMWifiScanVC *vc) override;
@@ -63,6 +68,8 @@ Q_SIGNALS:
     void menuRequested();
     // A refresh of the texts ended; available tells how.
     void textBundleRefreshed(bool available);
+    // After a refresh or a change of language: textsSource() now.
+    void textsSourceChanged(const QString &source);
 
 private:
     void record(const QString &line);

@@ -1,13 +1,10 @@
 #include "DemoMenu.h"
 
 #include "DemoEventLog.h"
-#include "DemoReports.h"
 #include "core/BMLogger.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/views/NavigationController.h"
 #include "popups/FZOptionsPopup.h"
-#include "screens/results/FZCompareSpotsSetsViewController.h"
-#include "screens/results/FZSpotsSetViewController.h"
 #include "session/BMWifiScanVC.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 
@@ -21,7 +18,6 @@ DemoMenu::DemoMenu(Brightmere::NavigationController *navigation, BMWifiScanVC *s
     , m_navigation(navigation)
     , m_scan(scan)
     , m_log(log)
-    , m_reportsFolder(DemoReports::defaultFolder())
 {
 }
 
@@ -38,10 +34,6 @@ FZOptionsPopup *DemoMenu::show()
         i18n->getLanguageDescription(QStringLiteral("en")),
         i18n->getLanguageDescription(QStringLiteral("es")),
         BMI18NManager::stringForCode(QStringLiteral("demo_event_log")),
-        BMI18NManager::stringForCode(QStringLiteral("demo_export_csv")),
-        BMI18NManager::stringForCode(QStringLiteral("demo_export_pdf")),
-        BMI18NManager::stringForCode(QStringLiteral("demo_back_up_saved_runs")),
-        BMI18NManager::stringForCode(QStringLiteral("demo_restore_saved_runs")),
         BMI18NManager::stringForCode(QStringLiteral("cancel")),
     });
     QPointer<DemoMenu> self(this);
@@ -71,18 +63,6 @@ bool DemoMenu::choose(int option)
         if (m_log)
             m_log->setExpanded(!m_log->isExpanded());
         return m_log != nullptr;
-    case ExportCsv:
-        return exportShown(false);
-    case ExportPdf:
-        return exportShown(true);
-    case BackUp:
-    case Restore: {
-        const DemoReports reports(m_reportsFolder);
-        const DemoReports::Outcome outcome = option == BackUp ? reports.backUp() : reports.restoreNewest();
-        if (m_log)
-            m_log->append(QStringLiteral("host: ") + outcome.message);
-        return outcome.ok;
-    }
     case Cancel:
         return true;
     default:
@@ -114,24 +94,4 @@ bool DemoMenu::setLanguage(const QString &code)
         return false;
     }
     return true;
-}
-
-bool DemoMenu::exportShown(bool pdf)
-{
-    const DemoReports reports(m_reportsFolder);
-    Brightmere::ViewController *top = m_navigation ? m_navigation->topViewController() : nullptr;
-    DemoReports::Outcome outcome;
-    if (auto *compare = qobject_cast<FZCompareSpotsSetsViewController *>(top); compare && compare->spotsSetsComparison()) {
-        const FZResultSpotsSetsComparison &comparison = *compare->spotsSetsComparison();
-        outcome = pdf ? reports.exportComparisonPdf(comparison) : reports.exportComparisonCsv(comparison);
-    } else {
-        auto *shown = qobject_cast<FZSpotsSetViewController *>(top);
-        FZHistoricalResultSpotsSet::Ptr set = shown ? shown->spotsSet() : nullptr;
-        if (!set)
-            set = FZHistoricalResultSpotsSet::allSpotsSets().value(0); // the newest
-        outcome = pdf ? reports.exportSetPdf(set) : reports.exportSetCsv(set);
-    }
-    if (m_log)
-        m_log->append(QStringLiteral("host: ") + outcome.message);
-    return outcome.ok;
 }

@@ -15,8 +15,8 @@ class NavigationController;
 
 // The host's own menu, opened from the test screen's menu controls: the two
 // settings screens and the saved sets (each by its storyboard segue, pushed
-// over the test screen), the language, the event log strip, and reports and
-// backups into the host's folder (their outcome goes to the event log).
+// over the test screen), the language and the event log strip. Reports and
+// backups are offered where their data is shown (DemoReportActions).
 class DemoMenu : public QObject
 {
     Q_OBJECT
@@ -30,10 +30,6 @@ public:
         English,
         Spanish,
         EventLog,
-        ExportCsv,
-        ExportPdf,
-        BackUp,
-        Restore,
         Cancel,
     };
 
@@ -51,17 +47,9 @@ public:
     // setCurrentLanguage, then a refresh of the texts from the service.
     bool setLanguage(const QString &code);
 
-    // Where reports and backups go; DemoReports::defaultFolder() unless set.
-    QString reportsFolder() const { return m_reportsFolder; }
-    void setReportsFolder(const QString &folder) { m_reportsFolder = folder; }
-    // A CSV or PDF of the set on the spots set screen, or of the comparison
-    // on the compare screen; otherwise of the newest saved set.
-    bool exportShown(bool pdf);
-
 private:
     QPointer<Brightmere::NavigationController> m_navigation;
     QPointer<BMWifiScanVC> m_scan;
     QPointer<DemoEventLog> m_log;
     QPointer<FZOptionsPopup> m_popup;
-    QString m_reportsFolder;
 };

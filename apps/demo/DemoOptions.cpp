@@ -17,6 +17,8 @@ struct Parser
     QCommandLineOption tester{QStringLiteral("tester"),
                               QStringLiteral("Measure real download throughput from this http(s) address."),
                               QStringLiteral("URL")};
+    QCommandLineOption anyLink{QStringLiteral("any-link"),
+                               QStringLiteral("With --tester: measure over any link (wired, loopback); the Wi-Fi shown stays the simulated one.")};
     QCommandLineOption i18n{QStringLiteral("i18n-service"), QStringLiteral("Fetch the texts from this localisation service."),
                             QStringLiteral("URL")};
     QCommandLineOption walkthrough{QStringLiteral("walkthrough"),
@@ -30,7 +32,7 @@ struct Parser
     Parser()
     {
         parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
-        parser.addOptions({customer, password, tester, i18n, walkthrough, screenshot, help});
+        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, help});
     }
 };
 
@@ -77,6 +79,9 @@ DemoOptions DemoOptions::parse(const QStringList &arguments, const QProcessEnvir
                                QStringLiteral("--tester"), options.errors);
     options.i18nServiceUrl = webUrl(pick(p.parser, p.i18n, environment, "BRIGHTMERE_I18N_URL"),
                                     QStringLiteral("--i18n-service"), options.errors);
+    options.anyLink = p.parser.isSet(p.anyLink);
+    if (options.anyLink && options.testerUrl.isEmpty() && options.errors.isEmpty())
+        options.errors << QStringLiteral("--any-link goes with --tester");
     options.walkthroughDir = p.parser.value(p.walkthrough);
     options.screenshotPath = p.parser.value(p.screenshot);
     if (!options.walkthroughDir.isEmpty() && !options.screenshotPath.isEmpty())

@@ -15,6 +15,10 @@ public:
     QString password;
     // Empty: the simulated home network.
     QUrl testerUrl;
+    // With a tester: measure over whatever link this machine has (a wired
+    // desktop, loopback) while the network shown stays the simulated Wi-Fi,
+    // since the test screen starts only on Wi-Fi.
+    bool anyLink = false;
     // Empty: the built-in texts (or BRIGHTMERE_SERVER_URL when set).
     QUrl i18nServiceUrl;
     // Non-empty: the headless walkthrough writes its pictures here.

@@ -178,6 +178,9 @@ DemoReports::Outcome DemoReports::restoreNewest() const
     const FZReportResult result = FZSpotsSetsBackup::restoreBackup(path);
     Outcome outcome = fromResult(result, path, QStringLiteral("restored"));
     if (result.isOk()) {
+        outcome.added = int(result.addedTitles().size());
+        outcome.skipped = int(result.skippedTitles().size());
+        outcome.renamed = int(result.renamedTitles().size());
         outcome.message = QStringLiteral("restored %1: %2 added, %3 already there, %4 renamed")
                               .arg(QDir::toNativeSeparators(path))
                               .arg(result.addedTitles().size())

@@ -21,6 +21,10 @@ public:
         bool ok = false;
         QString path;     // the file written or read; empty when none was
         QString message;  // one line for the event log: what was done, or why not
+        // A restore's sets: added, already stored, stored under a new title.
+        int added = 0;
+        int skipped = 0;
+        int renamed = 0;
     };
 
     // The backup files this host writes and restores: "saved-runs <time>.json".

@@ -4,7 +4,9 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoReportActions.h"
 #include "DemoReports.h"
+#include "BMSpeedSource.h"
 #include "DemoWindow.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSimulatedNetwork.h"
@@ -12,7 +14,11 @@
 #include "model/BMSDKUISettings.h"
 #include "model/FZResultSpotsSetsComparison.h"
 #include "platform/foundation/UserDefaults.h"
+#include "platform/views/Alert.h"
 #include "platform/views/BarButtonItem.h"
+#include "platform/views/KeyWindow.h"
+#include "platform/views/NavigationBar.h"
+#include "platform/views/NavigationItem.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/PageControl.h"
 #include "platform/views/ScrollView.h"
@@ -32,11 +38,13 @@
 
 #include <QAbstractAnimation>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
 
 namespace {
 
@@ -44,6 +52,8 @@ namespace {
 const QList<double> kFirstRunTrace{8.0, 12.0, 30.0, 45.0};
 // After moving the router every room is faster.
 const QList<double> kSecondRunTrace{22.0, 35.0, 48.0, 60.0};
+// What the speed source lets through in the walk against it.
+constexpr double kSpeedSourceMbps = 24.0;
 // Popup options as the kit numbers them (0 is the title).
 constexpr int kReplaceOption = 4;
 constexpr int kConfirmDeleteOption = 3;
@@ -233,6 +243,65 @@ bool DemoWalkthrough::renameSpot(int row, const QString &name)
     return scan->session()->recordedSpeeds().value(row) && scan->session()->recordedSpeeds().at(row)->label() == name;
 }
 
+bool DemoWalkthrough::tapShareButton()
+{
+    settle();
+    Brightmere::ViewController *screen = m_window->navigation()->topViewController();
+    const QList<QToolButton *> buttons = m_window->navigation()->navigationBar()->rightButtons();
+    Brightmere::BarButtonItem *item = screen ? screen->navigationItem()->rightBarButtonItem() : nullptr;
+    if (!item || item->objectName() != u"demoShareButton" || buttons.isEmpty())
+        return false;
+    buttons.constFirst()->click();
+    settle();
+    return true;
+}
+
+QString DemoWalkthrough::closeSavedAlert()
+{
+    settle();
+    Brightmere::Alert *alert = Brightmere::Alert::shownAlert(m_window);
+    if (!alert)
+        return {};
+    alert->buttons().constLast()->click(); // OK
+    settle();
+    return m_lastReport;
+}
+
+QString DemoWalkthrough::reportFromScreen(int option, QString &detail)
+{
+    m_lastReport.clear();
+    if (!tapShareButton() || !choose(visibleOptionsPopup(), option)) {
+        detail = QStringLiteral("no share button or no such option");
+        return {};
+    }
+    Brightmere::Alert *alert = Brightmere::Alert::shownAlert(m_window);
+    detail = alert ? QStringLiteral("\"%1\": %2").arg(alert->title(), QString(alert->message()).replace(u'\n', u' '))
+                   : QStringLiteral("no alert after the export");
+    snapStep();
+    const QString path = closeSavedAlert();
+    if (!path.isEmpty()) {
+        m_files << path;
+        detail += QStringLiteral(" (%1 bytes)").arg(QFileInfo(path).size());
+    }
+    return alert ? path : QString();
+}
+
+void DemoWalkthrough::realTime(double seconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    double followed = 0.0;
+    while (followed < seconds) {
+        QEventLoop loop;
+        QTimer::singleShot(20, &loop, &QEventLoop::quit);
+        loop.exec();
+        const double now = double(timer.nsecsElapsed()) / 1e9;
+        m_clock.advance(now - followed);
+        followed = now;
+    }
+    settle();
+}
+
 QString DemoWalkthrough::spotsLine() const
 {
     QStringList spots;
@@ -272,6 +341,11 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
     m_withService = !options.i18nServiceUrl.isEmpty();
     QObject::connect(window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed, window,
                      [this](bool ok) { m_textsAnswer = ok; });
+    // Reports go beside the pictures; share shows its way out where nothing takes mail.
+    window->reportActions()->setFolder(m_folder.path());
+    window->reportActions()->setMailAvailability([] { return false; });
+    QObject::connect(window->reportActions(), &DemoReportActions::done, window,
+                     [this](bool, const QString &path) { m_lastReport = path; });
     BMWifiScanVC *scan = window->scan();
     BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
     // The tour shows every confirmation.
@@ -410,6 +484,12 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              detail = QStringLiteral("%1 sorted: %2").arg(set->spotsSet()->name(), spots.join(QStringLiteral(", ")));
              return set->spotsSet()->name() == u"Ground floor" && set->spotsSet()->isSortedAscending() == 1;
          }},
+        // Reports from the screen that shows the data: its share button.
+        {QStringLiteral("set-csv"),
+         [&](QString &detail) {
+             const QString path = reportFromScreen(DemoReportActions::ExportCsv, detail);
+             return !path.isEmpty() && path.endsWith(u".csv") && QFileInfo(path).fileName().startsWith(u"Ground floor");
+         }},
         {QStringLiteral("compare"),
          [&](QString &detail) {
              window->navigation()->popViewControllerAnimated(false);
@@ -443,35 +523,53 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                           .arg(comparison->excludeIdenticalMatches() ? u"on" : u"off");
              return comparison->excludeIdenticalMatches() != hiding && comparison->count() == 2;
          }},
-        // Reports and backups while the compare screen shows both sets.
-        {QStringLiteral("export-csv"),
+        {QStringLiteral("compare-csv"),
          [&](QString &detail) {
-             auto *compare = top<FZCompareSpotsSetsViewController>();
-             if (!compare || !compare->spotsSetsComparison())
-                 return false;
-             const DemoReports reports(m_folder.path());
-             const auto set = reports.exportSetCsv(FZHistoricalResultSpotsSet::spotsSetWithName(QStringLiteral("Ground floor")));
-             const auto pair = reports.exportComparisonCsv(*compare->spotsSetsComparison());
-             detail = QStringLiteral("%1, %2").arg(fileLine(set), fileLine(pair));
-             m_files << set.path << pair.path;
-             return set.ok && pair.ok && QFileInfo(set.path).size() > 0 && QFileInfo(pair.path).size() > 0;
+             const QString path = reportFromScreen(DemoReportActions::ExportCsv, detail);
+             QFile file(path);
+             // The row of the room measured in both runs, as the compare table shows it.
+             return !path.isEmpty() && file.open(QIODevice::ReadOnly)
+                 && file.readAll().contains("\r\nKitchen,12.00,22.00,10.00,83.33");
          }},
-        {QStringLiteral("export-pdf"),
+        {QStringLiteral("compare-pdf"),
          [&](QString &detail) {
-             auto *compare = top<FZCompareSpotsSetsViewController>();
-             if (!compare || !compare->spotsSetsComparison())
+             const QString path = reportFromScreen(DemoReportActions::ExportPdf, detail);
+             return path.endsWith(u".pdf") && QFileInfo(path).fileName().startsWith(u"Ground floor vs After moving router");
+         }},
+        // Where nothing takes mail, share says so and saves the text instead.
+        {QStringLiteral("share-without-mail"),
+         [&](QString &detail) {
+             if (!tapShareButton() || !choose(visibleOptionsPopup(), DemoReportActions::Share))
                  return false;
-             const auto pdf = DemoReports(m_folder.path()).exportComparisonPdf(*compare->spotsSetsComparison());
-             detail = fileLine(pdf);
-             m_files << pdf.path;
-             return pdf.ok && QFileInfo(pdf.path).size() > 0;
+             Brightmere::Alert *offer = Brightmere::Alert::shownAlert(window);
+             if (!offer) {
+                 detail = QStringLiteral("no alert: the share failed silently");
+                 return false;
+             }
+             detail = QStringLiteral("\"%1\": %2").arg(offer->title(), offer->buttonTitles().join(QStringLiteral(", ")));
+             snapStep();
+             offer->buttons().value(1)->click(); // save to file
+             const QString path = window->reportActions()->share() ? window->reportActions()->share()->savedPath() : QString();
+             const QString saved = closeSavedAlert();
+             m_files << path;
+             detail += QStringLiteral("; saved %1").arg(QFileInfo(path).fileName());
+             return !path.isEmpty() && saved == path && QFileInfo(path).size() > 0;
          }},
         {QStringLiteral("backup"),
          [&](QString &detail) {
-             const auto backup = DemoReports(m_folder.path()).backUp();
-             detail = fileLine(backup);
-             m_files << backup.path;
-             return backup.ok;
+             window->navigation()->popViewControllerAnimated(false);
+             auto *list = top<FZSavedSpotsViewController>();
+             if (!list)
+                 return false;
+             list->cancelCompareButton()->trigger();
+             list->optionsButton()->trigger();
+             if (!choose(visibleOptionsPopup(), DemoReportActions::BackUp))
+                 return false;
+             snapStep();
+             const QString path = closeSavedAlert();
+             m_files << path;
+             detail = path.isEmpty() ? QStringLiteral("no backup written") : QFileInfo(path).fileName();
+             return path.endsWith(u".json");
          }},
         {QStringLiteral("restore"),
          [&](QString &detail) {
@@ -481,28 +579,33 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                  detail = QStringLiteral("the store could not be emptied");
                  return false;
              }
-             const auto restored = DemoReports(m_folder.path()).restoreNewest();
+             auto *list = top<FZSavedSpotsViewController>();
+             if (!list)
+                 return false;
+             list->optionsButton()->trigger();
+             choose(visibleOptionsPopup(), DemoReportActions::Restore);
+             Brightmere::Alert *alert = Brightmere::Alert::shownAlert(window);
+             snapStep();
              int same = 0;
              for (const auto &set : saved) {
                  const auto back = FZHistoricalResultSpotsSet::spotsSetWithName(set->name());
                  same += back && FZSpotsSetsBackup::hasSameContent(*back, *set) ? 1 : 0;
              }
-             const int now = int(FZHistoricalResultSpotsSet::allSpotsSets().size());
-             detail = QStringLiteral("into an empty store: %1 of %2 sets back as saved, %3 stored")
+             detail = QStringLiteral("into an empty store: %1 of %2 sets back as saved, %3 listed; \"%4\"")
                           .arg(same)
                           .arg(saved.size())
-                          .arg(now);
-             if (!restored.ok)
-                 detail += QStringLiteral("; ") + restored.message;
-             return restored.ok && saved.size() == 2 && same == saved.size() && now == saved.size();
+                          .arg(list->allSpotsSets().size())
+                          .arg(alert ? alert->message() : QString());
+             if (alert)
+                 alert->pressButtonAt(0);
+             settle();
+             return alert && saved.size() == 2 && same == saved.size() && list->allSpotsSets().size() == saved.size();
          }},
         {QStringLiteral("continue-recording"),
          [&](QString &detail) {
-             window->navigation()->popViewControllerAnimated(false);
              auto *list = top<FZSavedSpotsViewController>();
              if (!list)
                  return false;
-             list->cancelCompareButton()->trigger();
              list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
              auto *set = top<FZSpotsSetViewController>();
              if (!set)
@@ -552,6 +655,49 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                                              : QString());
              return BMI18NManager::sharedInstance()->currentLanguage() == u"es" && spanish != english
                  && scan->historyButton()->title() == spanish && refreshed;
+         }},
+        // A short walk measured for real: the speed source on 127.0.0.1, its
+        // bytes downloaded by the system tester while the clock follows real
+        // time; the network shown stays the simulated one.
+        {QStringLiteral("speed-source-walk"),
+         [&](QString &detail) {
+             BMSpeedSource source;
+             source.setClock(&m_clock);
+             source.setBytesPerSecond(kSpeedSourceMbps * 1e6 / 8.0);
+             if (source.listen(QHostAddress::LocalHost, 0) == 0) {
+                 detail = QStringLiteral("the speed source could not listen on 127.0.0.1");
+                 return false;
+             }
+             const QUrl url = source.streamUrls().value(0);
+             // The test screen makes its tester when it loads: a window of its own.
+             BMSDKBackend::setTesterKind(BMSDKBackend::Kind::System);
+             BMSDKBackend::setSystemDownloadUrl(url);
+             DemoWindow walker{DemoOptions()};
+             DemoWindow *const tour = m_window;
+             m_window = &walker;
+             walker.show();
+             BMWifiScanVC *real = walker.scan();
+             real->actStartStop();
+             realTime(1.5);
+             for (int spot = 0; spot < 2; ++spot) {
+                 real->actRecordResetTouchDown();
+                 realTime(1.0);
+                 real->actRecordResetTouchUp(true);
+                 realTime(0.5);
+             }
+             snapStep();
+             real->actStartStop();
+             settle();
+             BMSDKBackend::setTesterKind(std::nullopt);
+             detail = QStringLiteral("%1: %2; the source sent %3 bytes")
+                          .arg(url.toString(), spotsLine())
+                          .arg(source.bytesSent());
+             m_spotTables << QStringLiteral("speed source walk: ") + spotsLine();
+             const auto spots = real->recordedSpeeds();
+             m_window = tour;
+             Brightmere::KeyWindow::makeKeyWindow(tour);
+             return spots.size() == 2 && spots.at(0)->speedInMbps() > 0.0 && spots.at(1)->speedInMbps() > 0.0
+                 && source.bytesSent() > 0;
          }},
     };
 

@@ -72,6 +72,16 @@ private:
     FZOptionsPopup *visibleOptionsPopup() const;
     bool renameSpot(int row, const QString &name);
     bool saveRunAs(const QString &title, QString &detail);
+    // A tap on the share button in the bar of the screen on top.
+    bool tapShareButton();
+    // Share button, then the option; pictures the alert that tells where the
+    // file went and closes it. The file's path, empty when none was written.
+    QString reportFromScreen(int option, QString &detail);
+    // Closes the "saved" alert shown; the path of the file it told of.
+    QString closeSavedAlert();
+    // Lets the backend's clock follow real time for a while, so a real
+    // download is measured against the time it really took.
+    void realTime(double seconds);
     // Forget the last answer of the localisation service, before asking it
     // again; waitForTexts() then waits for the next one (or has it already).
     void expectTexts();
@@ -98,4 +108,6 @@ private:
     QStringList m_compareTable;
     // Reports and the backup written into the folder.
     QStringList m_files;
+    // The file of the host's last report.
+    QString m_lastReport;
 };

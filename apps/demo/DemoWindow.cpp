@@ -4,8 +4,11 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoReportActions.h"
 #include "platform/views/KeyWindow.h"
+#include "platform/views/NavigationBar.h"
 #include "platform/views/NavigationController.h"
+#include "platform/views/Storyboard.h"
 #include "session/BMWifiScanVC.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -39,6 +42,12 @@ DemoWindow::DemoWindow(const DemoOptions &options, Brightmere::Storyboard *story
 
     m_menu = new DemoMenu(m_navigation, m_scan, m_log, this);
     connect(m_delegate, &DemoHostDelegate::menuRequested, m_menu, [this] { m_menu->show(); });
+    m_reports = new DemoReportActions(m_log, this);
+    m_reports->registerOn(storyboard ? storyboard : Brightmere::Storyboard::main());
+
+    Brightmere::NavigationBar *bar = m_navigation->navigationBar();
+    bar->setToolTip(DemoHostDelegate::textsSource());
+    connect(m_delegate, &DemoHostDelegate::textsSourceChanged, bar, &QWidget::setToolTip);
 
     resize(kWidth, kHeight);
     // Popups and alerts of the kit cover the whole window.

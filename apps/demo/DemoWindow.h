@@ -7,6 +7,7 @@ class DemoEventLog;
 class DemoHostDelegate;
 class DemoMenu;
 class DemoOptions;
+class DemoReportActions;
 
 namespace Brightmere {
 class NavigationController;
@@ -16,7 +17,9 @@ class Storyboard;
 // The demo host's phone-sized window, built the way a customer's application
 // embeds the kit: a navigation stack with the test screen at its root, the
 // customer's name and password handed to the screen, the host's delegate and
-// subscriptions, the host menu, and the event log strip under the screens.
+// subscriptions, the host menu, reports on the saved-results screens, and
+// the event log strip under the screens. The bar's tooltip says where the
+// texts on screen came from.
 class DemoWindow : public QWidget
 {
     Q_OBJECT
@@ -35,6 +38,7 @@ public:
     DemoEventLog *eventLog() const { return m_log; }
     DemoHostDelegate *hostDelegate() const { return m_delegate; }
     DemoMenu *menu() const { return m_menu; }
+    DemoReportActions *reportActions() const { return m_reports; }
 
 private:
     Brightmere::NavigationController *m_navigation = nullptr;
@@ -42,4 +46,5 @@ private:
     DemoEventLog *m_log = nullptr;
     DemoHostDelegate *m_delegate = nullptr;
     DemoMenu *m_menu = nullptr;
+    DemoReportActions *m_reports = nullptr;
 };

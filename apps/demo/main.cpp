@@ -5,6 +5,7 @@
 //   brightmere_demo                      interactive, in a phone-sized window
 //   brightmere_demo --walkthrough DIR    headless tour, pictures into DIR
 //   brightmere_demo --screenshot FILE    one picture of a running test
+//   brightmere_demo --tester URL         measure real downloads (on Wi-Fi)
 //
 // The customer's name and password come from --customer/--password or
 // BRIGHTMERE_CUSTOMER/BRIGHTMERE_PASSWORD; the password goes to the screen
@@ -55,7 +56,11 @@ int main(int argc, char *argv[])
         if (!walkthrough->isReady())
             return 1;
     } else if (!options.testerUrl.isEmpty()) {
-        BMSDKBackend::setKind(BMSDKBackend::Kind::System);
+        // --any-link: the real download over whatever link there is, the simulated Wi-Fi around it.
+        if (options.anyLink)
+            BMSDKBackend::setTesterKind(BMSDKBackend::Kind::System);
+        else
+            BMSDKBackend::setKind(BMSDKBackend::Kind::System);
         BMSDKBackend::setSystemDownloadUrl(options.testerUrl);
     }
 

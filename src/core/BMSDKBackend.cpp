@@ -13,6 +13,7 @@ constexpr quint32 kDefaultSeed = 2001;
 struct Settings
 {
     BMSDKBackend::Kind kind = BMSDKBackend::Kind::Simulated;
+    std::optional<BMSDKBackend::Kind> testerKind;
     Brightmere::Clock *clock = nullptr;
     double sampleInterval = kDefaultSampleInterval;
     QList<double> trace;
@@ -44,6 +45,18 @@ void BMSDKBackend::setKind(Kind kind)
 {
     QMutexLocker lock(&settingsMutex());
     settings().kind = kind;
+}
+
+BMSDKBackend::Kind BMSDKBackend::testerKind()
+{
+    QMutexLocker lock(&settingsMutex());
+    return settings().testerKind.value_or(settings().kind);
+}
+
+void BMSDKBackend::setTesterKind(std::optional<Kind> kind)
+{
+    QMutexLocker lock(&settingsMutex());
+    settings().testerKind = kind;
 }
 
 Brightmere::Clock &BMSDKBackend::clock()

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <optional>
+
 namespace Brightmere {
 class Clock;
 }
@@ -19,6 +21,11 @@ public:
 
     static Kind kind();
     static void setKind(Kind kind);
+    // Which tester the factory makes: the world's kind unless set. A host
+    // trying a real download on a machine that is not on Wi-Fi (a wired
+    // desktop, loopback) keeps the simulated network and sets System here.
+    static Kind testerKind();
+    static void setTesterKind(std::optional<Kind> kind);
 
     // The time source of testers and of everything that paces by time; the
     // system clock unless one was set (the caller keeps it alive).

@@ -22,7 +22,7 @@ std::unique_ptr<BMWiFiTester> BMTesterFactory::createWiFiTesterWithSDKCustomer(c
         logger.logFromModule(kModule, 3, "No SDK password given; the tester is made all the same");
 
     std::unique_ptr<BMWiFiTester> tester;
-    const bool simulated = BMSDKBackend::kind() == BMSDKBackend::Kind::Simulated;
+    const bool simulated = BMSDKBackend::testerKind() == BMSDKBackend::Kind::Simulated;
     if (simulated)
         tester = std::make_unique<BMSimulatedWiFiTester>();
     else

@@ -2,26 +2,40 @@
 #include "DemoHostDelegate.h"
 #include "DemoMenu.h"
 #include "DemoOptions.h"
+#include "DemoReportActions.h"
 #include "DemoReports.h"
+#include "BMLocalisationService.h"
 #include "DemoWalkthrough.h"
 #include "DemoWindow.h"
 #include "../reports/ReportFixtures.h"
 #include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
+#include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/ManualClock.h"
+#include "platform/views/Alert.h"
 #include "platform/views/BarButtonItem.h"
+#include "platform/views/NavigationBar.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/Storyboard.h"
 #include "popups/FZOptionsPopup.h"
 #include "reports/FZSpotsSetsBackup.h"
+#include "screens/results/FZCompareSpotsSetsViewController.h"
+#include "screens/results/FZSavedSpotsViewController.h"
 #include "screens/results/FZSpotsSetViewController.h"
+#include "platform/views/TableView.h"
 #include "session/BMWifiScanVC.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 #include "ui/BMScreenChangeNotification.h"
 
+#include <QClipboard>
 #include <QDir>
+#include <QGuiApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QToolButton>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -74,6 +88,8 @@ private Q_SLOTS:
             << "http://127.0.0.1/f" << "out" << 1;
         QTest::newRow("walkthrough and screenshot") << QStringList{"--walkthrough", "out", "--screenshot", "a.png"}
                                                     << QStringList{} << "demo" << "" << "" << "out" << 1;
+        QTest::newRow("any link needs a tester") << QStringList{"--any-link"} << QStringList{} << "demo" << "" << ""
+                                                 << "" << 1;
         QTest::newRow("unknown option") << QStringList{"--fast"} << QStringList{} << "demo" << "" << "" << "" << 1;
         QTest::newRow("stray argument") << QStringList{"extra"} << QStringList{} << "demo" << "" << "" << "" << 1;
     }
@@ -177,62 +193,89 @@ private Q_SLOTS:
         QTEST(BMI18NManager::sharedInstance()->currentLanguage(), "language");
     }
 
-    // What the menu's report entries write into the host's folder, and what
-    // the event log then says. "shown" puts the spots set screen of that set
-    // on top; otherwise the newest set is the one exported.
-    void menuReports_data()
+    // Reports where the data is, as a person gets them: the share button
+    // in the bar, an option of its popup, then the alert that says where the
+    // file went (or what to do instead of mail); the saved list's options
+    // back up and restore.
+    void reportsWhereTheDataIs_data()
     {
-        QTest::addColumn<QList<int>>("options");
-        QTest::addColumn<bool>("withSets");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<bool>("ok");          // of the last option
-        QTest::addColumn<QString>("file");     // a file the folder must hold, by prefix and suffix
-        QTest::addColumn<QString>("logLine");  // part of the last event log line
-        const int csv = DemoMenu::ExportCsv, pdf = DemoMenu::ExportPdf, backUp = DemoMenu::BackUp,
-                  restore = DemoMenu::Restore;
-        QTest::newRow("CSV of the newest set") << QList<int>{csv} << true << "" << true << "Upstairs *.csv"
-                                               << "CSV written";
-        QTest::newRow("PDF of the set shown") << QList<int>{pdf} << true << "Flat, 2/3" << true << "Flat, 2_3 *.pdf"
-                                              << "PDF report written";
-        QTest::newRow("CSV with nothing saved") << QList<int>{csv} << false << "" << false << "" << "no saved set";
-        QTest::newRow("backup") << QList<int>{backUp} << true << "" << true << "saved-runs *.json" << "backup written";
-        QTest::newRow("restore without a backup") << QList<int>{restore} << true << "" << false << ""
-                                                  << "no backup";
-        QTest::newRow("restore over the same sets adds nothing")
-            << QList<int>{backUp, restore} << true << "" << true << "saved-runs *.json"
-            << "0 added, 2 already there, 0 renamed";
+        QTest::addColumn<QString>("screen");  // "set", "compare" or "list"
+        QTest::addColumn<int>("option");
+        QTest::addColumn<QString>("press");   // the alert's button pressed first, if any
+        QTest::addColumn<QString>("alert");   // title of the alert left shown
+        QTest::addColumn<QString>("file");    // the one file the folder then holds
+        const int csv = DemoReportActions::ExportCsv, pdf = DemoReportActions::ExportPdf,
+                  share = DemoReportActions::Share;
+        QTest::newRow("set CSV") << "set" << csv << "" << "Saved" << "Flat, 2_3 *.csv";
+        QTest::newRow("set PDF") << "set" << pdf << "" << "Saved" << "Flat, 2_3 *.pdf";
+        QTest::newRow("comparison CSV") << "compare" << csv << "" << "Saved" << "Upstairs vs Flat, 2_3 *.csv";
+        QTest::newRow("comparison PDF") << "compare" << pdf << "" << "Saved" << "Upstairs vs Flat, 2_3 *.pdf";
+        QTest::newRow("no mail: say so") << "set" << share << "" << "No mail program" << "";
+        QTest::newRow("no mail: save the text") << "compare" << share << "Save to file" << "Saved"
+                                                << "Upstairs vs Flat, 2_3 *.txt";
+        QTest::newRow("no mail: copy the text") << "set" << share << "Copy text" << "The text is on the clipboard." << "";
+        QTest::newRow("a folder that cannot be made") << "set" << csv << "" << "Not saved" << "";
+        QTest::newRow("backup") << "list" << int(DemoReportActions::BackUp) << "" << "Saved" << "saved-runs *.json";
+        QTest::newRow("restore without a backup") << "list" << int(DemoReportActions::Restore) << "" << "Nothing restored"
+                                                  << "";
     }
-    void menuReports()
+    void reportsWhereTheDataIs()
     {
-        QFETCH(QList<int>, options);
-        QFETCH(bool, withSets);
-        QFETCH(QString, shown);
+        QFETCH(QString, screen);
+        QFETCH(int, option);
+        QFETCH(QString, press);
         QFETCH(QString, file);
-        QTemporaryDir folder;
-        if (withSets) {
-            QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Flat, 2/3", {"Hall", "Desk"})));
-            QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(
-                ReportFixtures::makeSet("Upstairs", {"Hall", "Bed"}, {}, 1)));
-        }
+        QTemporaryDir home;
+        const QString folder = home.filePath("reports");
+        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Flat, 2/3", {"Hall", "Desk"})));
+        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Upstairs", {"Hall", "Bed"}, {}, 1)));
+        if (QByteArray(QTest::currentDataTag()).startsWith("a folder"))
+            QVERIFY(QFile(folder).open(QIODevice::WriteOnly)); // a file where the folder should be
         auto window = makeWindow(DemoOptions());
+        window->reportActions()->setFolder(folder);
+        window->reportActions()->setMailAvailability([] { return false; });
         window->show();
-        window->menu()->setReportsFolder(folder.filePath("reports"));
-        if (!shown.isEmpty()) {
-            auto *screen = new FZSpotsSetViewController;
-            screen->setSpotsSet(FZHistoricalResultSpotsSet::spotsSetWithName(shown));
-            window->navigation()->pushViewController(screen, false);
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+
+        // Down the storyboard as the test screen goes, so the host's additions come along.
+        window->scan()->performSegueWithIdentifier(BMSDKUIStoryboard::kShowSavedSpotsSegue, nullptr);
+        auto *list = top<FZSavedSpotsViewController>(*window);
+        QVERIFY(list);
+        if (screen == u"set") {
+            list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+        } else if (screen == u"compare") {
+            list->enableCompareSetsMode();
+            list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+            list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+            list->forwardButton()->trigger();
         }
-        bool done = false;
-        for (int option : options)
-            done = window->menu()->choose(option);
-        QTEST(done, "ok");
-        QFETCH(QString, logLine);
-        QVERIFY(!window->eventLog()->lines().isEmpty());
-        QVERIFY2(window->eventLog()->lines().constLast().contains(logLine),
-                 qPrintable(window->eventLog()->lines().constLast()));
-        const QStringList written = QDir(folder.filePath("reports")).entryList(QDir::Files);
+        QVERIFY(top<Brightmere::ViewController>(*window) != list || screen == u"list");
+        const QList<QToolButton *> bar = window->navigation()->navigationBar()->rightButtons();
+        QVERIFY(!bar.isEmpty());
+        QTest::mouseClick(bar.constFirst(), Qt::LeftButton); // share button, or the list's options
+        QVERIFY(clickOption(*window, option));
+        if (!press.isEmpty())
+            QVERIFY(clickAlertButton(*window, press));
+        Brightmere::Alert *alert = Brightmere::Alert::shownAlert(window.get());
+        QVERIFY(alert);
+        QTEST(alert->title(), "alert");
+        const QStringList written = QDir(folder).entryList(QDir::Files);
         QCOMPARE(written.size(), file.isEmpty() ? 0 : 1);
-        QVERIFY2(file.isEmpty() || filesLike(folder.filePath("reports"), file).size() == 1, qPrintable(written.join(", ")));
+        if (!file.isEmpty()) {
+            QVERIFY2(filesLike(folder, file).size() == 1, qPrintable(written.join(", ")));
+            // The alert names the file and its folder; the event log says the same.
+            QVERIFY(alert->message().contains(written.constFirst()) && alert->message().contains(QDir::toNativeSeparators(folder)));
+            QVERIFY(window->eventLog()->lines().join(u'\n').contains(written.constFirst()));
+        }
+        if (press == u"Copy text")
+            QVERIFY(QGuiApplication::clipboard()->text().startsWith("Flat, 2/3\n") && QGuiApplication::clipboard()->text().contains("\nHall: 10 Mbps"));
+        if (file.endsWith(u".txt")) {
+            QFile text(QDir(folder).filePath(written.constFirst()));
+            QVERIFY(text.open(QIODevice::ReadOnly));
+            QVERIFY(text.readAll().startsWith("Upstairs vs Flat, 2/3\n"));
+        }
+        QVERIFY(clickAlertButton(*window, alert->buttonTitles().constLast()));
+        QVERIFY(!Brightmere::Alert::shownAlert(window.get()));
         window.reset();
     }
 
@@ -259,45 +302,84 @@ private Q_SLOTS:
         }
     }
 
-    // The whole tour in process: what the summary tells must match what was
-    // done, and the password given never shows.
-    void walkthroughSummary()
+    // With the localisation service running on the sample bundles, no text
+    // on any screen is cut, in either language; the bundles keep the
+    // built-in texts' lengths, and the bar's tooltip says where they came from.
+    void textsFitOnEveryScreen_data()
     {
-        LogCapture capture;
-        QString text;
-        QTextStream out(&text);
-        QTemporaryDir folder;
-        DemoWalkthrough walk(folder.path(), out);
-        QVERIFY(walk.isReady());
-        DemoOptions options;
-        options.password = QString::fromLatin1(kPassword);
-        auto window = makeWindow(options);
-        QVERIFY(walk.run(window.get(), options));
-        const QString summary = walk.summary();
-        QCOMPARE(walk.steps().size(), 22);
-        for (const DemoWalkthrough::Step &step : walk.steps())
-            QVERIFY2(QFileInfo(step.picture).size() > 10000, qPrintable(step.picture));
-        QVERIFY(QFileInfo::exists(folder.filePath("09-save-ground-floor.png")));
-        // Rows of the compare table: first set, then second, as measured.
-        QVERIFY(summary.contains("spot | Ground floor | After moving router"));
-        QVERIFY(summary.contains("Kitchen | 12.0 Mbps | 22.0 Mbps"));
-        QVERIFY(summary.contains("first run: Spot 4 16.7 Mbps, Spot 3 23.2 Mbps, Kitchen 12.0 Mbps"));
-        // Reports and a backup beside the pictures; the backup came back whole.
-        for (const char *pattern : {"Ground floor 2*.csv", "Ground floor vs After moving router *.csv",
-                                       "Ground floor vs After moving router *.pdf", "saved-runs *.json"}) {
-            const QStringList found = filesLike(folder.path(), QString::fromUtf8(pattern));
-            QVERIFY2(found.size() == 1 && QFileInfo(folder.filePath(found.constFirst())).size() > 100, pattern);
+        QTest::addColumn<QString>("language");
+        QTest::newRow("English") << "en";
+        QTest::newRow("Spanish") << "es";
+    }
+    void textsFitOnEveryScreen()
+    {
+        QFETCH(QString, language);
+        QFile bundleFile(QStringLiteral(BRIGHTMERE_BUNDLES_DIR "/%1.json").arg(language));
+        QVERIFY(bundleFile.open(QIODevice::ReadOnly));
+        const QVariantMap bundle = QJsonDocument::fromJson(bundleFile.readAll()).object().toVariantMap().value("contents").toMap();
+        QVERIFY(!bundle.isEmpty());
+        BMI18NManager *i18n = BMI18NManager::sharedInstance();
+        for (auto it = bundle.cbegin(); it != bundle.cend(); ++it) {
+            const QString builtIn = i18n->getLocalStringWithCode(it.key(), language, QString());
+            QVERIFY2(it.value().toString().size() == builtIn.size(),
+                     qPrintable(QStringLiteral("%1: \"%2\" against \"%3\"").arg(it.key(), it.value().toString(), builtIn)));
         }
-        QFile pairs(folder.filePath(filesLike(folder.path(), "Ground floor vs * *.csv").value(0)));
-        QVERIFY(pairs.open(QIODevice::ReadOnly));
-        QVERIFY(pairs.readAll().contains("\r\nKitchen,12.00,22.00,10.00,83.33"));
-        QVERIFY(summary.contains("ok    restore: into an empty store: 2 of 2 sets back as saved, 2 stored"));
-        QVERIFY(summary.contains("22 steps, 0 failed"));
-        QCOMPARE(text.count(QStringLiteral("] ok  ")), 22);
-        QVERIFY(!text.contains(QString::fromLatin1(kPassword)) && !summary.contains(QString::fromLatin1(kPassword)));
-        for (const LogCapture::Line &line : capture.lines())
-            QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
+
+        BMLocalisationService service;
+        service.setFolder(QStringLiteral(BRIGHTMERE_BUNDLES_DIR));
+        QVERIFY(service.listen() != 0);
+        BMSDKRestServiceManager::setBrightmereServerURL(service.baseUrl());
+        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Flat", {"Hall", "Desk"})));
+        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Upstairs", {"Hall", "Bed"}, {}, 1)));
+        auto window = makeWindow(DemoOptions());
+        window->show();
+        QSignalSpy refreshed(window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed);
+        i18n->setCurrentLanguage(language);
+        i18n->updateBundleTexts();
+        QTRY_VERIFY_WITH_TIMEOUT(!refreshed.isEmpty(), 10000);
+        QVERIFY(refreshed.constLast().first().toBool());
+        QVERIFY2(window->navigation()->navigationBar()->toolTip().contains(" downloaded (service " + service.baseUrl()),
+                 qPrintable(window->navigation()->navigationBar()->toolTip()));
+
+        const auto open = [&](const char *segue) {
+            window->navigation()->popToRootViewControllerAnimated(false);
+            window->scan()->performSegueWithIdentifier(QString::fromLatin1(segue), nullptr);
+        };
+        QStringList cut;
+        const auto look = [&](const QString &where) {
+            QCoreApplication::processEvents();
+            for (QWidget *widget : window->findChildren<QWidget *>()) {
+                if (!widget->isVisible() || widget->objectName().startsWith("demoEventLog"))
+                    continue;
+                const auto *label = qobject_cast<QLabel *>(widget);
+                const auto *button = qobject_cast<QAbstractButton *>(widget);
+                const QString text = label ? label->text() : button ? button->text() : QString();
+                if (text.contains(QChar(0x2026)))
+                    cut << QStringLiteral("%1: \"%2\"").arg(where, text);
+            }
+        };
+        look("test screen");
+        open(BMSDKUIStoryboard::kShowMiscellaneousSettingsSegue);
+        look("confirmations");
+        open(BMSDKUIStoryboard::kShowSpotNamesSettingsSegue);
+        look("spot names");
+        open(BMSDKUIStoryboard::kShowSavedSpotsSegue);
+        auto *list = top<FZSavedSpotsViewController>(*window);
+        QVERIFY(list);
+        look("saved list");
+        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+        look("spots set");
+        window->navigation()->popViewControllerAnimated(false);
+        list->enableCompareSetsMode();
+        look("saved list, comparing");
+        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
+        list->forwardButton()->trigger();
+        QVERIFY(top<FZCompareSpotsSetsViewController>(*window));
+        look("compare");
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(u'\n')));
         window.reset();
+        BMSDKRestServiceManager::setBrightmereServerURL(QString());
     }
 
     // A step that cannot save its picture fails, and the tour stops there.
@@ -340,6 +422,39 @@ private:
     {
         const QRegularExpression like(QRegularExpression::wildcardToRegularExpression(wildcard));
         return QDir(folder).entryList(QDir::Files).filter(like);
+    }
+
+    template<typename T>
+    static T *top(DemoWindow &window)
+    {
+        QCoreApplication::processEvents();
+        return qobject_cast<T *>(window.navigation()->topViewController());
+    }
+
+    static bool clickOption(DemoWindow &window, int option)
+    {
+        QCoreApplication::processEvents();
+        for (FZOptionsPopup *popup : window.findChildren<FZOptionsPopup *>()) {
+            for (QPushButton *button : popup->optionButtons()) {
+                if (popup->isVisible() && FZOptionsPopup::tagOf(button) == option) {
+                    QTest::mouseClick(button, Qt::LeftButton);
+                    QCoreApplication::processEvents();
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    static bool clickAlertButton(DemoWindow &window, const QString &title)
+    {
+        Brightmere::Alert *alert = Brightmere::Alert::shownAlert(&window);
+        const int index = alert ? int(alert->buttonTitles().indexOf(title)) : -1;
+        if (index < 0)
+            return false;
+        QTest::mouseClick(alert->buttons().at(index), Qt::LeftButton);
+        QCoreApplication::processEvents();
+        return true;
     }
 
     std::unique_ptr<DemoWindow> makeWindow(const DemoOptions &options)

@@ -303,11 +303,14 @@ void NavigationBar::refresh()
 
     const bool showBack = item && m_backItem && !item->leftBarButtonItem() && !item->hidesBackButton();
     if (showBack) {
+        // A title that does not fit whole is left out, as the phone does:
+        // the arrow alone (the title in its tooltip), never a cut word.
         const QString backTitle = m_backItem->title();
-        m_backButton->setText(
-            literalText(m_backButton->fontMetrics().elidedText(backTitle, Qt::ElideRight, kBackTitleMaxWidth)));
-        m_backButton->setToolButtonStyle(backTitle.isEmpty() ? Qt::ToolButtonIconOnly
-                                                             : Qt::ToolButtonTextBesideIcon);
+        const bool fits = m_backButton->fontMetrics().horizontalAdvance(backTitle) <= kBackTitleMaxWidth;
+        m_backButton->setText(literalText(fits ? backTitle : QString()));
+        m_backButton->setToolTip(fits ? QString() : backTitle);
+        m_backButton->setToolButtonStyle(!fits || backTitle.isEmpty() ? Qt::ToolButtonIconOnly
+                                                                      : Qt::ToolButtonTextBesideIcon);
     }
     m_backButton->setVisible(showBack);
     relayout();

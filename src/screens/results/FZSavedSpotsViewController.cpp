@@ -351,16 +351,27 @@ void FZSavedSpotsViewController::cancelCompare(QObject *)
 
 void FZSavedSpotsViewController::showSetsOptions(QObject *)
 {
-    FZOptionsPopup *popup = FZOptionsPopup::popupWithOptions(
-        {text("fairzones_historical_results_saved_title"), text("fairzones_historical_results_saved_compare_sets"),
-         text("cancel")},
-        FZOptionsPopup::Vertical);
+    const QStringList options = QStringList{text("fairzones_historical_results_saved_title"),
+                                            text("fairzones_historical_results_saved_compare_sets")}
+        + m_hostOptionTitles + QStringList{text("cancel")};
+    FZOptionsPopup *popup = FZOptionsPopup::popupWithOptions(options, FZOptionsPopup::Vertical);
     QPointer<FZSavedSpotsViewController> self(this);
-    popup->setOptionChosenBlock([self](int index) {
-        if (self && index == 1)
+    const qsizetype hostCount = m_hostOptionTitles.size();
+    popup->setOptionChosenBlock([self, hostCount](int index) {
+        if (!self)
+            return;
+        if (index == 1)
             self->enableCompareSetsMode();
+        else if (index >= 2 && index < 2 + hostCount && self->m_hostOptionChosen)
+            self->m_hostOptionChosen(index - 2);
     });
     popup->show();
+}
+
+void FZSavedSpotsViewController::setHostOptions(const QStringList &titles, HostOptionChosen chosen)
+{
+    m_hostOptionTitles = titles;
+    m_hostOptionChosen = std::move(chosen);
 }
 
 void FZSavedSpotsViewController::enableCompareSetsMode()

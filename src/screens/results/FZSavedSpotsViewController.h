@@ -7,6 +7,9 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 namespace Brightmere {
 class BarButtonItem;
@@ -65,6 +68,14 @@ public:
     FZHistoricalResultSpotsSet::Ptr spotsSetAtIndex(qsizetype index) const;
     qsizetype indexOfSpotsSet(const FZHistoricalResultSpotsSet::Ptr &spotsSet) const;
 
+    // Entries of the host's own in the options popup, between "compare
+    // sets" and "cancel" (a host's backup and restore, say): the screen
+    // owns that popup, so a host cannot add to it otherwise. chosen gets
+    // the entry's index in titles.
+    using HostOptionChosen = std::function<void(int index)>;
+    void setHostOptions(const QStringList &titles, HostOptionChosen chosen);
+    QStringList hostOptions() const { return m_hostOptionTitles; }
+
     // The bar's actions.
     void showSetsOptions(QObject *sender);
     void compareSelectedSpotsSets(QObject *sender);
@@ -119,6 +130,8 @@ private:
     int m_currentUIMode = UIModeNormal;
     QPointer<QObject> m_editSpotsSetSetter;
     QString m_shownTitle;
+    QStringList m_hostOptionTitles;
+    HostOptionChosen m_hostOptionChosen;
 
     Brightmere::TableView *m_tableView = nullptr;
     QPointer<Brightmere::BarButtonItem> m_backItem;

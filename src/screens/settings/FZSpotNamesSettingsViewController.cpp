@@ -1,5 +1,7 @@
 #include "FZSpotNamesSettingsViewController.h"
 
+#include "FZShareController.h"
+
 #include "core/BMLogger.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
@@ -263,7 +265,13 @@ void FZSpotNamesSettingsViewController::shareViaEmail()
 {
     const bool canSend = m_mailAvailability ? m_mailAvailability() : MailComposer::canSendMail();
     if (!canSend) {
-        BMLogger::sharedInstance().logFromModule(kModule, 1, "no mail program: the spot names are not shared");
+        // Never silent: say so, and offer the clipboard or a file instead.
+        BMLogger::sharedInstance().logFromModule(kModule, 1, "no mail program: offering to copy or save the spot names");
+        auto *share = new FZShareController(this);
+        share->setBody(m_spotNamesTextView->toPlainText());
+        share->setFileName(BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_spot_names")));
+        connect(share, &FZShareController::finished, share, &QObject::deleteLater);
+        share->offerAlternatives(this);
         return;
     }
     auto *composer = new MailComposer(this);

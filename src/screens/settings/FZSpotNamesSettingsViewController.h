@@ -20,7 +20,8 @@ struct Notification;
 }
 
 // The user's remembered spot names as one text, one name a line, to read,
-// edit and share by mail.
+// edit and share by mail (where nothing takes mail, FZShareController says
+// so and offers the clipboard or a file).
 //
 // Under the navigation bar, view mode shows Edit and Share, each with its
 // icon; Edit switches to edit mode, with Cancel and Save in their places and
