@@ -693,7 +693,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
                           .arg(url.toString(), spotsLine())
                           .arg(source.bytesSent());
              m_spotTables << QStringLiteral("speed source walk: ") + spotsLine();
-             const auto spots = real->recordedSpeeds();
+             const auto spots = real->session()->recordedSpeeds();
              m_window = tour;
              Brightmere::KeyWindow::makeKeyWindow(tour);
              return spots.size() == 2 && spots.at(0)->speedInMbps() > 0.0 && spots.at(1)->speedInMbps() > 0.0
