@@ -1,17 +1,19 @@
-#include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "core/BMSimulatedNetwork.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/ManualClock.h"
 #include "platform/views/Alert.h"
 #include "platform/views/BarButtonItem.h"
+#include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationBar.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/NavigationItem.h"
 #include "ui/BMScreenChangeNotification.h"
+#include "ui/BMLoadingView.h"
 #include "ui/BMSDKUIBaseViewController.h"
 
 #include <QLabel>
+#include <QToolButton>
 #include <QPointer>
 #include <QTest>
 #include <QThread>
@@ -85,273 +87,348 @@ class tst_BMSDKUIBaseViewController : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void screenChangeOncePerAppearanceBeforeOwnWork_data();
-    void screenChangeOncePerAppearanceBeforeOwnWork();
-    void textsRefreshOnAppearanceAndLayout();
-    void findViewControllerOfClassReturnsTheUpperMatch_data();
-    void findViewControllerOfClassReturnsTheUpperMatch();
-    void alertHelpersQueueAndSkipAGoneScreen_data();
-    void alertHelpersQueueAndSkipAGoneScreen();
-    void timedAlertClosesThenRunsItsHandler();
-    void noConnectivityOnlyWhenUnreachable_data();
-    void noConnectivityOnlyWhenUnreachable();
-    void barDecorationsAndBack();
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        m_journal = std::make_shared<QStringList>();
+        m_navigation = std::make_unique<NavigationController>(new Screen("Root", m_journal));
+        m_navigation->resize(375, 667);
+    }
+
+    void cleanup()
+    {
+        BMLoadingView::sharedInstance().hide();
+        QCoreApplication::processEvents();
+        m_navigation.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_env.reset();
+    }
+
+    void screenChangeOncePerAppearanceBeforeOwnWork_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("first appearance") << "" << QStringList{"change:Root", "Root.ownWork"};
+        QTest::newRow("push") << "push" << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork"};
+        QTest::newRow("pop shows the root again")
+            << "push,pop"
+            << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork", "change:Root", "Root.ownWork"};
+        QTest::newRow("hide and show again")
+            << "hide,show" << QStringList{"change:Root", "Root.ownWork", "change:Root", "Root.ownWork"};
+    }
+
+    void screenChangeOncePerAppearanceBeforeOwnWork()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QStringList, expected);
+        Recorder recorder(m_journal);
+        m_navigation->show();
+        for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
+            if (step == "push")
+                push("Next", true);
+            else if (step == "pop")
+                m_navigation->popViewControllerAnimated(false);
+            else
+                m_navigation->setVisible(step == "show");
+        }
+        QCOMPARE(*m_journal, expected);
+        QCOMPARE(recorder.classes.first(), &Screen::staticMetaObject);
+        if (steps.startsWith("push"))
+            QCOMPARE(recorder.classes.at(1), &OtherScreen::staticMetaObject);
+        QCOMPARE(recorder.keys, (QStringList{"1", "2"}));
+    }
+
+    void textsRefreshOnAppearanceLayoutAndLanguage()
+    {
+        auto *root = static_cast<Screen *>(m_navigation->topViewController());
+        m_navigation->show();
+        const int afterAppearance = root->refreshes;
+        QVERIFY(afterAppearance >= 1);
+        m_navigation->resize(320, 480);
+        QCoreApplication::processEvents();
+        QVERIFY(root->refreshes > afterAppearance);
+        const int beforeLanguage = root->refreshes;
+        BMI18NManager::sharedInstance()->setCurrentLanguage("es");
+        QCOMPARE(root->refreshes, beforeLanguage + 1);
+        BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+    }
+
+    void findViewControllerOfClassReturnsTheUpperMatch_data()
+    {
+        QTest::addColumn<QStringList>("stack"); // pushed over the root; "o:" marks an OtherScreen
+        QTest::addColumn<QString>("cls");
+        QTest::addColumn<QString>("found");
+        QTest::newRow("two of the class: the upper") << QStringList{"o:A", "o:B", "C"} << "other" << "B";
+        QTest::newRow("a subclass counts") << QStringList{"C", "o:A"} << "screen" << "A";
+        QTest::newRow("only the root matches") << QStringList{"C"} << "other" << "";
+    }
+
+    void findViewControllerOfClassReturnsTheUpperMatch()
+    {
+        QFETCH(QStringList, stack);
+        QFETCH(QString, cls);
+        QFETCH(QString, found);
+        for (const QString &entry : stack)
+            push(entry.section(':', -1), entry.startsWith("o:"));
+        auto *top = static_cast<Screen *>(m_navigation->topViewController());
+        ViewController *match =
+            top->findViewControllerOfClass(cls == "other" ? OtherScreen::staticMetaObject : Screen::staticMetaObject);
+        QCOMPARE(match ? match->objectName() : QString(), found);
+        Screen outside("Outside", m_journal);
+        QVERIFY(!outside.findViewControllerOfClass(BMSDKUIBaseViewController::staticMetaObject));
+    }
+
+    void alertHelpersQueueAndSkipAGoneScreen_data()
+    {
+        QTest::addColumn<QString>("helper");
+        QTest::addColumn<bool>("screenGone");
+        QTest::addColumn<bool>("fromThread");
+        QTest::addColumn<QStringList>("buttons");
+        QTest::addColumn<int>("press");
+        QTest::addColumn<int>("handled");
+        QTest::newRow("plain: ok only") << "plain" << false << false << QStringList{"OK"} << 0 << 0;
+        QTest::newRow("on cancel: ok closes") << "cancel" << false << false << QStringList{"OK", "Cancel"} << 0 << 0;
+        QTest::newRow("on cancel: cancel calls") << "cancel" << false << false << QStringList{"OK", "Cancel"} << 1
+                                                 << 1;
+        QTest::newRow("on ok: ok calls") << "ok" << false << false << QStringList{"OK"} << 0 << 1;
+        QTest::newRow("actions in list order") << "actions" << false << false << QStringList{"A", "B"} << 0 << 1;
+        QTest::newRow("from a worker thread") << "cancel" << false << true << QStringList{"OK", "Cancel"} << 1 << 1;
+        QTest::newRow("screen gone before the queue runs") << "cancel" << true << false << QStringList{} << 0 << 0;
+    }
+
+    void alertHelpersQueueAndSkipAGoneScreen()
+    {
+        QFETCH(QString, helper);
+        QFETCH(bool, screenGone);
+        QFETCH(bool, fromThread);
+        QFETCH(QStringList, buttons);
+        QFETCH(int, press);
+        QFETCH(int, handled);
+        m_navigation->show();
+        QPointer<Screen> screen = push("Next");
+        int calls = 0;
+        const auto ask = [&] {
+            const auto handler = [&calls] { ++calls; };
+            if (helper == "plain")
+                screen->alertControllerWithTitle("T", "M");
+            else if (helper == "cancel")
+                screen->alertControllerWithTitleOnCancel("T", "M", handler);
+            else if (helper == "ok")
+                screen->alertControllerWithTitleOnOK("T", "M", handler);
+            else
+                screen->alertControllerWithTitle("T", "M", {AlertAction("A", AlertAction::Style::Default, handler),
+                                                            AlertAction("B", AlertAction::Style::Cancel)});
+        };
+        if (fromThread) {
+            std::unique_ptr<QThread> worker(QThread::create(ask));
+            worker->start();
+            QVERIFY(worker->wait(5000));
+        } else {
+            ask();
+        }
+        QVERIFY(!Alert::shownAlert(m_navigation.get())); // queued, not shown yet
+        if (screenGone)
+            delete screen.data();
+        QCoreApplication::processEvents();
+        Alert *alert = Alert::shownAlert(m_navigation.get());
+        QCOMPARE(alert ? alert->buttonTitles() : QStringList{}, buttons);
+        if (!alert)
+            return;
+        QCOMPARE(alert->title() + alert->message(), QStringLiteral("TM"));
+        // No button of the kit's own takes the platform's cancel style, not even "cancel".
+        if (helper != "actions")
+            QCOMPARE(alert->actions().constLast().style(), AlertAction::Style::Default);
+        QVERIFY(alert->pressButtonAt(press));
+        QCOMPARE(calls, handled);
+    }
+
+    void timedAlertClosesThenRunsItsHandler()
+    {
+        m_navigation->show();
+        Screen *screen = push("Next");
+        ManualClock clock;
+        screen->setClock(&clock);
+        int finished = 0;
+        bool goneWhenFinished = false;
+        screen->alertControllerWithTitleForSeconds("Saved", "", 1.5f, [&] {
+            ++finished;
+            goneWhenFinished = !Alert::shownAlert(m_navigation.get());
+        });
+        QCoreApplication::processEvents();
+        Alert *alert = Alert::shownAlert(m_navigation.get());
+        QVERIFY(alert && alert->buttonTitles().isEmpty());
+        clock.advance(1.49);
+        QCOMPARE(finished, 0);
+        QVERIFY(alert->isPresented());
+        clock.advance(0.02);
+        QCOMPARE(finished, 1);
+        QVERIFY(goneWhenFinished);
+        clock.advance(5.0);
+        QCOMPARE(finished, 1);
+    }
+
+    void noConnectivityOnlyWhenUnreachable()
+    {
+        m_navigation->show();
+        auto *root = static_cast<Screen *>(m_navigation->topViewController());
+        BMSimulatedNetwork::shared().setReachabilityStatus(2); // another medium counts as reachable here
+        QVERIFY(!root->showNoConnectivity());
+        BMSimulatedNetwork::shared().setReachabilityStatus(0);
+        QVERIFY(root->showNoConnectivity());
+        QCoreApplication::processEvents();
+        Alert *alert = Alert::shownAlert(m_navigation.get());
+        QVERIFY(alert);
+        QCOMPARE(alert->title(), BMI18NManager::stringForCode("bmOops"));
+        QCOMPARE(alert->message(), BMI18NManager::stringForCode("connection_error_message"));
+    }
+
+    void barDecorationsAndBack()
+    {
+        m_navigation->show();
+        Screen *screen = push("Next");
+        NavigationBar *bar = m_navigation->navigationBar();
+        screen->prepareHeaderViewForTitle("Fairzone Test");
+        QWidget *titleView = screen->navigationItem()->titleView();
+        QCOMPARE(titleView->size(), QSize(200, 44));
+        QCOMPARE(titleView->findChild<QLabel *>()->text(), QString("Fairzone Test"));
+
+        screen->setNavigationBarTransparent();
+        QVERIFY(bar->isTransparent() && bar->isTranslucent());
+        QCOMPARE(bar->backgroundColor().alpha(), 0);
+        screen->resetNavigationBarToDefault();
+        QVERIFY(!bar->isTransparent() && !bar->isTranslucent());
+
+        screen->replaceNativeBackButton();
+        QVERIFY(!screen->navigationItem()->leftBarButtonItem()->icon().isNull());
+        QVERIFY(!bar->isBackButtonShown());
+        QTest::mouseClick(bar->leftButton(), Qt::LeftButton);
+        QCOMPARE(m_navigation->viewControllers().size(), 1);
+    }
+
+    // The shared loading overlay: shown over the key window, once, from any thread.
+    void loadingCallsInOrderFromAnyThread_data()
+    {
+        QTest::addColumn<QString>("calls"); // p = show, c = showCircle, h = hide
+        QTest::addColumn<bool>("fromThread");
+        QTest::addColumn<bool>("plain");
+        QTest::addColumn<bool>("circle");
+        QTest::newRow("show twice is one overlay") << "pp" << false << true << false;
+        QTest::newRow("both forms at once") << "pc" << false << true << true;
+        QTest::newRow("hide takes both down") << "pch" << false << false << false;
+        QTest::newRow("show after hide") << "phc" << false << false << true;
+        QTest::newRow("from a worker thread") << "pch" << true << false << false;
+        QTest::newRow("show from a worker thread") << "c" << true << false << true;
+    }
+
+    void loadingCallsInOrderFromAnyThread()
+    {
+        QFETCH(QString, calls);
+        QFETCH(bool, fromThread);
+        QFETCH(bool, plain);
+        QFETCH(bool, circle);
+        QWidget window;
+        showKeyWindow(&window);
+        BMLoadingView &view = BMLoadingView::sharedInstance();
+        const auto run = [&view, calls] {
+            for (QChar call : calls) {
+                if (call == 'p')
+                    view.show();
+                else if (call == 'c')
+                    view.showCircle();
+                else
+                    view.hide();
+            }
+        };
+        if (fromThread) {
+            std::unique_ptr<QThread> worker(QThread::create(run));
+            worker->start();
+            QVERIFY(worker->wait(5000));
+        } else {
+            run();
+            // Queued: nothing shows before the current work ends.
+            QVERIFY(!view.isShown() && !view.isCircleShown());
+        }
+        QCoreApplication::processEvents();
+        QCOMPARE(view.isShown(), plain);
+        QCOMPARE(view.isCircleShown(), circle);
+        QCOMPARE(view.overlay() && view.overlay()->isVisible(), plain);
+        QCOMPARE(view.circleOverlay() && view.circleOverlay()->isVisible(), circle);
+        QCOMPARE(window.findChildren<QWidget *>(Qt::FindDirectChildrenOnly).size(), int(plain) + int(circle));
+    }
+
+    void loadingFollowsTheWindowAndIsKeptForLaterCalls()
+    {
+        QWidget window;
+        showKeyWindow(&window);
+        BMLoadingView &view = BMLoadingView::sharedInstance();
+        view.show();
+        QCoreApplication::processEvents();
+        QWidget *first = view.overlay();
+        QCOMPARE(first->geometry(), window.rect());
+        window.resize(320, 480);
+        QCOMPARE(first->geometry(), QRect(0, 0, 320, 480));
+        view.hide();
+        QCoreApplication::processEvents();
+        QVERIFY(first->parentWidget() != &window);
+        view.show();
+        QCoreApplication::processEvents();
+        QCOMPARE(view.overlay(), first);
+        // Without a key window it shows nowhere.
+        view.hide();
+        window.hide();
+        view.showCircle();
+        QCoreApplication::processEvents();
+        QVERIFY(!view.isCircleShown());
+    }
+
+    void loadingShowsAgainInTheNextWindow_data()
+    {
+        QTest::addColumn<bool>("deleteWindow");
+        QTest::newRow("its window closed while it was up") << false;
+        QTest::newRow("its window deleted while it was up") << true;
+    }
+
+    void loadingShowsAgainInTheNextWindow()
+    {
+        QFETCH(bool, deleteWindow);
+        auto window = std::make_unique<QWidget>();
+        showKeyWindow(window.get());
+        BMLoadingView &view = BMLoadingView::sharedInstance();
+        view.show();
+        QCoreApplication::processEvents();
+        QVERIFY(view.overlay() && view.overlay()->isVisible());
+        if (deleteWindow)
+            window.reset();
+        else
+            window->close();
+        QWidget next;
+        showKeyWindow(&next);
+        view.show();
+        QCoreApplication::processEvents();
+        QVERIFY(view.overlay() && view.overlay()->isVisible());
+        QCOMPARE(view.overlay()->window(), &next);
+    }
 
 private:
-    Screen *push(const QString &name, bool other = false);
+    Screen *push(const QString &name, bool other = false)
+    {
+        Screen *screen = other ? new OtherScreen(name, m_journal) : new Screen(name, m_journal);
+        m_navigation->pushViewController(screen, false);
+        return screen;
+    }
+
+    static void showKeyWindow(QWidget *window)
+    {
+        window->resize(375, 667);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        KeyWindow::makeKeyWindow(window);
+    }
 
     std::unique_ptr<TestEnvironment> m_env;
     Journal m_journal;
     std::unique_ptr<NavigationController> m_navigation;
 };
-
-void tst_BMSDKUIBaseViewController::init()
-{
-    m_env = std::make_unique<TestEnvironment>();
-    m_journal = std::make_shared<QStringList>();
-    m_navigation = std::make_unique<NavigationController>(new Screen("Root", m_journal));
-    m_navigation->resize(375, 667);
-}
-
-void tst_BMSDKUIBaseViewController::cleanup()
-{
-    m_navigation.reset();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_env.reset();
-}
-
-Screen *tst_BMSDKUIBaseViewController::push(const QString &name, bool other)
-{
-    Screen *screen = other ? new OtherScreen(name, m_journal) : new Screen(name, m_journal);
-    m_navigation->pushViewController(screen, false);
-    return screen;
-}
-
-void tst_BMSDKUIBaseViewController::screenChangeOncePerAppearanceBeforeOwnWork_data()
-{
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("first appearance")
-        << "" << QStringList{"change:Root", "Root.ownWork"};
-    QTest::newRow("push") << "push" << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork"};
-    QTest::newRow("pop shows the root again")
-        << "push,pop"
-        << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork", "change:Root", "Root.ownWork"};
-    QTest::newRow("hide and show again")
-        << "hide,show" << QStringList{"change:Root", "Root.ownWork", "change:Root", "Root.ownWork"};
-}
-
-void tst_BMSDKUIBaseViewController::screenChangeOncePerAppearanceBeforeOwnWork()
-{
-    QFETCH(QString, steps);
-    QFETCH(QStringList, expected);
-    Recorder recorder(m_journal);
-    m_navigation->show();
-    for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
-        if (step == "push")
-            push("Next", true);
-        else if (step == "pop")
-            m_navigation->popViewControllerAnimated(false);
-        else if (step == "hide")
-            m_navigation->hide();
-        else
-            m_navigation->show();
-    }
-    QCOMPARE(*m_journal, expected);
-    QCOMPARE(recorder.classes.first(), &Screen::staticMetaObject);
-    if (steps.startsWith("push"))
-        QCOMPARE(recorder.classes.at(1), &OtherScreen::staticMetaObject);
-    QCOMPARE(recorder.keys, (QStringList{"1", "2"}));
-}
-
-void tst_BMSDKUIBaseViewController::textsRefreshOnAppearanceAndLayout()
-{
-    auto *root = static_cast<Screen *>(m_navigation->topViewController());
-    m_navigation->show();
-    const int afterAppearance = root->refreshes;
-    QVERIFY(afterAppearance >= 1);
-    m_navigation->resize(320, 480);
-    QCoreApplication::processEvents();
-    QVERIFY(root->refreshes > afterAppearance);
-    const int beforeLanguage = root->refreshes;
-    BMI18NManager::sharedInstance()->setCurrentLanguage("es");
-    QCOMPARE(root->refreshes, beforeLanguage + 1);
-    BMI18NManager::sharedInstance()->setCurrentLanguage("en");
-    // The base screen's own name, when a screen gives none.
-    Screen unnamed("", m_journal);
-    QCOMPARE(unnamed.screenNameAndClassForEventTracker().screenName(), QString("BMBaseViewController"));
-}
-
-void tst_BMSDKUIBaseViewController::findViewControllerOfClassReturnsTheUpperMatch_data()
-{
-    QTest::addColumn<QStringList>("stack"); // pushed over the root; "o:" marks an OtherScreen
-    QTest::addColumn<QString>("cls");
-    QTest::addColumn<QString>("found");
-    QTest::newRow("two of the class: the upper") << QStringList{"o:A", "o:B", "C"} << "other" << "B";
-    QTest::newRow("a subclass counts") << QStringList{"C", "o:A"} << "screen" << "A";
-    QTest::newRow("only the root matches") << QStringList{"C"} << "other" << "";
-    QTest::newRow("base class finds the top") << QStringList{"o:A"} << "base" << "A";
-}
-
-void tst_BMSDKUIBaseViewController::findViewControllerOfClassReturnsTheUpperMatch()
-{
-    QFETCH(QStringList, stack);
-    QFETCH(QString, cls);
-    QFETCH(QString, found);
-    for (const QString &entry : stack)
-        push(entry.section(':', -1), entry.startsWith("o:"));
-    auto *top = static_cast<Screen *>(m_navigation->topViewController());
-    const QMetaObject &meta = cls == "other" ? OtherScreen::staticMetaObject
-                              : cls == "screen" ? Screen::staticMetaObject
-                                                : BMSDKUIBaseViewController::staticMetaObject;
-    ViewController *match = top->findViewControllerOfClass(meta);
-    QCOMPARE(match ? match->objectName() : QString(), found);
-    Screen outside("Outside", m_journal);
-    QVERIFY(!outside.findViewControllerOfClass(BMSDKUIBaseViewController::staticMetaObject));
-}
-
-void tst_BMSDKUIBaseViewController::alertHelpersQueueAndSkipAGoneScreen_data()
-{
-    QTest::addColumn<QString>("helper");
-    QTest::addColumn<bool>("screenGone");
-    QTest::addColumn<bool>("fromThread");
-    QTest::addColumn<QStringList>("buttons");
-    QTest::newRow("plain: ok only") << "plain" << false << false << QStringList{"OK"};
-    QTest::newRow("on cancel") << "cancel" << false << false << QStringList{"OK", "Cancel"};
-    QTest::newRow("on ok") << "ok" << false << false << QStringList{"OK"};
-    QTest::newRow("actions") << "actions" << false << false << QStringList{"A", "B"};
-    QTest::newRow("from a worker thread") << "cancel" << false << true << QStringList{"OK", "Cancel"};
-    QTest::newRow("screen gone before the queue runs") << "cancel" << true << false << QStringList{};
-}
-
-void tst_BMSDKUIBaseViewController::alertHelpersQueueAndSkipAGoneScreen()
-{
-    QFETCH(QString, helper);
-    QFETCH(bool, screenGone);
-    QFETCH(bool, fromThread);
-    QFETCH(QStringList, buttons);
-    m_navigation->show();
-    QPointer<Screen> screen = push("Next");
-    int handled = 0;
-    const auto ask = [&] {
-        const auto handler = [&handled] { ++handled; };
-        if (helper == "plain")
-            screen->alertControllerWithTitle("T", "M");
-        else if (helper == "cancel")
-            screen->alertControllerWithTitleOnCancel("T", "M", handler);
-        else if (helper == "ok")
-            screen->alertControllerWithTitleOnOK("T", "M", handler);
-        else
-            screen->alertControllerWithTitle("T", "M", {AlertAction("A", AlertAction::Style::Default, handler),
-                                                        AlertAction("B", AlertAction::Style::Cancel)});
-    };
-    if (fromThread) {
-        std::unique_ptr<QThread> worker(QThread::create(ask));
-        worker->start();
-        QVERIFY(worker->wait(5000));
-    } else {
-        ask();
-    }
-    QVERIFY(!Alert::shownAlert(m_navigation.get())); // queued, not shown yet
-    if (screenGone)
-        delete screen.data();
-    QCoreApplication::processEvents();
-    Alert *alert = Alert::shownAlert(m_navigation.get());
-    QCOMPARE(alert ? alert->buttonTitles() : QStringList{}, buttons);
-    if (alert && buttons.size() > 1) {
-        QVERIFY(alert->pressButtonAt(helper == "actions" ? 0 : 1));
-        QCOMPARE(handled, 1);
-    }
-    QCOMPARE(handled, buttons.size() > 1 ? 1 : 0);
-}
-
-void tst_BMSDKUIBaseViewController::timedAlertClosesThenRunsItsHandler()
-{
-    m_navigation->show();
-    Screen *screen = push("Next");
-    ManualClock clock;
-    screen->setClock(&clock);
-    int finished = 0;
-    bool goneWhenFinished = false;
-    screen->alertControllerWithTitleForSeconds("Saved", "", 1.5f, [&] {
-        ++finished;
-        goneWhenFinished = !Alert::shownAlert(m_navigation.get());
-    });
-    QCoreApplication::processEvents();
-    Alert *alert = Alert::shownAlert(m_navigation.get());
-    QVERIFY(alert);
-    QVERIFY(alert->buttonTitles().isEmpty());
-    clock.advance(1.49);
-    QCOMPARE(finished, 0);
-    QVERIFY(alert->isPresented());
-    clock.advance(0.02);
-    QCOMPARE(finished, 1);
-    QVERIFY(goneWhenFinished);
-    clock.advance(5.0);
-    QCOMPARE(finished, 1);
-}
-
-void tst_BMSDKUIBaseViewController::noConnectivityOnlyWhenUnreachable_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<bool>("shown");
-    QTest::newRow("not reachable") << 0 << true;
-    QTest::newRow("wi-fi") << 1 << false;
-    QTest::newRow("other medium counts as reachable here") << 2 << false;
-}
-
-void tst_BMSDKUIBaseViewController::noConnectivityOnlyWhenUnreachable()
-{
-    QFETCH(int, status);
-    QFETCH(bool, shown);
-    m_navigation->show();
-    BMSimulatedNetwork::shared().setReachabilityStatus(status);
-    auto *root = static_cast<Screen *>(m_navigation->topViewController());
-    QCOMPARE(root->showNoConnectivity(), shown);
-    QCoreApplication::processEvents();
-    Alert *alert = Alert::shownAlert(m_navigation.get());
-    QCOMPARE(alert != nullptr, shown);
-    if (alert) {
-        QCOMPARE(alert->title(), BMI18NManager::stringForCode("bmOops"));
-        QCOMPARE(alert->message(), BMI18NManager::stringForCode("connection_error_message"));
-    }
-}
-
-void tst_BMSDKUIBaseViewController::barDecorationsAndBack()
-{
-    m_navigation->show();
-    Screen *screen = push("Next");
-    NavigationBar *bar = m_navigation->navigationBar();
-
-    screen->prepareHeaderViewForTitle("Fairzone Test");
-    QWidget *titleView = screen->navigationItem()->titleView();
-    QVERIFY(titleView);
-    QCOMPARE(titleView->size(), QSize(200, 44));
-    auto *label = titleView->findChild<QLabel *>();
-    QCOMPARE(label->geometry(), QRect(0, 2, 200, 44));
-    QCOMPARE(label->text(), QString("Fairzone Test"));
-    QVERIFY(label->font().bold());
-
-    screen->setNavigationBarTransparent();
-    QVERIFY(bar->isTransparent() && bar->isTranslucent());
-    QCOMPARE(bar->backgroundColor().alpha(), 0);
-    screen->resetNavigationBarToDefault();
-    QVERIFY(!bar->isTransparent() && !bar->isTranslucent());
-    QCOMPARE(bar->backgroundColor().alpha(), 0); // colours stay as they were
-
-    LogCapture log;
-    screen->setScreenBackground(true);
-    QVERIFY(log.contains("BMSDKUIBaseViewController::setScreenBackground - Set image Backgound"));
-
-    screen->replaceNativeBackButton();
-    BarButtonItem *back = screen->navigationItem()->leftBarButtonItem();
-    QVERIFY(back && !back->icon().isNull());
-    QVERIFY(!bar->isBackButtonShown());
-    back->trigger();
-    QCOMPARE(m_navigation->viewControllers().size(), 1);
-}
 
 QTEST_MAIN(tst_BMSDKUIBaseViewController)
 #include "tst_BMSDKUIBaseViewController.moc"
