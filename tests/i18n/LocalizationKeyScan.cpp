@@ -13,74 +13,6 @@ namespace LocalizationKeyScan {
 
 namespace {
 
-// The source with comments blanked out (line breaks kept, so positions keep
-// their line numbers) and the text of the line comment of each line.
-struct StrippedSource
-{
-    QString code;
-    QHash<int, QString> lineComments;
-};
-
-StrippedSource stripComments(const QString &source)
-{
-    StrippedSource out;
-    out.code.reserve(source.size());
-    int line = 1;
-    qsizetype i = 0;
-    const qsizetype n = source.size();
-    const auto copyQuoted = [&](QChar quote) {
-        out.code.append(source[i++]);
-        while (i < n && source[i] != quote && source[i] != u'\n') {
-            if (source[i] == u'\\' && i + 1 < n)
-                out.code.append(source[i++]);
-            out.code.append(source[i++]);
-        }
-        if (i < n && source[i] == quote)
-            out.code.append(source[i++]);
-    };
-    while (i < n) {
-        const QChar c = source[i];
-        const QChar next = i + 1 < n ? source[i + 1] : QChar();
-        if (c == u'\n') {
-            ++line;
-            out.code.append(source[i++]);
-        } else if (c == u'/' && next == u'/') {
-            const qsizetype end = source.indexOf(u'\n', i);
-            const qsizetype stop = end < 0 ? n : end;
-            out.lineComments.insert(line, source.mid(i + 2, stop - i - 2));
-            out.code.append(QString(stop - i, u' '));
-            i = stop;
-        } else if (c == u'/' && next == u'*') {
-            const qsizetype end = source.indexOf(QStringLiteral("*/"), i + 2);
-            const qsizetype stop = end < 0 ? n : end + 2;
-            for (; i < stop; ++i) {
-                if (source[i] == u'\n') {
-                    ++line;
-                    out.code.append(u'\n');
-                } else {
-                    out.code.append(u' ');
-                }
-            }
-        } else if (c == u'"' && i > 0 && source[i - 1] == u'R') {
-            // Raw string: R"delim( ... )delim"
-            const qsizetype open = source.indexOf(u'(', i);
-            const QString delimiter = open < 0 ? QString() : source.mid(i + 1, open - i - 1);
-            const qsizetype close = open < 0 ? -1 : source.indexOf(u')' + delimiter + u'"', open);
-            const qsizetype stop = close < 0 ? n : close + delimiter.size() + 2;
-            for (; i < stop; ++i) {
-                if (source[i] == u'\n')
-                    ++line;
-                out.code.append(source[i]);
-            }
-        } else if (c == u'"' || c == u'\'') {
-            copyQuoted(c);
-        } else {
-            out.code.append(source[i++]);
-        }
-    }
-    return out;
-}
-
 int lineAt(const QString &text, qsizetype pos)
 {
     return int(QStringView(text).left(pos).count(u'\n')) + 1;
@@ -90,6 +22,10 @@ int lineAt(const QString &text, qsizetype pos)
 
 QList<KeyUse> keysInSource(const QString &source, const QString &fileName)
 {
+    // Literals and comments, whichever starts first: a comment marker inside
+    // a literal is text, a quote inside a comment is comment.
+    static const QRegularExpression token(QString::fromUtf8(
+        R"re("(?:[^"\\\n]|\\.)*"|'(?:[^'\\\n]|\\.)*'|//[^\n]*|/\*[\s\S]*?(?:\*/|$))re"));
     static const QRegularExpression call(QString::fromUtf8(
         R"(\bstringForCode(?:WithDefault)?\s*\(\s*)"
         R"((?:(?:QStringLiteral|QLatin1StringView|QLatin1String|QString::fromUtf8|QString::fromLatin1|QString)\s*\(\s*)?)"
@@ -97,32 +33,38 @@ QList<KeyUse> keysInSource(const QString &source, const QString &fileName)
     static const QRegularExpression marker(QString::fromUtf8(R"(^\s*i18n-key(?:\s+(\d+)\.\.(\d+))?\s*$)"));
     static const QRegularExpression literal(QString::fromUtf8(R"re((?<![A-Za-z0-9_'])(?:u8|u|U|L)?"((?:[^"\\\n]|\\.)*)")re"));
 
-    const StrippedSource stripped = stripComments(source);
-    QList<KeyUse> uses;
-    for (auto it = call.globalMatch(stripped.code); it.hasNext();) {
+    // The source with comments blanked out (line breaks kept, so positions
+    // keep their line numbers), and the text of each line's line comment.
+    QString code = source;
+    QHash<int, QString> lineComments;
+    for (auto it = token.globalMatch(source); it.hasNext();) {
         const QRegularExpressionMatch match = it.next();
-        uses.append({match.captured(1), fileName, lineAt(stripped.code, match.capturedStart(1))});
+        if (!match.captured().startsWith(u'/'))
+            continue;
+        if (match.captured().startsWith(QLatin1String("//")))
+            lineComments.insert(lineAt(source, match.capturedStart()), match.captured().mid(2));
+        for (qsizetype i = match.capturedStart(); i < match.capturedEnd(); ++i)
+            code[i] = code[i] == u'\n' ? u'\n' : u' ';
     }
 
-    const QStringList codeLines = stripped.code.split(u'\n');
-    for (auto comment = stripped.lineComments.cbegin(); comment != stripped.lineComments.cend(); ++comment) {
+    QList<KeyUse> uses;
+    for (auto it = call.globalMatch(code); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        uses.append({match.captured(1), fileName, lineAt(code, match.capturedStart(1))});
+    }
+    const QStringList codeLines = code.split(u'\n');
+    for (auto comment = lineComments.cbegin(); comment != lineComments.cend(); ++comment) {
         const QRegularExpressionMatch mark = marker.match(comment.value());
-        if (!mark.hasMatch() || comment.key() > codeLines.size())
+        if (!mark.hasMatch())
             continue;
         const bool numbered = mark.hasCaptured(1);
-        const int first = numbered ? mark.captured(1).toInt() : 0;
-        const int last = numbered ? mark.captured(2).toInt() : 0;
         for (auto it = literal.globalMatch(codeLines[comment.key() - 1]); it.hasNext();) {
             const QString text = it.next().captured(1);
-            if (!numbered) {
+            if (!numbered)
                 uses.append({text, fileName, comment.key()});
-                continue;
-            }
-            for (int number = first; number <= last; ++number) {
-                QString key = text;
-                key.replace(key.indexOf(QStringLiteral("%d")), 2, QString::number(number));
-                uses.append({key, fileName, comment.key()});
-            }
+            for (int number = mark.captured(1).toInt(); numbered && number <= mark.captured(2).toInt(); ++number)
+                uses.append({QString(text).replace(QLatin1String("%d"), QString::number(number)), fileName,
+                             comment.key()});
         }
     }
     return uses;
@@ -132,15 +74,13 @@ QList<KeyUse> keysInTree(const QString &root, int *fileCount)
 {
     QList<KeyUse> uses;
     int files = 0;
-    QDirIterator it(root, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
-                    QDirIterator::Subdirectories);
+    QDirIterator it(root, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext()) {
-        const QString path = it.next();
-        QFile file(path);
+        QFile file(it.next());
         if (!file.open(QIODevice::ReadOnly))
             continue;
         ++files;
-        uses += keysInSource(QString::fromUtf8(file.readAll()), QDir(root).relativeFilePath(path));
+        uses += keysInSource(QString::fromUtf8(file.readAll()), QDir(root).relativeFilePath(file.fileName()));
     }
     if (fileCount)
         *fileCount = files;
@@ -156,30 +96,11 @@ QStringList placeholders(const QString &text)
     while ((pos = text.indexOf(u'%', pos)) >= 0) {
         const QRegularExpressionMatch match = directive.match(text, pos, QRegularExpression::NormalMatch,
                                                               QRegularExpression::AnchorAtOffsetMatchOption);
-        if (!match.hasMatch()) {
-            found.append(QStringLiteral("%?"));
-            ++pos;
-            continue;
-        }
         if (match.captured() != QLatin1String("%%"))
-            found.append(match.captured());
-        pos = match.capturedEnd();
+            found.append(match.hasMatch() ? match.captured() : QStringLiteral("%?"));
+        pos = match.hasMatch() ? match.capturedEnd() : pos + 1;
     }
     return found;
-}
-
-int atoi(QStringView text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text[i].isSpace())
-        ++i;
-    int sign = 1;
-    if (i < text.size() && (text[i] == u'-' || text[i] == u'+'))
-        sign = text[i++] == u'-' ? -1 : 1;
-    int value = 0;
-    while (i < text.size() && text[i].isDigit())
-        value = value * 10 + text[i++].digitValue();
-    return sign * value;
 }
 
 } // namespace LocalizationKeyScan

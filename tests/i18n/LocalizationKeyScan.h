@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <QStringView>
 
 // Reading localisation keys out of the kit's sources, and the printf
 // directives out of texts, for the checks of the built-in string tables.
@@ -29,8 +28,5 @@ QList<KeyUse> keysInTree(const QString &root, int *fileCount = nullptr);
 // printf directives of a text, in order ("%%" is not one). A '%' that starts
 // no directive is returned as "%?".
 QStringList placeholders(const QString &text);
-
-// C's atoi: leading blanks, an optional sign, then digits.
-int atoi(QStringView text);
 
 } // namespace LocalizationKeyScan

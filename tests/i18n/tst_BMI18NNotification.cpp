@@ -3,6 +3,7 @@
 
 #include "LogCapture.h"
 #include "TestEnvironment.h"
+#include "platform/foundation/MainQueue.h"
 
 #include <QMutex>
 #include <QTest>
@@ -153,7 +154,10 @@ private Q_SLOTS:
         BMLanguageChangeNotification::subscribe(m_subscriber.get(), BMNotificationDelivery::MainThread);
         postFromWorker("languageChange");
         BMLanguageChangeNotification::unsubscribe(m_subscriber.get());
-        QTest::qWait(20);
+        // The main queue keeps its order: past this marker, the call would have come.
+        bool reached = false;
+        Brightmere::MainQueue::async([&reached] { reached = true; });
+        QTRY_VERIFY(reached);
         QVERIFY(m_subscriber->calls().isEmpty());
     }
 
