@@ -120,51 +120,37 @@ private Q_SLOTS:
         m_env.reset();
     }
 
-    void lookupOrder_data()
-    {
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("defaultValue");
-        QTest::addColumn<QString>("expected");
-
-        QTest::newRow("es: the downloaded text comes first") << "es" << "k_all" << "k_all" << "dl es all";
-        QTest::newRow("es: the kit's es table before the downloaded English")
-            << "es" << "k_fw" << "k_fw" << "fw es k_fw";
-        QTest::newRow("es: the host's es table when the kit has none") << "es" << "k_host" << "k_host" << "main es k_host";
-        QTest::newRow("es: downloaded English when es has nothing") << "es" << "k_dlen" << "k_dlen" << "dl en k_dlen";
-        QTest::newRow("es: the built-in English table last") << "es" << "k_fwen" << "k_fwen" << "fw en k_fwen";
-        QTest::newRow("es: an empty downloaded text is a text") << "es" << "k_empty" << "k_empty" << "";
-        QTest::newRow("es: placeholders of a found text") << "es" << "k_ph" << "k_ph" << "Hola %@, %@!";
-        QTest::newRow("a key found nowhere is rewritten too") << "es" << "a_PH_b" << "a_PH_b" << "a_%@";
-        QTest::newRow("the built-in tables are asked for the default") << "es" << "nowhere" << "fw_only" << "fw es only";
-        QTest::newRow("the default when found nowhere") << "es" << "nowhere" << "Plain PH_x" << "Plain %@";
-        QTest::newRow("en: the downloaded English first") << "en" << "k_fw" << "k_fw" << "dl en k_fw";
-        QTest::newRow("pt (not offered): built-in English before downloaded English")
-            << "pt" << "k_all" << "k_all" << "fw en all";
-        QTest::newRow("pt (not offered): the host has no English, downloaded English")
-            << "pt" << "k_host" << "k_host" << "dl en k_host";
-        QTest::newRow("es-MX: the es tables, the kit's first") << "es-MX" << "k_all" << "k_all" << "fw es all";
-    }
-
     void lookupOrder()
     {
         deliver("en", 1, {{"k_all", "dl en all"}, {"k_fw", "dl en k_fw"}, {"k_host", "dl en k_host"},
                           {"k_dlen", "dl en k_dlen"}});
         deliver("es", 1, {{"k_all", "dl es all"}, {"k_empty", ""}, {"k_ph", "Hola PH_name, PH_2x!"}});
-        QFETCH(QString, key);
-        QFETCH(QString, defaultValue);
-        QFETCH(QString, expected);
-        // Asked before and after the change, so a stale finished text would show.
-        (void)BMI18NManager::stringForCode(key, defaultValue);
-        QFETCH(QString, language);
-        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
-        for (int pass = 0; pass < 2; ++pass) {
-            const QString text = BMI18NManager::stringForCode(key, defaultValue);
-            QCOMPARE(text, expected);
-            QVERIFY(!text.isNull());
+        // Language, key, default, text.
+        const QList<std::array<QString, 4>> rows{
+            {"es", "k_all", "k_all", "dl es all"},         // the downloaded text comes first
+            {"es", "k_fw", "k_fw", "fw es k_fw"},          // the kit's es table before the downloaded English
+            {"es", "k_host", "k_host", "main es k_host"},  // the host's es table when the kit has none
+            {"es", "k_dlen", "k_dlen", "dl en k_dlen"},    // downloaded English when es has nothing
+            {"es", "k_fwen", "k_fwen", "fw en k_fwen"},    // the built-in English table last
+            {"es", "k_empty", "k_empty", ""},              // an empty downloaded text is a text
+            {"es", "k_ph", "k_ph", "Hola %@, %@!"},        // placeholders of a found text
+            {"es", "a_PH_b", "a_PH_b", "a_%@"},            // a key found nowhere is rewritten too
+            {"es", "nowhere", "fw_only", "fw es only"},    // the built-in tables are asked for the default
+            {"es", "nowhere", "Plain PH_x", "Plain %@"},   // the default when found nowhere
+            {"en", "k_fw", "k_fw", "dl en k_fw"},          // en: the downloaded English first
+            {"pt", "k_all", "k_all", "fw en all"},         // not offered: built-in English before downloaded
+            {"pt", "k_host", "k_host", "dl en k_host"},    // the host has no English: downloaded English
+            {"es-MX", "k_all", "k_all", "fw es all"},      // the es tables, the kit's first
+        };
+        for (const auto &[language, key, defaultValue, expected] : rows) {
+            // Asked before and after the change, so a stale finished text would show.
+            (void)BMI18NManager::stringForCode(key, defaultValue);
+            BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+            for (const QString &text : {BMI18NManager::stringForCode(key, defaultValue),
+                                        BMI18NManager::stringForCode(key, defaultValue),
+                                        key == defaultValue ? BMI18NManager::stringForCode(key) : expected})
+                QVERIFY2(text == expected && !text.isNull(), qPrintable(language + ' ' + key + ": " + text));
         }
-        if (key == defaultValue)
-            QCOMPARE(BMI18NManager::stringForCode(key), expected);
     }
 
     void placeholders()
@@ -177,38 +163,26 @@ private Q_SLOTS:
         QVERIFY(BMI18NManager::replacePlaceholderInString(QString()).isNull());
     }
 
-    void numbers_data()
+    void numbersAreCutNotRounded()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("maxDigits");
-        QTest::addColumn<int>("minDigits");
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("0.29, two digits: the decimal value is cut") << 0.29 << 2 << 0 << "en" << "0.29";
-        QTest::newRow("2.79, one digit: toward zero") << 2.79 << 1 << 0 << "en" << "2.7";
-        QTest::newRow("2.79 in es: decimal comma") << 2.79 << 1 << 0 << "es" << "2,7";
-        QTest::newRow("the locale is the full code: es-MX writes a point") << 2.79 << 1 << 0 << "es-MX" << "2.7";
-        QTest::newRow("no grouping") << 1234.5 << 2 << 0 << "en" << "1234.5";
-        QTest::newRow("negative: toward zero") << -2.79 << 1 << 0 << "en" << "-2.7";
-        QTest::newRow("negative cut to zero: no sign") << -0.04 << 1 << 0 << "en" << "0";
-        QTest::newRow("minimum pads") << 12.0 << 1 << 1 << "en" << "12.0";
-        QTest::newRow("minimum pads after the cut") << 2.5 << 3 << 2 << "es" << "2,50";
-        QTest::newRow("cut zeros are dropped down to the minimum") << 2.701 << 2 << 0 << "en" << "2.7";
-        QTest::newRow("no digits") << 2.79 << 0 << 0 << "en" << "2";
-        QTest::newRow("large value in full") << 1e20 << 0 << 0 << "en" << "100000000000000000000";
-        QTest::newRow("minimum above maximum raises it") << 2.789 << 1 << 2 << "en" << "2.78";
-        QTest::newRow("not a number") << std::nan("") << 2 << 0 << "en" << "NaN";
-    }
-
-    void numbers()
-    {
-        QFETCH(double, value);
-        QFETCH(int, maxDigits);
-        QFETCH(int, minDigits);
-        QFETCH(QString, language);
-        QFETCH(QString, expected);
-        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
-        QCOMPARE(BMI18NManager::formatNumber(value, maxDigits, minDigits), expected);
+        const auto format = [](const char *language, double value, int maxDigits, int minDigits = 0) {
+            BMI18NManager::sharedInstance()->setCurrentLanguage(QString::fromLatin1(language));
+            return BMI18NManager::formatNumber(value, maxDigits, minDigits);
+        };
+        QCOMPARE(format("en", 0.29, 2), QStringLiteral("0.29")); // the decimal value is cut, not the double
+        QCOMPARE(format("en", 2.79, 1), QStringLiteral("2.7"));
+        QCOMPARE(format("es", 2.79, 1), QStringLiteral("2,7"));
+        QCOMPARE(format("es-MX", 2.79, 1), QStringLiteral("2.7")); // the locale is the full code
+        QCOMPARE(format("en", 1234.5, 2), QStringLiteral("1234.5")); // no grouping
+        QCOMPARE(format("en", -2.79, 1), QStringLiteral("-2.7"));
+        QCOMPARE(format("en", -0.04, 1), QStringLiteral("0")); // cut to zero: no sign
+        QCOMPARE(format("en", 12.0, 1, 1), QStringLiteral("12.0"));
+        QCOMPARE(format("es", 2.5, 3, 2), QStringLiteral("2,50"));
+        QCOMPARE(format("en", 2.701, 2), QStringLiteral("2.7")); // cut zeros are dropped down to the minimum
+        QCOMPARE(format("en", 2.79, 0), QStringLiteral("2"));
+        QCOMPARE(format("en", 1e20, 0), QStringLiteral("100000000000000000000"));
+        QCOMPARE(format("en", 2.789, 1, 2), QStringLiteral("2.78")); // a minimum above the maximum raises it
+        QCOMPARE(format("en", std::nan(""), 2), QStringLiteral("NaN"));
     }
 
     void startState_data()

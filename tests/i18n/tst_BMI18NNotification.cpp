@@ -38,35 +38,30 @@ private:
     {
         const bool main = QThread::currentThread() == QCoreApplication::instance()->thread();
         QMutexLocker lock(&m_mutex);
-        m_calls.append(QStringLiteral("%1 %2 %3 %4")
-                           .arg(QLatin1String(operation), n->name(), QLatin1String(n->metaObject()->className()),
-                                main ? QStringLiteral("main") : QStringLiteral("worker")));
+        m_calls.append(QStringLiteral("%1 %2 %3 %4").arg(QLatin1String(operation), n->name(),
+                                                         QLatin1String(n->metaObject()->className()),
+                                                         main ? QStringLiteral("main") : QStringLiteral("worker")));
     }
     mutable QMutex m_mutex;
     QStringList m_calls;
 };
 
-void post(const QString &which)
+void post(const QString &which, bool fromWorker = false)
 {
-    if (which == "available")
+    if (fromWorker) {
+        std::unique_ptr<QThread> worker(QThread::create([which] { post(which); }));
+        worker->start();
+        QVERIFY(worker->wait(5000));
+    } else if (which == "available") {
         BMI18NNotification::postTextBundleAvailable();
-    else if (which == "notAvailable")
+    } else if (which == "notAvailable") {
         BMI18NNotification::postTextBundleNotAvailable();
-    else
+    } else {
         BMLanguageChangeNotification::postLanguageChange();
-}
-
-void postFromWorker(const QString &which)
-{
-    QThread *worker = QThread::create([which] { post(which); });
-    worker->start();
-    QVERIFY(worker->wait(5000));
-    delete worker;
+    }
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(BMNotificationDelivery)
 
 class tst_BMI18NNotification : public QObject
 {
@@ -88,33 +83,24 @@ private Q_SLOTS:
         m_env.reset();
     }
 
-    void eachPostReachesItsOperationOnce_data()
-    {
-        QTest::addColumn<QString>("posted");
-        QTest::addColumn<QString>("call");
-        QTest::newRow("texts available") << "available" << "available kTextBundleAvailable BMI18NNotification main";
-        QTest::newRow("texts not available")
-            << "notAvailable" << "notAvailable kTextBundleNotAvailable BMI18NNotification main";
-        QTest::newRow("language changed")
-            << "languageChange" << "languageChange kLanguageChange BMLanguageChangeNotification main";
-    }
-
     void eachPostReachesItsOperationOnce()
     {
-        QFETCH(QString, posted);
-        QFETCH(QString, call);
         // Subscribing twice replaces the first registration.
         for (int i = 0; i < 2; ++i) {
             BMI18NNotification::subscribe(m_subscriber.get());
             BMLanguageChangeNotification::subscribe(m_subscriber.get());
         }
-        post(posted);
-        QCOMPARE(m_subscriber->calls(), QStringList{call});
-
+        for (const QString which : {"available", "notAvailable", "languageChange"})
+            post(which);
+        QCOMPARE(m_subscriber->calls(),
+                 (QStringList{"available kTextBundleAvailable BMI18NNotification main",
+                              "notAvailable kTextBundleNotAvailable BMI18NNotification main",
+                              "languageChange kLanguageChange BMLanguageChangeNotification main"}));
         BMI18NNotification::unsubscribe(m_subscriber.get());
         BMLanguageChangeNotification::unsubscribe(m_subscriber.get());
-        post(posted);
-        QCOMPARE(m_subscriber->calls().size(), 1);
+        for (const QString which : {"available", "notAvailable", "languageChange"})
+            post(which);
+        QCOMPARE(m_subscriber->calls().size(), 3);
     }
 
     void delivery_data()
@@ -122,16 +108,13 @@ private Q_SLOTS:
         QTest::addColumn<BMNotificationDelivery>("delivery");
         QTest::addColumn<bool>("fromWorker");
         QTest::addColumn<bool>("duringPost");
-        QTest::addColumn<QString>("call");
-
-        const QString onMain = "notAvailable kTextBundleNotAvailable BMI18NNotification main";
+        QTest::addColumn<QString>("thread");
         QTest::newRow("posting thread, posted by a worker: on the worker, during the post")
-            << BMNotificationDelivery::PostingThread << true << true
-            << "notAvailable kTextBundleNotAvailable BMI18NNotification worker";
+            << BMNotificationDelivery::PostingThread << true << true << "worker";
         QTest::newRow("main thread, posted by a worker: queued to the main thread")
-            << BMNotificationDelivery::MainThread << true << false << onMain;
+            << BMNotificationDelivery::MainThread << true << false << "main";
         QTest::newRow("main thread, posted on it: during the post")
-            << BMNotificationDelivery::MainThread << false << true << onMain;
+            << BMNotificationDelivery::MainThread << false << true << "main";
     }
 
     void delivery()
@@ -139,20 +122,18 @@ private Q_SLOTS:
         QFETCH(BMNotificationDelivery, delivery);
         QFETCH(bool, fromWorker);
         QFETCH(bool, duringPost);
-        QFETCH(QString, call);
+        QFETCH(QString, thread);
         BMI18NNotification::subscribe(m_subscriber.get(), delivery);
-        if (fromWorker)
-            postFromWorker("notAvailable");
-        else
-            post("notAvailable");
+        post("notAvailable", fromWorker);
         QCOMPARE(m_subscriber->calls().size(), duringPost ? 1 : 0);
-        QTRY_COMPARE(m_subscriber->calls(), QStringList{call});
+        QTRY_COMPARE(m_subscriber->calls(),
+                     QStringList{"notAvailable kTextBundleNotAvailable BMI18NNotification " + thread});
     }
 
     void aQueuedCallIsDroppedAfterUnsubscribe()
     {
         BMLanguageChangeNotification::subscribe(m_subscriber.get(), BMNotificationDelivery::MainThread);
-        postFromWorker("languageChange");
+        post("languageChange", true);
         BMLanguageChangeNotification::unsubscribe(m_subscriber.get());
         // The main queue keeps its order: past this marker, the call would have come.
         bool reached = false;
@@ -161,22 +142,16 @@ private Q_SLOTS:
         QVERIFY(m_subscriber->calls().isEmpty());
     }
 
-    void aThrowingSubscriberIsLoggedNotPropagated_data()
-    {
-        QTest::addColumn<BMNotificationDelivery>("delivery");
-        QTest::newRow("posting thread") << BMNotificationDelivery::PostingThread;
-        QTest::newRow("main thread") << BMNotificationDelivery::MainThread;
-    }
-
     void aThrowingSubscriberIsLoggedNotPropagated()
     {
-        QFETCH(BMNotificationDelivery, delivery);
-        LogCapture log;
         m_subscriber->throwing = true;
-        BMLanguageChangeNotification::subscribe(m_subscriber.get(), delivery);
-        BMLanguageChangeNotification::postLanguageChange();
-        QCOMPARE(m_subscriber->calls().size(), 1);
-        QVERIFY(log.contains("kLanguageChange threw"));
+        for (BMNotificationDelivery delivery : {BMNotificationDelivery::PostingThread, BMNotificationDelivery::MainThread}) {
+            LogCapture log;
+            BMLanguageChangeNotification::subscribe(m_subscriber.get(), delivery);
+            BMLanguageChangeNotification::postLanguageChange();
+            QVERIFY(log.contains("kLanguageChange threw"));
+        }
+        QCOMPARE(m_subscriber->calls().size(), 2);
     }
 
 private:

@@ -80,61 +80,36 @@ private Q_SLOTS:
         QVERIFY2(error.contains(QStringLiteral("line 2")), qPrintable(error));
     }
 
-    void pathForLocalization_data()
+    void pathsAndLookups()
     {
-        QTest::addColumn<QString>("lang");
-        QTest::addColumn<bool>("found");
-        QTest::newRow("English folder") << "en" << true;
-        QTest::newRow("Spanish folder without a table") << "es" << true;
-        QTest::newRow("no folder") << "fr" << false;
-        QTest::newRow("empty language") << "" << false;
-        QTest::newRow("a file, not a folder") << "pt" << false;
-        QTest::newRow("path out of the root") << "../outside" << false;
-        QTest::newRow("nested path") << "en.lproj/x" << false;
-    }
-
-    void pathForLocalization()
-    {
-        QFETCH(QString, lang);
-        QFETCH(bool, found);
         writeTable(QStringLiteral("en"), "\"a\" = \"1\";");
-        QVERIFY(QDir().mkpath(m_root + QStringLiteral("/es.lproj")));
+        writeTable(QStringLiteral("es"), "\"start\" = \"Iniciar\";\n\"blank\" = \"\";");
+        QVERIFY(QDir().mkpath(m_root + QStringLiteral("/fr.lproj")));
         QVERIFY(QDir().mkpath(m_root + QStringLiteral("/en.lproj/x.lproj")));
         QVERIFY(QDir().mkpath(m_env->filePath(QStringLiteral("outside.lproj"))));
         writeFile(m_root + QStringLiteral("/pt.lproj"), "not a folder");
         const LocalizedBundle bundle(m_root);
-        const QString path = bundle.pathForLocalization(lang);
-        QCOMPARE(path, found ? m_root + u'/' + lang + QStringLiteral(".lproj") : QString());
-        QCOMPARE(path.isNull(), !found);
-        QCOMPARE(bundle.pathForLocalization(lang), path); // the second answer comes from what was read
-    }
-
-    void localizedString_data()
-    {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("lang");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("table text wins over the value") << "start" << "Fallback" << "es" << "Iniciar";
-        QTest::newRow("absent key gives the value") << "absent" << "Fallback" << "es" << "Fallback";
-        QTest::newRow("absent key, empty value gives the key") << "absent" << "" << "es" << "absent";
-        QTest::newRow("an empty text is an answer") << "blank" << "Fallback" << "es" << "";
-        QTest::newRow("folder without a table gives the value") << "start" << "Fallback" << "fr" << "Fallback";
-        QTest::newRow("no folder, no value gives the key") << "start" << QString() << "missing" << "start";
-    }
-
-    void localizedString()
-    {
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QFETCH(QString, lang);
-        QFETCH(QString, expected);
-        writeTable(QStringLiteral("es"), "\"start\" = \"Iniciar\";\n\"blank\" = \"\";");
-        QVERIFY(QDir().mkpath(m_root + QStringLiteral("/fr.lproj")));
-        const LocalizedBundle bundle(m_root);
-        const QString text = bundle.localizedString(key, value, bundle.pathForLocalization(lang));
-        QCOMPARE(text, expected);
-        QVERIFY(!text.isNull());
+        // A folder with or without a table is found; nothing else is, nor a path out of the root.
+        for (const QString lang : {"en", "fr", "de", "", "pt", "../outside", "en.lproj/x"}) {
+            const QString path = bundle.pathForLocalization(lang);
+            const bool found = lang == "en" || lang == "fr";
+            QCOMPARE(path, found ? m_root + u'/' + lang + QStringLiteral(".lproj") : QString());
+            QCOMPARE(path.isNull(), !found);
+            QCOMPARE(bundle.pathForLocalization(lang), path); // the second answer comes from what was read
+        }
+        // Key, value, language, text.
+        const QList<std::array<QString, 4>> lookups{
+            {"start", "Fallback", "es", "Iniciar"},   // the table's text wins over the value
+            {"absent", "Fallback", "es", "Fallback"}, // an absent key gives the value...
+            {"absent", "", "es", "absent"},           // ...or, with none, the key
+            {"blank", "Fallback", "es", ""},          // an empty text is an answer
+            {"start", "Fallback", "fr", "Fallback"},  // a folder without a table
+            {"start", QString(), "missing", "start"}, // no folder, no value
+        };
+        for (const auto &[key, value, lang, expected] : lookups) {
+            const QString text = bundle.localizedString(key, value, bundle.pathForLocalization(lang));
+            QVERIFY2(text == expected && !text.isNull(), qPrintable(key + '/' + lang + ": " + text));
+        }
     }
 
     void localizations()

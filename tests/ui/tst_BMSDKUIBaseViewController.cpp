@@ -34,11 +34,7 @@ class Screen : public BMSDKUIBaseViewController
 
 public:
     Screen(const QString &name, Journal journal) : m_name(name), m_journal(std::move(journal)) { setObjectName(name); }
-    BMGAScreenClass screenNameAndClassForEventTracker() const override
-    {
-        return m_name.isEmpty() ? BMSDKUIBaseViewController::screenNameAndClassForEventTracker()
-                                : BMGAScreenClass(m_name, metaObject());
-    }
+    BMGAScreenClass screenNameAndClassForEventTracker() const override { return {m_name, metaObject()}; }
     void refreshUITexts() override { ++refreshes; }
     int refreshes = 0;
 
@@ -79,6 +75,10 @@ public:
 private:
     Journal m_journal;
 };
+
+// Which helper asks, whether its screen is gone first or it asks from a
+// worker, the buttons shown, the one pressed and the handler calls it makes.
+struct AlertCase { QString helper; bool screenGone, fromThread; QStringList buttons; int press, handled; };
 
 } // namespace
 
@@ -153,57 +153,41 @@ private Q_SLOTS:
         BMI18NManager::sharedInstance()->setCurrentLanguage("en");
     }
 
-    void findViewControllerOfClassReturnsTheUpperMatch_data()
-    {
-        QTest::addColumn<QStringList>("stack"); // pushed over the root; "o:" marks an OtherScreen
-        QTest::addColumn<QString>("cls");
-        QTest::addColumn<QString>("found");
-        QTest::newRow("two of the class: the upper") << QStringList{"o:A", "o:B", "C"} << "other" << "B";
-        QTest::newRow("a subclass counts") << QStringList{"C", "o:A"} << "screen" << "A";
-        QTest::newRow("only the root matches") << QStringList{"C"} << "other" << "";
-    }
-
     void findViewControllerOfClassReturnsTheUpperMatch()
     {
-        QFETCH(QStringList, stack);
-        QFETCH(QString, cls);
-        QFETCH(QString, found);
-        for (const QString &entry : stack)
-            push(entry.section(':', -1), entry.startsWith("o:"));
-        auto *top = static_cast<Screen *>(m_navigation->topViewController());
-        ViewController *match =
-            top->findViewControllerOfClass(cls == "other" ? OtherScreen::staticMetaObject : Screen::staticMetaObject);
-        QCOMPARE(match ? match->objectName() : QString(), found);
+        const auto found = [this](const QMetaObject &cls) {
+            const auto *top = static_cast<Screen *>(m_navigation->topViewController());
+            ViewController *match = top->findViewControllerOfClass(cls);
+            return match ? match->objectName() : QString();
+        };
+        push("C");
+        QCOMPARE(found(OtherScreen::staticMetaObject), QString());
+        push("A", true);
+        QCOMPARE(found(Screen::staticMetaObject), QStringLiteral("A")); // a subclass counts
+        push("B", true);
+        push("D");
+        QCOMPARE(found(OtherScreen::staticMetaObject), QStringLiteral("B")); // the upper of two
         Screen outside("Outside", m_journal);
         QVERIFY(!outside.findViewControllerOfClass(BMSDKUIBaseViewController::staticMetaObject));
     }
 
     void alertHelpersQueueAndSkipAGoneScreen_data()
     {
-        QTest::addColumn<QString>("helper");
-        QTest::addColumn<bool>("screenGone");
-        QTest::addColumn<bool>("fromThread");
-        QTest::addColumn<QStringList>("buttons");
-        QTest::addColumn<int>("press");
-        QTest::addColumn<int>("handled");
-        QTest::newRow("plain: ok only") << "plain" << false << false << QStringList{"OK"} << 0 << 0;
-        QTest::newRow("on cancel: ok closes") << "cancel" << false << false << QStringList{"OK", "Cancel"} << 0 << 0;
-        QTest::newRow("on cancel: cancel calls") << "cancel" << false << false << QStringList{"OK", "Cancel"} << 1
-                                                 << 1;
-        QTest::newRow("on ok: ok calls") << "ok" << false << false << QStringList{"OK"} << 0 << 1;
-        QTest::newRow("actions in list order") << "actions" << false << false << QStringList{"A", "B"} << 0 << 1;
-        QTest::newRow("from a worker thread") << "cancel" << false << true << QStringList{"OK", "Cancel"} << 1 << 1;
-        QTest::newRow("screen gone before the queue runs") << "cancel" << true << false << QStringList{} << 0 << 0;
+        QTest::addColumn<AlertCase>("alert");
+        const QStringList okCancel{"OK", "Cancel"};
+        QTest::newRow("plain: ok only") << AlertCase{"plain", false, false, {"OK"}, 0, 0};
+        QTest::newRow("on cancel: ok closes") << AlertCase{"cancel", false, false, okCancel, 0, 0};
+        QTest::newRow("on cancel: cancel calls") << AlertCase{"cancel", false, false, okCancel, 1, 1};
+        QTest::newRow("on ok: ok calls") << AlertCase{"ok", false, false, {"OK"}, 0, 1};
+        QTest::newRow("actions in list order") << AlertCase{"actions", false, false, {"A", "B"}, 0, 1};
+        QTest::newRow("from a worker thread") << AlertCase{"cancel", false, true, okCancel, 1, 1};
+        QTest::newRow("screen gone before the queue runs") << AlertCase{"cancel", true, false, {}, 0, 0};
     }
 
     void alertHelpersQueueAndSkipAGoneScreen()
     {
-        QFETCH(QString, helper);
-        QFETCH(bool, screenGone);
-        QFETCH(bool, fromThread);
-        QFETCH(QStringList, buttons);
-        QFETCH(int, press);
-        QFETCH(int, handled);
+        QFETCH(AlertCase, alert);
+        const auto &[helper, screenGone, fromThread, buttons, press, handled] = alert;
         m_navigation->show();
         QPointer<Screen> screen = push("Next");
         int calls = 0;
@@ -230,15 +214,15 @@ private Q_SLOTS:
         if (screenGone)
             delete screen.data();
         QCoreApplication::processEvents();
-        Alert *alert = Alert::shownAlert(m_navigation.get());
-        QCOMPARE(alert ? alert->buttonTitles() : QStringList{}, buttons);
-        if (!alert)
+        Alert *shown = Alert::shownAlert(m_navigation.get());
+        QCOMPARE(shown ? shown->buttonTitles() : QStringList{}, buttons);
+        if (!shown)
             return;
-        QCOMPARE(alert->title() + alert->message(), QStringLiteral("TM"));
+        QCOMPARE(shown->title() + shown->message(), QStringLiteral("TM"));
         // No button of the kit's own takes the platform's cancel style, not even "cancel".
         if (helper != "actions")
-            QCOMPARE(alert->actions().constLast().style(), AlertAction::Style::Default);
-        QVERIFY(alert->pressButtonAt(press));
+            QCOMPARE(shown->actions().constLast().style(), AlertAction::Style::Default);
+        QVERIFY(shown->pressButtonAt(press));
         QCOMPARE(calls, handled);
     }
 
@@ -315,9 +299,7 @@ private Q_SLOTS:
         QTest::newRow("show twice is one overlay") << "pp" << false << true << false;
         QTest::newRow("both forms at once") << "pc" << false << true << true;
         QTest::newRow("hide takes both down") << "pch" << false << false << false;
-        QTest::newRow("show after hide") << "phc" << false << false << true;
         QTest::newRow("from a worker thread") << "pch" << true << false << false;
-        QTest::newRow("show from a worker thread") << "c" << true << false << true;
     }
 
     void loadingCallsInOrderFromAnyThread()
@@ -381,32 +363,26 @@ private Q_SLOTS:
         QVERIFY(!view.isCircleShown());
     }
 
-    void loadingShowsAgainInTheNextWindow_data()
-    {
-        QTest::addColumn<bool>("deleteWindow");
-        QTest::newRow("its window closed while it was up") << false;
-        QTest::newRow("its window deleted while it was up") << true;
-    }
-
     void loadingShowsAgainInTheNextWindow()
     {
-        QFETCH(bool, deleteWindow);
-        auto window = std::make_unique<QWidget>();
-        showKeyWindow(window.get());
         BMLoadingView &view = BMLoadingView::sharedInstance();
-        view.show();
-        QCoreApplication::processEvents();
-        QVERIFY(view.overlay() && view.overlay()->isVisible());
-        if (deleteWindow)
-            window.reset();
-        else
-            window->close();
-        QWidget next;
-        showKeyWindow(&next);
-        view.show();
-        QCoreApplication::processEvents();
-        QVERIFY(view.overlay() && view.overlay()->isVisible());
-        QCOMPARE(view.overlay()->window(), &next);
+        for (const bool deleteWindow : {false, true}) {
+            // Its window closed, or deleted, while it was up.
+            auto window = std::make_unique<QWidget>();
+            showKeyWindow(window.get());
+            view.show();
+            QCoreApplication::processEvents();
+            QVERIFY(view.overlay() && view.overlay()->isVisible());
+            deleteWindow ? window.reset() : void(window->close());
+            QWidget next;
+            showKeyWindow(&next);
+            view.show();
+            QCoreApplication::processEvents();
+            QVERIFY(view.overlay() && view.overlay()->isVisible());
+            QCOMPARE(view.overlay()->window(), &next);
+            view.hide();
+            QCoreApplication::processEvents();
+        }
     }
 
 private:

