@@ -205,61 +205,40 @@ private Q_SLOTS:
         QVERIFY(!row(1)->isEditing() && !row(3)->isEditing() && !row(1)->deleteStrip()->isVisible());
     }
 
-    void deleteKeepsTheOtherRowsInOrder_data()
-    {
-        QTest::addColumn<QList<int>>("gone");
-        QTest::addColumn<bool>("inUpdates");
-        QTest::addColumn<QStringList>("left"); // what the data source has after the delete
-        QTest::newRow("two, out of order, in updates")
-            << QList<int>{3, 0} << true << QStringList{"Spot 2", "Spot 3", "Spot 5"};
-        QTest::newRow("the data source kept it: reload")
-            << QList<int>{1, 42} << false << QStringList{"Spot 1", "Spot 2", "Spot 3", "Spot 4", "Spot 5"};
-    }
-
     void deleteKeepsTheOtherRowsInOrder()
     {
-        QFETCH(QList<int>, gone);
-        QFETCH(bool, inUpdates);
-        QFETCH(QStringList, left);
         m_source.items = m_source.items.mid(0, 5);
         m_table->reloadData();
-        QList<IndexPath> paths;
-        for (const int i : gone)
-            paths << IndexPath(i, 0);
-        m_source.items = left;
-        if (inUpdates)
-            m_table->beginUpdates();
-        m_table->deleteRowsAtIndexPaths(paths, TableView::RowAnimation::Fade);
-        if (inUpdates)
-            m_table->endUpdates();
-        QCOMPARE(captions(), left);
-        for (int i = 0; i < left.size(); ++i)
-            QCOMPARE(row(i)->y(), 40 * i);
-        QCOMPARE(m_table->contentHeight(), 40 * int(left.size()));
+        const auto rowsAt40 = [this](const QStringList &left) {
+            QCOMPARE(captions(), left);
+            for (int i = 0; i < left.size(); ++i)
+                QCOMPARE(row(i)->y(), 40 * i);
+            QCOMPARE(m_table->contentHeight(), 40 * int(left.size()));
+        };
+        // Two, out of order, in updates.
+        m_source.items = QStringList{"Spot 2", "Spot 3", "Spot 5"};
+        m_table->beginUpdates();
+        m_table->deleteRowsAtIndexPaths({IndexPath(3, 0), IndexPath(0, 0)}, TableView::RowAnimation::Fade);
+        m_table->endUpdates();
+        rowsAt40(m_source.items);
+        // The data source kept the row: the table reloads.
+        m_table->deleteRowsAtIndexPaths({IndexPath(1, 0), IndexPath(42, 0)}, TableView::RowAnimation::Fade);
+        rowsAt40(m_source.items);
         QCOMPARE(m_source.made, 10); // rows came back from the pool, none made anew
-    }
-
-    void clickSelects_data()
-    {
-        QTest::addColumn<bool>("allows");
-        QTest::addColumn<bool>("onButton");
-        QTest::addColumn<QList<int>>("selected");
-        QTest::newRow("on the caption") << true << false << QList<int>{4};
-        QTest::newRow("selection off") << false << false << QList<int>{};
-        QTest::newRow("the button's own") << true << true << QList<int>{};
     }
 
     void clickSelects()
     {
-        QFETCH(bool, allows);
-        QFETCH(bool, onButton);
-        QFETCH(QList<int>, selected);
-        m_table->setAllowsSelection(allows);
+        // On the caption it selects; with selection off or on the row's button, it does not.
         m_table->setContentOffset(QPoint(0, 100), false);
         QSignalSpy buttonClicks(row(4)->button, &QPushButton::clicked);
-        QTest::mouseClick(onButton ? static_cast<QWidget *>(row(4)->button) : row(4)->caption, Qt::LeftButton);
-        QCOMPARE(m_source.selected, selected);
-        QCOMPARE(buttonClicks.size(), onButton ? 1 : 0);
+        for (const auto &[allows, onButton] : {std::pair{true, false}, {false, false}, {true, true}}) {
+            m_source.selected.clear();
+            m_table->setAllowsSelection(allows);
+            QTest::mouseClick(onButton ? static_cast<QWidget *>(row(4)->button) : row(4)->caption, Qt::LeftButton);
+            QCOMPARE(m_source.selected, allows && !onButton ? QList<int>{4} : QList<int>{});
+        }
+        QCOMPARE(buttonClicks.size(), 1);
     }
 
     void tableScrollTargets()
@@ -306,65 +285,48 @@ private Q_SLOTS:
         QCOMPARE(animated.size(), 0);
     }
 
-    void animatedPageMovesReportTheirEndOnce_data()
-    {
-        QTest::addColumn<int>("duration");
-        QTest::addColumn<bool>("viaRectangle");
-        QTest::newRow("at once, offset") << 0 << false;
-        QTest::newRow("30 ms, rectangle") << 30 << true;
-    }
-
     void animatedPageMovesReportTheirEndOnce()
     {
-        QFETCH(int, duration);
-        QFETCH(bool, viaRectangle);
-        ScrollView::setAnimationDuration(duration);
-        QSignalSpy ended(m_pages.get(), &ScrollView::didEndScrollingAnimation);
-        // A move replaced before it ends reports only the second.
-        m_pages->setContentOffset(QPoint(300, 0), true);
-        if (viaRectangle)
-            m_pages->scrollRectToVisible(QRect(600, 0, 300, 150), true);
-        else
-            m_pages->setContentOffset(QPoint(600, 0), true);
-        QCOMPARE(ended.size(), 0); // never before the event loop turns
-        QTRY_COMPARE(ended.size(), 1);
-        QCOMPARE(m_pages->contentOffset(), QPoint(600, 0));
-        // A move without animation reports nothing.
-        m_pages->setContentOffset(QPoint(0, 0), false);
-        QVERIFY(quiet(m_pages.get()));
-        QCOMPARE(ended.size(), 1);
-    }
-
-    void aClickBesideTheCurrentDotMovesOnePage_data()
-    {
-        QTest::addColumn<int>("current");
-        QTest::addColumn<int>("clickX"); // from the current dot's centre
-        QTest::addColumn<int>("page");
-        QTest::newRow("far right of the second still one page") << 1 << 60 << 2;
-        QTest::newRow("left of the first stays") << 0 << -20 << 0;
-        QTest::newRow("on the current dot") << 2 << 1 << 2;
+        for (const int duration : {0, 30}) {
+            ScrollView::setAnimationDuration(duration);
+            m_pages->setContentOffset(QPoint(0, 0), false);
+            QSignalSpy ended(m_pages.get(), &ScrollView::didEndScrollingAnimation);
+            // A move replaced before it ends reports only the second.
+            m_pages->setContentOffset(QPoint(300, 0), true);
+            if (duration)
+                m_pages->scrollRectToVisible(QRect(600, 0, 300, 150), true);
+            else
+                m_pages->setContentOffset(QPoint(600, 0), true);
+            QCOMPARE(ended.size(), 0); // never before the event loop turns
+            QTRY_COMPARE(ended.size(), 1);
+            QCOMPARE(m_pages->contentOffset(), QPoint(600, 0));
+            // A move without animation reports nothing.
+            m_pages->setContentOffset(QPoint(0, 0), false);
+            QVERIFY(quiet(m_pages.get()));
+            QCOMPARE(ended.size(), 1);
+        }
     }
 
     void aClickBesideTheCurrentDotMovesOnePage()
     {
-        QFETCH(int, current);
-        QFETCH(int, clickX);
-        QFETCH(int, page);
-        PageControl control;
-        control.setNumberOfPages(4);
-        control.setCurrentPage(current);
-        control.resize(200, 20);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        QSignalSpy changed(&control, &PageControl::valueChanged);
-        QTest::mouseClick(&control, Qt::LeftButton, {}, control.dotCentre(current).toPoint() + QPoint(clickX, 0));
-        QCOMPARE(control.currentPage(), page);
-        QCOMPARE(changed.size(), page == current ? 0 : 1);
-        // The dots in the kit's colours, the current one highlighted.
-        const QImage image = control.grab().toImage();
-        for (int dot = 0; dot < 4; ++dot) {
-            const QColor expected = Color::named(dot == page ? "medium_blue" : "disable_gray");
-            QCOMPARE(image.pixel((control.dotCentre(dot) * image.devicePixelRatio()).toPoint()), expected.rgb());
+        // From page, click this far from its dot's centre, to page.
+        for (const auto &[current, clickX, page] : {std::tuple{1, 60, 2}, {0, -20, 0}, {2, 1, 2}, {2, -5, 1}}) {
+            PageControl control;
+            control.setNumberOfPages(4);
+            control.setCurrentPage(current);
+            control.resize(200, 20);
+            control.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&control));
+            QSignalSpy changed(&control, &PageControl::valueChanged);
+            QTest::mouseClick(&control, Qt::LeftButton, {}, control.dotCentre(current).toPoint() + QPoint(clickX, 0));
+            QCOMPARE(control.currentPage(), page);
+            QCOMPARE(changed.size(), page == current ? 0 : 1);
+            // The dots in the kit's colours, the current one highlighted.
+            const QImage image = control.grab().toImage();
+            for (int dot = 0; dot < 4; ++dot) {
+                const QColor expected = Color::named(dot == page ? "medium_blue" : "disable_gray");
+                QCOMPARE(image.pixel((control.dotCentre(dot) * image.devicePixelRatio()).toPoint()), expected.rgb());
+            }
         }
     }
 

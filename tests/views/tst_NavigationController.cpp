@@ -103,85 +103,60 @@ private Q_SLOTS:
         m_env.reset();
     }
 
-    void lifecycleOfAScreenOfItsOwn_data()
-    {
-        QTest::addColumn<QStringList>("steps");
-        QTest::addColumn<QStringList>("expected");
-        const QStringList shown{"L.didLoad", "L.willAppear", "L.didAppear"};
-        QTest::newRow("never asked: nothing") << QStringList{} << QStringList{};
-        QTest::newRow("load if needed twice: loads once") << QStringList{"load", "load"} << QStringList{"L.didLoad"};
-        QTest::newRow("asked for again inside viewDidLoad: loads once")
-            << QStringList{"reentrant"} << QStringList{"L.didLoad"};
-        QTest::newRow("shown, hidden, shown: one load")
-            << QStringList{"show", "hide", "show"}
-            << shown + QStringList{"L.willDisappear", "L.didDisappear", "L.willAppear", "L.didAppear"};
-        QTest::newRow("asked to appear twice: appears once") << QStringList{"appear", "appear"} << shown;
-        QTest::newRow("asked to disappear when not shown: nothing") << QStringList{"disappear"} << QStringList{};
-    }
-
     void lifecycleOfAScreenOfItsOwn()
     {
-        QFETCH(QStringList, steps);
-        QFETCH(QStringList, expected);
-        m_journal->clear();
         Recording screen("L", m_journal);
-        screen.onLoad = [&screen, steps] {
-            QVERIFY(screen.isViewLoaded());
-            if (steps.contains("reentrant"))
-                screen.loadViewIfNeeded();
-        };
-        for (const QString &step : steps) {
-            if (step == "load" || step == "reentrant")
-                screen.loadViewIfNeeded();
-            else if (step == "show" || step == "hide")
-                screen.setVisible(step == "show");
-            else {
-                screen.beginAppearanceTransition(step == "appear", false);
-                screen.endAppearanceTransition();
-            }
+        QVERIFY(m_journal->isEmpty()); // nothing until it is asked
+        // Loaded once, even when asked again inside viewDidLoad.
+        screen.onLoad = [&screen] { screen.loadViewIfNeeded(); };
+        screen.loadViewIfNeeded();
+        screen.loadViewIfNeeded();
+        // Asked to disappear when not shown: nothing; to appear twice: once.
+        for (const bool appearing : {false, true, true}) {
+            screen.beginAppearanceTransition(appearing, false);
+            screen.endAppearanceTransition();
         }
-        QCOMPARE(*m_journal, expected);
-    }
-
-    void layoutPasses_data()
-    {
-        QTest::addColumn<bool>("loaded");
-        QTest::addColumn<QString>("trigger");
-        QTest::addColumn<int>("passes");
-        QTest::newRow("a resize is a pass") << true << "resize" << 1;
-        QTest::newRow("a layout request is a pass") << true << "request" << 1;
-        QTest::newRow("a child's new size hint leads to a pass") << true << "child" << 1;
-        QTest::newRow("a pass that resizes the view does not recurse") << true << "self-resize" << 1;
-        QTest::newRow("no pass before the view has loaded") << false << "resize" << 0;
+        QCOMPARE(*m_journal, (QStringList{"L.didLoad", "L.willAppear", "L.didAppear"}));
+        // Shown as a window, hidden, shown: one load.
+        m_journal->clear();
+        Recording window("W", m_journal);
+        for (const bool visible : {true, false, true})
+            window.setVisible(visible);
+        QCOMPARE(*m_journal, (QStringList{"W.didLoad", "W.willAppear", "W.didAppear", "W.willDisappear",
+                                          "W.didDisappear", "W.willAppear", "W.didAppear"}));
     }
 
     void layoutPasses()
     {
-        QFETCH(bool, loaded);
-        QFETCH(QString, trigger);
-        QFETCH(int, passes);
         Recording screen("L", m_journal);
         auto *label = new QLabel("short", &screen);
         (new QVBoxLayout(&screen))->addWidget(label);
         screen.resize(200, 200);
-        if (loaded) {
-            screen.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&screen));
-        }
         QCoreApplication::processEvents();
-        screen.layoutCount = 0;
-        if (trigger == "self-resize")
-            screen.onLayout = [&screen] { screen.resize(screen.width() + 10, screen.height()); };
-        if (trigger == "request") {
-            QEvent request(QEvent::LayoutRequest);
-            QCoreApplication::sendEvent(&screen, &request);
-        } else if (trigger == "child") {
-            label->setText("a longer text");
-            QCoreApplication::sendPostedEvents(&screen, QEvent::LayoutRequest);
-        } else {
-            screen.resize(300, 240);
-        }
-        QCOMPARE(screen.layoutCount, passes);
+        QCOMPARE(screen.layoutCount, 0); // none before the view has loaded
+        screen.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&screen));
+        QCoreApplication::processEvents();
+        // A resize, a layout request, a child's new size hint: one pass each.
+        const auto passes = [&screen](const std::function<void()> &trigger) {
+            screen.layoutCount = 0;
+            trigger();
+            return screen.layoutCount;
+        };
+        QCOMPARE(passes([&] { screen.resize(300, 240); }), 1);
+        QCOMPARE(passes([&] {
+                     QEvent request(QEvent::LayoutRequest);
+                     QCoreApplication::sendEvent(&screen, &request);
+                 }),
+                 1);
+        QCOMPARE(passes([&] {
+                     label->setText("a longer text");
+                     QCoreApplication::sendPostedEvents(&screen, QEvent::LayoutRequest);
+                 }),
+                 1);
+        // A pass that resizes the view does not recurse.
+        screen.onLayout = [&screen] { screen.resize(screen.width() + 10, screen.height()); };
+        QCOMPARE(passes([&] { screen.resize(320, 240); }), 1);
     }
 
     void lifecycleInAStack_data()
