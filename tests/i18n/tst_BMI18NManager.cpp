@@ -43,6 +43,13 @@ private:
     }
 };
 
+// The device language, a stored record, whether both bundles are cached; the
+// language code and the language shown; whether the stored stamps are kept.
+struct Start { QString osLanguage; QVariant record; bool cacheFiles; QString langCode, current; bool stampsKept; };
+// The current language and stored stamps, the service's es and en files; the
+// bundles asked for, the outcomes, the probe text after it.
+struct Refresh { QString language; QVariantMap stored; QByteArray es, en; QStringList downloads; int available, notAvailable; QString probe; };
+
 QString cacheFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
@@ -187,49 +194,32 @@ private Q_SLOTS:
 
     void startState_data()
     {
-        QTest::addColumn<QString>("osLanguage");
-        QTest::addColumn<QVariant>("record");
-        QTest::addColumn<bool>("cacheFiles");
-        QTest::addColumn<QString>("langCode");
-        QTest::addColumn<QString>("current");
-        QTest::addColumn<bool>("stampsKept");
-
-        const QVariantMap stamps{{"es", 5}, {"en", 7}};
-        const QVariant esRecord = QVariantMap{{kI18NLanguageKey, "es"}, {kI18NTimeStampKey, stamps}};
-        QTest::newRow("no record: the device language without region")
-            << "es-AR" << QVariant() << false << "es" << "es" << false;
+        QTest::addColumn<Start>("start");
+        const QVariant esRecord = QVariantMap{{kI18NLanguageKey, "es"}, {kI18NTimeStampKey, QVariantMap{{"es", 5}, {"en", 7}}}};
+        QTest::newRow("no record: the device language without region") << Start{"es-AR", {}, false, "es", "es", false};
         QTest::newRow("no record, device language not offered: English shown")
-            << "pt-BR" << QVariant() << false << "pt" << "en" << false;
-        QTest::newRow("a stored language is offered") << "en-US"
-            << QVariant(QVariantMap{{kI18NLanguageKey, "pt"}, {kI18NTimeStampKey, stamps}}) << true << "pt" << "pt"
-            << true;
-        QTest::newRow("stamps kept with both bundles cached") << "en-US" << esRecord << true << "es" << "es" << true;
-        QTest::newRow("stamps dropped without cached bundles") << "en-US" << esRecord << false << "es" << "es" << false;
-        QTest::newRow("a record of the wrong type is ignored")
-            << "es-ES" << QVariant(QStringLiteral("garbage")) << true << "es" << "es" << false;
+            << Start{"pt-BR", {}, false, "pt", "en", false};
+        QTest::newRow("stamps kept with both bundles cached") << Start{"en-US", esRecord, true, "es", "es", true};
+        QTest::newRow("stamps dropped without cached bundles") << Start{"en-US", esRecord, false, "es", "es", false};
+        QTest::newRow("a record of the wrong type is ignored") << Start{"es-ES", "garbage", true, "es", "es", false};
     }
 
     void startState()
     {
-        QFETCH(QString, osLanguage);
-        BMSDKGeneralUtilities::setOSLanguageOverride(osLanguage);
-        QFETCH(QVariant, record);
-        if (record.isValid())
-            Brightmere::UserDefaults::standard().setObject(record, kI18NDataKey);
-        QFETCH(bool, cacheFiles);
-        if (cacheFiles) {
+        QFETCH(Start, start);
+        BMSDKGeneralUtilities::setOSLanguageOverride(start.osLanguage);
+        if (start.record.isValid())
+            Brightmere::UserDefaults::standard().setObject(start.record, kI18NDataKey);
+        if (start.cacheFiles) {
             writeFile(cacheFolder() + "/bundle_en", "k_all=cached en\n");
             writeFile(cacheFolder() + "/bundle_user", "k_all=cached user\n");
         }
         BMI18NManager *manager = BMI18NManager::sharedInstance();
-        QFETCH(QString, langCode);
-        QCOMPARE(manager->languageCode(), langCode);
-        QFETCH(QString, current);
-        QCOMPARE(manager->currentLanguage(), current);
+        QCOMPARE(manager->languageCode(), start.langCode);
+        QCOMPARE(manager->currentLanguage(), start.current);
         QCOMPARE(BMSDKGeneralUtilities::language(), manager->currentLanguage());
-        QFETCH(bool, stampsKept);
-        QCOMPARE(manager->timestampForLanguage("en").has_value(), stampsKept);
-        if (cacheFiles && manager->languageCode() != "en")
+        QCOMPARE(manager->timestampForLanguage("en").has_value(), start.stampsKept);
+        if (start.cacheFiles)
             QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("cached user"));
     }
 
@@ -265,66 +255,46 @@ private Q_SLOTS:
     // A refresh against the local service, from stored state to the requests made and their outcome.
     void refresh_data()
     {
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QVariantMap>("stored");
-        QTest::addColumn<QVariantMap>("files");
-        QTest::addColumn<QStringList>("downloads");
-        QTest::addColumn<int>("available");
-        QTest::addColumn<int>("notAvailable");
-        QTest::addColumn<QString>("probe");
+        QTest::addColumn<Refresh>("refresh");
         auto file = [](const QByteArray &ts, const QByteArray &contents = R"({"probe": "new"})") {
-            return QVariant(QByteArray("{\"ts\": " + ts + ", \"contents\": " + contents + "}"));
+            return QByteArray("{\"ts\": " + ts + ", \"contents\": " + contents + "}");
         };
         const QVariantMap stamps{{"es", 5}, {"en", 7}};
         const QString old = "cached";
-        QTest::newRow("es: both stamps equal, nothing downloaded")
-            << "es" << stamps << QVariantMap{{"es", file("5")}, {"en", file("7")}} << QStringList() << 1 << 0 << old;
-        QTest::newRow("es: its stamp changed") << "es" << stamps << QVariantMap{{"es", file("6")}, {"en", file("7")}}
-                                               << QStringList{"es"} << 1 << 0 << "new";
-        QTest::newRow("es: the English stamp changed") << "es" << stamps
-            << QVariantMap{{"es", file("5")}, {"en", file("8")}} << QStringList{"en"} << 1 << 0 << old;
+        QTest::newRow("es: both stamps equal, nothing downloaded") << Refresh{"es", stamps, file("5"), file("7"), {}, 1, 0, old};
+        QTest::newRow("es: its stamp changed") << Refresh{"es", stamps, file("6"), file("7"), {"es"}, 1, 0, "new"};
+        QTest::newRow("es: the English stamp changed") << Refresh{"es", stamps, file("5"), file("8"), {"en"}, 1, 0, old};
         QTest::newRow("es: both changed, two downloads and two outcomes")
-            << "es" << stamps << QVariantMap{{"es", file("6")}, {"en", file("8")}} << QStringList{"en", "es"} << 2 << 0
-            << "new";
-        QTest::newRow("es: no stored stamp for es") << "es" << QVariantMap{{"en", 7}}
-            << QVariantMap{{"es", file("5")}, {"en", file("7")}} << QStringList{"es"} << 1 << 0 << "new";
+            << Refresh{"es", stamps, file("6"), file("8"), {"en", "es"}, 2, 0, "new"};
+        QTest::newRow("es: no stored stamp for es") << Refresh{"es", {{"en", 7}}, file("5"), file("7"), {"es"}, 1, 0, "new"};
         QTest::newRow("es: the listed stamp is a text, so missing; the bundle's too")
-            << "es" << stamps << QVariantMap{{"es", file("\"5\"")}, {"en", file("7")}} << QStringList{"es"} << 1 << 0
-            << "new";
-        QTest::newRow("en current: one request only") << "en" << QVariantMap{{"en", 7}}
-            << QVariantMap{{"es", file("9")}, {"en", file("8")}} << QStringList{"en"} << 1 << 0 << "new";
+            << Refresh{"es", stamps, file("\"5\""), file("7"), {"es"}, 1, 0, "new"};
+        QTest::newRow("en current: one request only")
+            << Refresh{"en", {{"en", 7}}, file("9"), file("8"), {"en"}, 1, 0, "new"};
         QTest::newRow("a language the service does not list is still asked for")
-            << "pt" << QVariantMap{{"pt", 5}, {"en", 7}} << QVariantMap{{"es", file("5")}, {"en", file("7")}}
-            << QStringList{"pt"} << 0 << 1 << old;
-        QTest::newRow("contents as a list: refused, texts kept") << "es" << stamps
-            << QVariantMap{{"es", file("6", "[\"probe\"]")}, {"en", file("7")}} << QStringList{"es"} << 0 << 1 << old;
-        QTest::newRow("texts that are not text are skipped") << "es" << stamps
-            << QVariantMap{{"es", file("6", R"({"probe": "new", "n": 5, "o": {}, "z": null})")}, {"en", file("7")}}
-            << QStringList{"es"} << 1 << 0 << "new";
+            << Refresh{"pt", {{"pt", 5}, {"en", 7}}, file("5"), file("7"), {"pt"}, 0, 1, old};
+        QTest::newRow("contents as a list: refused, texts kept")
+            << Refresh{"es", stamps, file("6", "[\"probe\"]"), file("7"), {"es"}, 0, 1, old};
+        QTest::newRow("texts that are not text are skipped")
+            << Refresh{"es", stamps, file("6", R"({"probe": "new", "n": 5, "o": {}, "z": null})"), file("7"), {"es"}, 1, 0, "new"};
     }
 
     void refresh()
     {
-        QFETCH(QString, language);
-        QFETCH(QVariantMap, files);
-        QFETCH(QVariantMap, stored);
-        QFETCH(int, available);
-        QFETCH(int, notAvailable);
-        QFETCH(QStringList, downloads);
-        QFETCH(QString, probe);
-        storeRecord(language, stored);
+        QFETCH(Refresh, refresh);
+        storeRecord(refresh.language, refresh.stored);
         writeFile(cacheFolder() + "/bundle_en", "probe=cached\n");
-        if (language != "en")
+        if (refresh.language != "en")
             writeFile(cacheFolder() + "/bundle_user", "probe=cached\n");
-        for (auto it = files.cbegin(); it != files.cend(); ++it)
-            writeFile(m_service->folder() + '/' + it.key() + ".json", it.value().toByteArray());
+        writeFile(m_service->folder() + "/es.json", refresh.es);
+        writeFile(m_service->folder() + "/en.json", refresh.en);
 
         BMI18NManager::sharedInstance()->updateBundleTexts();
-        QTRY_COMPARE(m_outcomes->total(), available + notAvailable);
+        QTRY_COMPARE(m_outcomes->total(), refresh.available + refresh.notAvailable);
         QVERIFY(settle());
         QCoreApplication::processEvents();
-        QCOMPARE(m_outcomes->available.load(), available);
-        QCOMPARE(m_outcomes->notAvailable.load(), notAvailable);
+        QCOMPARE(m_outcomes->available.load(), refresh.available);
+        QCOMPARE(m_outcomes->notAvailable.load(), refresh.notAvailable);
         QVERIFY(!m_outcomes->offMainThread);
         QStringList requested;
         for (const QString &path : m_service->requestedPaths()) {
@@ -332,8 +302,8 @@ private Q_SLOTS:
                 requested.append(path.section('/', -1));
         }
         requested.sort();
-        QCOMPARE(requested, downloads);
-        QCOMPARE(BMI18NManager::stringForCode("probe"), probe);
+        QCOMPARE(requested, refresh.downloads);
+        QCOMPARE(BMI18NManager::stringForCode("probe"), refresh.probe);
     }
 
     void hostileLanguageCodes_data()
@@ -436,31 +406,25 @@ private Q_SLOTS:
         QCOMPARE(manager->timestampForLanguage("en"), std::optional<double>(9));
     }
 
-    void cacheFiles_data()
-    {
-        // Other bytes are the fuzz replay's (tests/fuzz/corpus/bundle_file).
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<Texts>("expected");
-        QTest::newRow("text holding '=', line without '=' skipped, a later line wins")
-            << QByteArray("a=b=c\nabc\nk=1\nk=2\n") << Texts{{"a", "b=c"}, {"k", "2"}};
-        QTest::newRow("the last line needs no line feed") << QByteArray("k=v") << Texts{{"k", "v"}};
-        QTest::newRow("backslash-n becomes a line feed") << QByteArray("k=C:\\new\n") << Texts{{"k", "C:\new"}};
-        QTest::newRow("UTF-8 text") << QByteArray("es=Espa\xc3\xb1ol\n") << Texts{{"es", "Espa\u00f1ol"}};
-        QTest::newRow("not UTF-8: ignored") << QByteArray("k=v\n\xff\xfe\x00\x01", 8) << Texts();
-    }
-
     void cacheFiles()
     {
-        QFETCH(QByteArray, file);
-        QFETCH(Texts, expected);
-        writeFile(cacheFolder() + "/bundle_user", file);
+        // Other bytes are the fuzz replay's (tests/fuzz/corpus/bundle_file).
+        const QList<std::pair<QByteArray, Texts>> files{
+            {"a=b=c\nabc\nk=1\nk=2\n", {{"a", "b=c"}, {"k", "2"}}}, // '=' in a text; a line without one; a later line wins
+            {"k=v", {{"k", "v"}}},                                  // the last line needs no line feed
+            {"k=C:\\new\n", {{"k", "C:\new"}}},                     // backslash-n is a line feed
+            {"es=Espa\xc3\xb1ol\n", {{"es", "Espa\u00f1ol"}}},
+            {QByteArray("k=v\n\xff\xfe\x00\x01", 8), {}},             // not UTF-8: ignored
+        };
         BMI18NManager *manager = BMI18NManager::sharedInstance();
-        QCOMPARE(manager->loadBundle("es"), expected);
-        // Whatever the file held, lookups work.
-        QCOMPARE(BMI18NManager::stringForCode("k_fwen"), QStringLiteral("fw en k_fwen"));
-        // Written back and read again, what was read is kept (line feeds included).
-        manager->saveBundle("es", expected);
-        QCOMPARE(manager->loadBundle("es"), expected);
+        for (const auto &[file, expected] : files) {
+            writeFile(cacheFolder() + "/bundle_user", file);
+            QCOMPARE(manager->loadBundle("es"), expected);
+            // Written back and read again, what was read is kept (line feeds included).
+            manager->saveBundle("es", expected);
+            QCOMPARE(manager->loadBundle("es"), expected);
+        }
+        QCOMPARE(BMI18NManager::stringForCode("k_fwen"), QStringLiteral("fw en k_fwen")); // lookups work
     }
 
     void anUnwritableCacheFolderKeepsTextsInMemory()

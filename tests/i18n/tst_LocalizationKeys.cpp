@@ -10,7 +10,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <algorithm>
 
 using Brightmere::StringFormat;
 using Brightmere::StringTable;

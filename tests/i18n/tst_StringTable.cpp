@@ -67,19 +67,6 @@ private Q_SLOTS:
         QVERIFY2(errorLine ? error.startsWith(prefix) : error.isEmpty(), qPrintable(error));
     }
 
-    void loadFallsBackAndNamesTheFault()
-    {
-        QString error;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("missing.strings")));
-        QVERIFY(StringTable::load(m_env->filePath(QStringLiteral("missing.strings")), &error).isEmpty());
-        QVERIFY(error.contains(QStringLiteral("missing.strings")));
-        const QString broken = m_env->filePath(QStringLiteral("broken.strings"));
-        writeFile(broken, "\"a\" = \"1\";\n\"b\" = ;\n");
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("broken.strings")));
-        QCOMPARE(StringTable::load(broken, &error).value(QStringLiteral("a")), QStringLiteral("1"));
-        QVERIFY2(error.contains(QStringLiteral("line 2")), qPrintable(error));
-    }
-
     void pathsAndLookups()
     {
         writeTable(QStringLiteral("en"), "\"a\" = \"1\";");
@@ -110,17 +97,6 @@ private Q_SLOTS:
             const QString text = bundle.localizedString(key, value, bundle.pathForLocalization(lang));
             QVERIFY2(text == expected && !text.isNull(), qPrintable(key + '/' + lang + ": " + text));
         }
-    }
-
-    void localizations()
-    {
-        writeTable(QStringLiteral("es"), "");
-        writeTable(QStringLiteral("en"), "");
-        QVERIFY(QDir().mkpath(m_root + QStringLiteral("/pt-BR.lproj")));
-        QVERIFY(QDir().mkpath(m_root + QStringLiteral("/Base")));
-        writeFile(m_root + QStringLiteral("/de.lproj"), "a file");
-        QCOMPARE(LocalizedBundle(m_root).localizations(), (QStringList{"en", "es", "pt-BR"}));
-        QVERIFY(LocalizedBundle(m_env->filePath(QStringLiteral("nowhere"))).localizations().isEmpty());
     }
 
     void hostTablesLiveUnderMain()

@@ -1,6 +1,5 @@
 // The shared look: colours, the kit's face, forms by class name, focus, the
 // framework's images and the main button.
-#include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BMMainButton.h"
