@@ -152,25 +152,6 @@ private Q_SLOTS:
         QCOMPARE(m_plot->isRecording(), recording.last());
     }
 
-    void dataSourceAnswers()
-    {
-        // Line 0 holds {10, 11}, line 1 {11, 30, 31}; the newest sample is the fourth.
-        run({"10", "11", "r", "30", "31"});
-        ScatterPlot *older = m_plot->allPlots()->at(0);
-        ScatterPlot *newer = m_plot->allPlots()->at(1);
-        QCOMPARE(m_plot->numberOfRecordsForPlot(older), 2);
-        QCOMPARE(m_plot->numberOfRecordsForPlot(newer), 3);
-        QCOMPARE(m_plot->numberForPlot(newer, 0, 2), QVariant(qulonglong(3)));
-        QCOMPARE(m_plot->numberForPlot(newer, 0, 0), QVariant(qulonglong(1))); // the joining point
-        QCOMPARE(m_plot->numberForPlot(older, 0, 0), QVariant(qulonglong(2)));
-        QCOMPARE(m_plot->numberForPlot(newer, 1, 1), QVariant(30.0));
-        // Beyond the line, another field, a negative field: absent.
-        QCOMPARE(m_plot->numberForPlot(older, 1, 2), QVariant());
-        QCOMPARE(m_plot->numberForPlot(newer, 2, 0), QVariant());
-        QCOMPARE(m_plot->numberForPlot(newer, -1, 0), QVariant());
-        QVERIFY(m_plot->symbolForScatterPlot(newer, 2));
-    }
-
     void beforeRenderingOnlyTheSpeedAxisFollows()
     {
         RealTimePlot fresh;
@@ -271,6 +252,16 @@ private Q_SLOTS:
             QCOMPARE(ChartThemeRegistry::themeNamed(name)->name(), name);
         for (const QString name : {"bm clear", "Plain White", ""})
             QVERIFY(!ChartThemeRegistry::themeNamed(name));
+        // Items sort by section, then title, whatever the case.
+        const auto item = [](const char *section, const char *title) {
+            auto plotItem = std::make_unique<PlotItem>();
+            plotItem->setSection(QString::fromLatin1(section));
+            plotItem->setTitle(QString::fromLatin1(title));
+            return plotItem;
+        };
+        QVERIFY(item("Bar Plots", "Z")->titleCompare(*item("line plots", "A")) < 0);
+        QVERIFY(item("line plots", "b")->titleCompare(*item("Line Plots", "A")) > 0);
+        QVERIFY(item("Demos", "a")->titleCompare(*item("DEMOS", "A")) == 0);
     }
 
     void chartShowsThePanelThroughTheTheme()

@@ -103,31 +103,22 @@ private Q_SLOTS:
         QCOMPARE(m_subscriber->calls().size(), 3);
     }
 
-    void delivery_data()
-    {
-        QTest::addColumn<BMNotificationDelivery>("delivery");
-        QTest::addColumn<bool>("fromWorker");
-        QTest::addColumn<bool>("duringPost");
-        QTest::addColumn<QString>("thread");
-        QTest::newRow("posting thread, posted by a worker: on the worker, during the post")
-            << BMNotificationDelivery::PostingThread << true << true << "worker";
-        QTest::newRow("main thread, posted by a worker: queued to the main thread")
-            << BMNotificationDelivery::MainThread << true << false << "main";
-        QTest::newRow("main thread, posted on it: during the post")
-            << BMNotificationDelivery::MainThread << false << true << "main";
-    }
-
     void delivery()
     {
-        QFETCH(BMNotificationDelivery, delivery);
-        QFETCH(bool, fromWorker);
-        QFETCH(bool, duringPost);
-        QFETCH(QString, thread);
-        BMI18NNotification::subscribe(m_subscriber.get(), delivery);
-        post("notAvailable", fromWorker);
-        QCOMPARE(m_subscriber->calls().size(), duringPost ? 1 : 0);
-        QTRY_COMPARE(m_subscriber->calls(),
-                     QStringList{"notAvailable kTextBundleNotAvailable BMI18NNotification " + thread});
+        // Posting thread, posted by a worker: on the worker, during the post. Main thread: queued there
+        // from a worker, during the post when posted on it.
+        for (const auto &[delivery, fromWorker, duringPost, thread] :
+             {std::tuple{BMNotificationDelivery::PostingThread, true, true, "worker"},
+              {BMNotificationDelivery::MainThread, true, false, "main"},
+              {BMNotificationDelivery::MainThread, false, true, "main"}}) {
+            Subscriber subscriber;
+            BMI18NNotification::subscribe(&subscriber, delivery);
+            post("notAvailable", fromWorker);
+            QCOMPARE(subscriber.calls().size(), duringPost ? 1 : 0);
+            QTRY_COMPARE(subscriber.calls(),
+                         QStringList{QStringLiteral("notAvailable kTextBundleNotAvailable BMI18NNotification ") + thread});
+            BMI18NNotification::unsubscribe(&subscriber);
+        }
     }
 
     void aQueuedCallIsDroppedAfterUnsubscribe()

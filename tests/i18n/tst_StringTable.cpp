@@ -76,6 +76,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(m_env->filePath(QStringLiteral("outside.lproj"))));
         writeFile(m_root + QStringLiteral("/pt.lproj"), "not a folder");
         const LocalizedBundle bundle(m_root);
+        QCOMPARE(bundle.localizations(), (QStringList{"en", "es", "fr"}));
         // A folder with or without a table is found; nothing else is, nor a path out of the root.
         for (const QString lang : {"en", "fr", "de", "", "pt", "../outside", "en.lproj/x"}) {
             const QString path = bundle.pathForLocalization(lang);

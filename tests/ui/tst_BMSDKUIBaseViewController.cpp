@@ -104,37 +104,20 @@ private Q_SLOTS:
         m_env.reset();
     }
 
-    void screenChangeOncePerAppearanceBeforeOwnWork_data()
-    {
-        QTest::addColumn<QString>("steps");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("first appearance") << "" << QStringList{"change:Root", "Root.ownWork"};
-        QTest::newRow("push") << "push" << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork"};
-        QTest::newRow("pop shows the root again")
-            << "push,pop"
-            << QStringList{"change:Root", "Root.ownWork", "change:Next", "Next.ownWork", "change:Root", "Root.ownWork"};
-        QTest::newRow("hide and show again")
-            << "hide,show" << QStringList{"change:Root", "Root.ownWork", "change:Root", "Root.ownWork"};
-    }
-
     void screenChangeOncePerAppearanceBeforeOwnWork()
     {
-        QFETCH(QString, steps);
-        QFETCH(QStringList, expected);
         Recorder recorder(m_journal);
+        const QStringList root{"change:Root", "Root.ownWork"}, next{"change:Next", "Next.ownWork"};
         m_navigation->show();
-        for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
-            if (step == "push")
-                push("Next", true);
-            else if (step == "pop")
-                m_navigation->popViewControllerAnimated(false);
-            else
-                m_navigation->setVisible(step == "show");
-        }
-        QCOMPARE(*m_journal, expected);
-        QCOMPARE(recorder.classes.first(), &Screen::staticMetaObject);
-        if (steps.startsWith("push"))
-            QCOMPARE(recorder.classes.at(1), &OtherScreen::staticMetaObject);
+        QCOMPARE(*m_journal, root);
+        push("Next", true);
+        QCOMPARE(*m_journal, root + next);
+        m_navigation->popViewControllerAnimated(false);
+        m_navigation->hide();
+        m_navigation->show();
+        QCOMPARE(*m_journal, root + next + root + root); // the pop, then hidden and shown again
+        const QMetaObject *screen = &Screen::staticMetaObject;
+        QCOMPARE(recorder.classes, (QList<const QMetaObject *>{screen, &OtherScreen::staticMetaObject, screen, screen}));
         QCOMPARE(recorder.keys, (QStringList{"1", "2"}));
     }
 
@@ -290,52 +273,36 @@ private Q_SLOTS:
     }
 
     // The shared loading overlay: shown over the key window, once, from any thread.
-    void loadingCallsInOrderFromAnyThread_data()
-    {
-        QTest::addColumn<QString>("calls"); // p = show, c = showCircle, h = hide
-        QTest::addColumn<bool>("fromThread");
-        QTest::addColumn<bool>("plain");
-        QTest::addColumn<bool>("circle");
-        QTest::newRow("show twice is one overlay") << "pp" << false << true << false;
-        QTest::newRow("both forms at once") << "pc" << false << true << true;
-        QTest::newRow("hide takes both down") << "pch" << false << false << false;
-        QTest::newRow("from a worker thread") << "pch" << true << false << false;
-    }
-
     void loadingCallsInOrderFromAnyThread()
     {
-        QFETCH(QString, calls);
-        QFETCH(bool, fromThread);
-        QFETCH(bool, plain);
-        QFETCH(bool, circle);
         QWidget window;
         showKeyWindow(&window);
         BMLoadingView &view = BMLoadingView::sharedInstance();
-        const auto run = [&view, calls] {
-            for (QChar call : calls) {
-                if (call == 'p')
-                    view.show();
-                else if (call == 'c')
-                    view.showCircle();
-                else
-                    view.hide();
+        // Calls (p show, c showCircle, h hide), whether from a worker; the plain and circle overlays left up.
+        for (const auto &[calls, fromThread, plain, circle] :
+             {std::tuple{"pp", false, true, false}, {"pc", false, true, true}, {"pch", false, false, false},
+              {"pch", true, false, false}, {"c", true, false, true}}) {
+            const auto run = [&view, calls] {
+                for (const char *call = calls; *call; ++call)
+                    *call == 'p' ? view.show() : *call == 'c' ? view.showCircle() : view.hide();
+            };
+            if (fromThread) {
+                std::unique_ptr<QThread> worker(QThread::create(run));
+                worker->start();
+                QVERIFY(worker->wait(5000));
+            } else {
+                run();
+                QVERIFY(!view.isShown() && !view.isCircleShown()); // queued: nothing before the current work ends
             }
-        };
-        if (fromThread) {
-            std::unique_ptr<QThread> worker(QThread::create(run));
-            worker->start();
-            QVERIFY(worker->wait(5000));
-        } else {
-            run();
-            // Queued: nothing shows before the current work ends.
-            QVERIFY(!view.isShown() && !view.isCircleShown());
+            QCoreApplication::processEvents();
+            QCOMPARE(view.isShown(), plain);
+            QCOMPARE(view.isCircleShown(), circle);
+            QCOMPARE(view.overlay() && view.overlay()->isVisible(), plain);
+            QCOMPARE(view.circleOverlay() && view.circleOverlay()->isVisible(), circle);
+            QCOMPARE(window.findChildren<QWidget *>(Qt::FindDirectChildrenOnly).size(), int(plain) + int(circle));
+            view.hide();
+            QCoreApplication::processEvents();
         }
-        QCoreApplication::processEvents();
-        QCOMPARE(view.isShown(), plain);
-        QCOMPARE(view.isCircleShown(), circle);
-        QCOMPARE(view.overlay() && view.overlay()->isVisible(), plain);
-        QCOMPARE(view.circleOverlay() && view.circleOverlay()->isVisible(), circle);
-        QCOMPARE(window.findChildren<QWidget *>(Qt::FindDirectChildrenOnly).size(), int(plain) + int(circle));
     }
 
     void loadingFollowsTheWindowAndIsKeptForLaterCalls()
