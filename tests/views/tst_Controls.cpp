@@ -347,35 +347,25 @@ private Q_SLOTS:
     // The knob ends where the state is, whichever way the state changed: a
     // user's click (which Qt applies with the button's refresh held back),
     // a key, a change from code, animated or not.
-    void switchKnobFollowsState_data()
-    {
-        QTest::addColumn<bool>("startOn");
-        QTest::addColumn<QString>("how");
-        QTest::newRow("click turns on") << false << "click";
-        QTest::newRow("space key turns on") << false << "key";
-        QTest::newRow("code turns on") << false << "code";
-        QTest::newRow("code animated turns off") << true << "code animated";
-    }
-
     void switchKnobFollowsState()
     {
-        QFETCH(bool, startOn);
-        QFETCH(QString, how);
         Switch::setSlideDuration(0);
-        Switch control;
-        control.resize(control.sizeHint());
-        control.setOn(startOn);
-        QCOMPARE(control.knobPosition(), startOn ? 1.0 : 0.0);
-        QSignalSpy toggled(&control, &Switch::toggled);
-        if (how == "click")
-            QTest::mouseClick(&control, Qt::LeftButton);
-        else if (how == "key")
-            QTest::keyClick(&control, Qt::Key_Space);
-        else
-            control.setOn(!startOn, how.endsWith("animated"));
-        QCOMPARE(control.isOn(), !startOn);
-        QCOMPARE(control.knobPosition(), startOn ? 0.0 : 1.0);
-        QCOMPARE(toggled.size(), 1);
+        for (const auto &[startOn, how] : {std::pair{false, "click"}, {true, "click"}, {false, "key"},
+                                           {false, "code"}, {true, "code animated"}}) {
+            Switch control;
+            control.resize(control.sizeHint());
+            control.setOn(startOn);
+            QCOMPARE(control.knobPosition(), startOn ? 1.0 : 0.0);
+            QSignalSpy toggled(&control, &Switch::toggled);
+            if (QByteArray(how) == "click")
+                QTest::mouseClick(&control, Qt::LeftButton);
+            else if (QByteArray(how) == "key")
+                QTest::keyClick(&control, Qt::Key_Space);
+            else
+                control.setOn(!startOn, QByteArray(how).endsWith("animated"));
+            QVERIFY2(control.isOn() == !startOn && control.knobPosition() == (startOn ? 0.0 : 1.0), how);
+            QCOMPARE(toggled.size(), 1);
+        }
     }
 
     void aSwitchClickSlidesWhenTheSlideHasLength()
@@ -391,45 +381,33 @@ private Q_SLOTS:
         QCOMPARE(control.knobPosition(), 0.0);
     }
 
-    void buttonsKeepTheOrderAdded_data()
-    {
-        QTest::addColumn<QStringList>("titles");
-        QTest::addColumn<QList<Style>>("styles");
-        QTest::addColumn<bool>("sideBySide");
-        QTest::newRow("two short buttons share a row, cancel stays where added")
-            << QStringList{"OK", "Cancel"} << QList<Style>{Style::Default, Style::Cancel} << true;
-        QTest::newRow("two long buttons stack")
-            << QStringList{"Replace the old spot", "Keep both spots"}
-            << QList<Style>{Style::Destructive, Style::Default} << false;
-        QTest::newRow("three buttons stack in order")
-            << QStringList{"Delete", "Copy", "Cancel"}
-            << QList<Style>{Style::Destructive, Style::Default, Style::Cancel} << false;
-    }
-
     void buttonsKeepTheOrderAdded()
     {
-        QFETCH(QStringList, titles);
-        QFETCH(QList<Style>, styles);
-        QFETCH(bool, sideBySide);
-        Alert *alert = present(titles, styles);
-        QCOMPARE(alert->buttonTitles(), titles);
-        const QList<QPushButton *> buttons = alert->buttons();
-        for (int i = 0; i < buttons.size(); ++i) {
-            QCOMPARE(buttons.at(i)->text(), titles.at(i));
-            QCOMPARE(alert->actions().at(i).style(), styles.at(i));
-            QVERIFY(alert->cardGeometry().contains(buttons.at(i)->mapTo(alert, buttons.at(i)->rect().center())));
-            if (i == 0)
-                continue;
-            const QPoint previous = buttons.at(i - 1)->mapTo(alert, QPoint(0, 0));
-            const QPoint current = buttons.at(i)->mapTo(alert, QPoint(0, 0));
-            QVERIFY(sideBySide ? current.y() == previous.y() && current.x() > previous.x()
-                               : current.y() > previous.y());
+        // Two short buttons share a row, cancel staying where added; two long ones, or three, stack in order.
+        for (const auto &[titles, styles, sideBySide] :
+             {std::tuple{QStringList{"OK", "Cancel"}, QList<Style>{Style::Default, Style::Cancel}, true},
+              {QStringList{"Replace the old spot", "Keep both spots"}, QList<Style>{Style::Destructive, Style::Default}, false},
+              {QStringList{"Delete", "Copy", "Cancel"}, QList<Style>{Style::Destructive, Style::Default, Style::Cancel}, false}}) {
+            m_window->resize(390, 700);
+            QPointer<Alert> alert = present(titles, styles);
+            QCOMPARE(alert->buttonTitles(), titles);
+            const QList<QPushButton *> buttons = alert->buttons();
+            for (int i = 0; i < buttons.size(); ++i) {
+                QCOMPARE(buttons.at(i)->text(), titles.at(i));
+                QCOMPARE(alert->actions().at(i).style(), styles.at(i));
+                QVERIFY(alert->cardGeometry().contains(buttons.at(i)->mapTo(alert, buttons.at(i)->rect().center())));
+                const QPoint previous = buttons.at(qMax(i - 1, 0))->mapTo(alert, QPoint(0, 0));
+                const QPoint current = buttons.at(i)->mapTo(alert, QPoint(0, 0));
+                QVERIFY(i == 0 || (sideBySide ? current.y() == previous.y() && current.x() > previous.x()
+                                              : current.y() > previous.y()));
+            }
+            // The card sits in the middle of the window, and stays there.
+            QVERIFY((alert->cardGeometry().center() - m_window->rect().center()).manhattanLength() <= 2);
+            m_window->resize(600, 400);
+            QCOMPARE(alert->geometry(), m_window->rect());
+            QVERIFY((alert->cardGeometry().center() - QPoint(300, 200)).manhattanLength() <= 2);
+            alert->dismiss(false);
         }
-        // The card sits in the middle of the window, and stays there.
-        QVERIFY((alert->cardGeometry().center() - m_window->rect().center()).manhattanLength() <= 2);
-        m_window->resize(600, 400);
-        QCOMPARE(alert->geometry(), m_window->rect());
-        QVERIFY((alert->cardGeometry().center() - QPoint(300, 200)).manhattanLength() <= 2);
     }
 
     void pressingClosesThenRunsTheHandlerOnce_data()
