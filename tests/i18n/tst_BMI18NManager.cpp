@@ -48,7 +48,8 @@ private:
 struct Start { QString osLanguage; QVariant record; bool cacheFiles; QString langCode, current; bool stampsKept; };
 // The current language and stored stamps, the service's es and en files; the
 // bundles asked for, the outcomes, the probe text after it.
-struct Refresh { QString language; QVariantMap stored; QByteArray es, en; QStringList downloads; int available, notAvailable; QString probe; };
+struct Refresh { QString language; QVariantMap stored; QByteArray es, en; QStringList downloads;
+                 int available, notAvailable; QString probe; };
 
 QString cacheFolder()
 {
@@ -195,7 +196,8 @@ private Q_SLOTS:
     void startState_data()
     {
         QTest::addColumn<Start>("start");
-        const QVariant esRecord = QVariantMap{{kI18NLanguageKey, "es"}, {kI18NTimeStampKey, QVariantMap{{"es", 5}, {"en", 7}}}};
+        const QVariantMap stamps{{"es", 5}, {"en", 7}};
+        const QVariant esRecord = QVariantMap{{kI18NLanguageKey, "es"}, {kI18NTimeStampKey, stamps}};
         QTest::newRow("no record: the device language without region") << Start{"es-AR", {}, false, "es", "es", false};
         QTest::newRow("no record, device language not offered: English shown")
             << Start{"pt-BR", {}, false, "pt", "en", false};
@@ -259,7 +261,8 @@ private Q_SLOTS:
         };
         const QVariantMap stamps{{"es", 5}, {"en", 7}};
         const QString old = "cached";
-        QTest::newRow("es: both stamps equal, nothing downloaded") << Refresh{"es", stamps, file("5"), file("7"), {}, 1, 0, old};
+        QTest::newRow("es: both stamps equal, nothing downloaded")
+            << Refresh{"es", stamps, file("5"), file("7"), {}, 1, 0, old};
         QTest::newRow("es: its stamp changed") << Refresh{"es", stamps, file("6"), file("7"), {"es"}, 1, 0, "new"};
         QTest::newRow("es: the English stamp changed") << Refresh{"es", stamps, file("5"), file("8"), {"en"}, 1, 0, old};
         QTest::newRow("es: both changed, two downloads and two outcomes")
@@ -274,7 +277,8 @@ private Q_SLOTS:
         QTest::newRow("contents as a list: refused, texts kept")
             << Refresh{"es", stamps, file("6", "[\"probe\"]"), file("7"), {"es"}, 0, 1, old};
         QTest::newRow("texts that are not text are skipped")
-            << Refresh{"es", stamps, file("6", R"({"probe": "new", "n": 5, "o": {}, "z": null})"), file("7"), {"es"}, 1, 0, "new"};
+            << Refresh{"es", stamps, file("6", R"({"probe": "new", "n": 5, "o": {}, "z": null})"), file("7"), {"es"},
+                       1, 0, "new"};
     }
 
     void refresh()
@@ -310,7 +314,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("code");
         const QStringList codes{"../../auth/token?appId=x#y", "a\nb", QString("x") + QChar(0) + "y", QString(65536, u'a'),
                                 QString::fromUtf8("\xF0\x9F\x98\x80")};
-        for (const QString &source : {"bundle", "list", "host", "stored"}) {
+        for (const char *source : {"bundle", "list", "host", "stored"}) {
             for (int i = 0; i < codes.size(); ++i)
                 QTest::newRow(qPrintable(QString("%1 %2").arg(source).arg(i))) << source << codes.at(i);
         }

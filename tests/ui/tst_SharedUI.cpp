@@ -393,7 +393,8 @@ private Q_SLOTS:
         for (const char *unknown : {"", "FZ_CHART_BACK", "fz_chart_back ", "3593DA"})
             QVERIFY2(!named(unknown).isValid(), unknown);
         // Every key the kit's sources and the demo name is in the table.
-        static const QRegularExpression use(QStringLiteral("\\b(?:named|colour|hex)\\(\\s*(?:QStringLiteral\\(\\s*)?\"([a-z0-9_]+)\""));
+        static const QRegularExpression use(
+            QStringLiteral("\\b(?:named|colour|hex)\\(\\s*(?:QStringLiteral\\(\\s*)?\"([a-z0-9_]+)\""));
         int uses = 0;
         for (const char *root : {BRIGHTMERE_SOURCE_DIR "/src", BRIGHTMERE_SOURCE_DIR "/apps"}) {
             for (QDirIterator it(root, {"*.cpp", "*.h"}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {

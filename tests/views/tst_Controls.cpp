@@ -386,8 +386,10 @@ private Q_SLOTS:
         // Two short buttons share a row, cancel staying where added; two long ones, or three, stack in order.
         for (const auto &[titles, styles, sideBySide] :
              {std::tuple{QStringList{"OK", "Cancel"}, QList<Style>{Style::Default, Style::Cancel}, true},
-              {QStringList{"Replace the old spot", "Keep both spots"}, QList<Style>{Style::Destructive, Style::Default}, false},
-              {QStringList{"Delete", "Copy", "Cancel"}, QList<Style>{Style::Destructive, Style::Default, Style::Cancel}, false}}) {
+              {QStringList{"Replace the old spot", "Keep both spots"}, QList<Style>{Style::Destructive, Style::Default},
+               false},
+              {QStringList{"Delete", "Copy", "Cancel"},
+               QList<Style>{Style::Destructive, Style::Default, Style::Cancel}, false}}) {
             m_window->resize(390, 700);
             QPointer<Alert> alert = present(titles, styles);
             QCOMPARE(alert->buttonTitles(), titles);
