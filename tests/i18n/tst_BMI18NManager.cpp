@@ -7,41 +7,80 @@
 #include "i18n/BMI18NNotification.h"
 #include "i18n/BMI18NServiceManager.h"
 #include "i18n/BMLanguageChangeNotification.h"
+#include "LogCapture.h"
+#include "ScriptedHttpServer.h"
 #include "platform/foundation/LocalizedBundle.h"
+#include "platform/foundation/MainQueue.h"
 #include "platform/foundation/UserDefaults.h"
 
 #include <QStandardPaths>
+#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
 
 #include <cmath>
+#include <stdexcept>
 
 namespace {
 
 using Texts = BMI18NManager::Texts;
 
-// Counts the outcomes of refreshes, as a screen would see them: on the main thread.
+// Every notification call, as "<operation> <main|worker>": what a screen
+// hears of refreshes and language changes.
 class Outcomes : public BMI18NNotificationSubscriber, public BMLanguageChangeSubscriber
 {
 public:
-    void notifyTextBundleAvailable(BMI18NNotification *) override { count(available); }
-    void notifyTextBundleNotAvailable(BMI18NNotification *) override { count(notAvailable); }
-    void notifyLanguageChange(BMLanguageChangeNotification *) override { ++languageChanges; }
-    int total() const { return available + notAvailable; }
+    void notifyTextBundleAvailable(BMI18NNotification *) override { record("available"); }
+    void notifyTextBundleNotAvailable(BMI18NNotification *) override { record("notAvailable"); }
+    void notifyLanguageChange(BMLanguageChangeNotification *) override
+    {
+        record("languageChange");
+        if (throwing)
+            throw std::runtime_error("subscriber failure");
+    }
+    QStringList calls() const
+    {
+        QMutexLocker lock(&m_mutex);
+        return m_calls;
+    }
+    int count(const QString &operation) const
+    {
+        return int(calls().filter(QRegularExpression('^' + operation + ' ')).size());
+    }
+    int total() const { return count("available") + count("notAvailable"); }
+    void clear()
+    {
+        QMutexLocker lock(&m_mutex);
+        m_calls.clear();
+    }
 
-    std::atomic<int> available{0};
-    std::atomic<int> notAvailable{0};
-    std::atomic<int> languageChanges{0};
-    std::atomic<bool> offMainThread{false};
+    bool throwing = false;
 
 private:
-    void count(std::atomic<int> &counter)
+    void record(const char *operation)
     {
-        if (QThread::currentThread() != QCoreApplication::instance()->thread())
-            offMainThread = true;
-        ++counter;
+        const bool main = QThread::currentThread() == QCoreApplication::instance()->thread();
+        QMutexLocker lock(&m_mutex);
+        m_calls.append(QLatin1String(operation) + (main ? QStringLiteral(" main") : QStringLiteral(" worker")));
     }
+    mutable QMutex m_mutex;
+    QStringList m_calls;
 };
+
+void post(const QString &which, bool fromWorker = false)
+{
+    if (fromWorker) {
+        std::unique_ptr<QThread> worker(QThread::create([which] { post(which); }));
+        worker->start();
+        QVERIFY(worker->wait(5000));
+    } else if (which == "available") {
+        BMI18NNotification::postTextBundleAvailable();
+    } else if (which == "notAvailable") {
+        BMI18NNotification::postTextBundleNotAvailable();
+    } else {
+        BMLanguageChangeNotification::postLanguageChange();
+    }
+}
 
 // The device language, a stored record, whether both bundles are cached; the
 // language code and the language shown; whether the stored stamps are kept.
@@ -79,6 +118,8 @@ void storeRecord(const QString &language, const QVariantMap &stamps)
 
 } // namespace
 
+// The localisation client: its notifications, the service client and the
+// manager that looks texts up, refreshes and caches them.
 class tst_BMI18NManager : public QObject
 {
     Q_OBJECT
@@ -126,6 +167,163 @@ private Q_SLOTS:
         QDir(cacheFolder()).removeRecursively();
         m_service.reset();
         m_env.reset();
+    }
+
+    void eachPostReachesItsOperationOnce()
+    {
+        // Subscribing again replaces the fixture's registration, and twice replaces the first.
+        for (int i = 0; i < 2; ++i) {
+            BMI18NNotification::subscribe(m_outcomes.get());
+            BMLanguageChangeNotification::subscribe(m_outcomes.get());
+        }
+        for (const QString which : {"available", "notAvailable", "languageChange"})
+            post(which);
+        const QStringList once{"available main", "notAvailable main", "languageChange main"};
+        QCOMPARE(m_outcomes->calls(), once);
+        BMI18NNotification::unsubscribe(m_outcomes.get());
+        BMLanguageChangeNotification::unsubscribe(m_outcomes.get());
+        for (const QString which : {"available", "notAvailable", "languageChange"})
+            post(which);
+        QCOMPARE(m_outcomes->calls(), once);
+    }
+
+    void delivery()
+    {
+        // Posting thread, posted by a worker: on the worker, during the post. Main thread: queued there
+        // from a worker, during the post when posted on it.
+        for (const auto &[delivery, fromWorker, duringPost, thread] :
+             {std::tuple{BMNotificationDelivery::PostingThread, true, true, "worker"},
+              {BMNotificationDelivery::MainThread, true, false, "main"},
+              {BMNotificationDelivery::MainThread, false, true, "main"}}) {
+            m_outcomes->clear();
+            BMI18NNotification::subscribe(m_outcomes.get(), delivery);
+            post("notAvailable", fromWorker);
+            QCOMPARE(m_outcomes->calls().size(), duringPost ? 1 : 0);
+            QTRY_COMPARE(m_outcomes->calls(), QStringList{QStringLiteral("notAvailable ") + thread});
+        }
+    }
+
+    void aQueuedCallIsDroppedAfterUnsubscribe()
+    {
+        BMLanguageChangeNotification::subscribe(m_outcomes.get(), BMNotificationDelivery::MainThread);
+        post("languageChange", true);
+        BMLanguageChangeNotification::unsubscribe(m_outcomes.get());
+        // The main queue keeps its order: past this marker, the call would have come.
+        bool reached = false;
+        Brightmere::MainQueue::async([&reached] { reached = true; });
+        QTRY_VERIFY(reached);
+        QVERIFY(m_outcomes->calls().isEmpty());
+    }
+
+    void aThrowingSubscriberIsLoggedNotPropagated()
+    {
+        m_outcomes->throwing = true;
+        for (BMNotificationDelivery delivery : {BMNotificationDelivery::PostingThread, BMNotificationDelivery::MainThread}) {
+            LogCapture log;
+            BMLanguageChangeNotification::subscribe(m_outcomes.get(), delivery);
+            BMLanguageChangeNotification::postLanguageChange();
+            QVERIFY(!log.lines().isEmpty());
+        }
+        QCOMPARE(m_outcomes->count("languageChange"), 2);
+    }
+
+    void serviceAddresses()
+    {
+        BMSDKRestServiceManager::setBrightmereServerURL("https://i18n.example/root/"); // the trailing slash goes
+        QCOMPARE(BMI18NServiceManager::bundleInfoUrl(), QStringLiteral("https://i18n.example/root/api/v2/message/info"));
+        QCOMPARE(BMI18NServiceManager::bundleDataUrl("pt BR"), // a blank is encoded
+                 QStringLiteral("https://i18n.example/root/api/v2/message/bundle/pt%20BR"));
+    }
+
+    void theListComesAfterTheTokenAndNamesTheFolder()
+    {
+        writeFile(m_service->folder() + "/en.json", R"({"ts": 7, "contents": {"a": "A"}})");
+        writeFile(m_service->folder() + "/es.json", R"({"contents": {"a": "A"}})");
+        writeFile(m_service->folder() + "/notes.txt", "not a bundle");
+        const qint64 esModified = QFileInfo(m_service->folder() + "/es.json").lastModified().toSecsSinceEpoch();
+
+        auto recorder = std::make_shared<HandlerRecorder>();
+        BMI18NServiceManager *service = BMI18NServiceManager::sharedInstance();
+        service->requestI18NBundleInfoWithSuccessBlock(recorder->success(), recorder->failure());
+        QTRY_COMPARE(recorder->count(), 1);
+        const HandlerRecorder::Outcome outcome = recorder->outcomes().first();
+        QVERIFY(outcome.succeeded);
+        QCOMPARE(m_service->requestedPaths(), QStringList({"/api/v2/auth/token", "/api/v2/message/info"}));
+        const QVariantList list = outcome.response.value("data").toMap().value("bundleArray").toList();
+        QCOMPARE(list.size(), 2);
+        QCOMPARE(list.at(0).toMap(), QVariantMap({{"_id", "en"}, {"ts", 7}}));
+        // Without a time stamp in the file, its modification time stands in.
+        QCOMPARE(list.at(1).toMap().value("ts").toLongLong(), esModified);
+
+        // With the token held, the next list request goes straight to the list.
+        service->requestI18NBundleInfoWithSuccessBlock(recorder->success(), recorder->failure());
+        QTRY_COMPARE(recorder->count(), 2);
+        QCOMPARE(m_service->requestedPaths().size(), 3);
+    }
+
+    void serviceFailures_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<int>("requests");
+        QTest::addColumn<bool>("withTask");
+        QTest::newRow("token refused in the envelope: no list request, no task")
+            << "/api/v2/auth/token" << ScriptedHttpServer::http(200, R"({"code":403,"message":"unknown"})") << 1
+            << false;
+        QTest::newRow("the list answered HTTP 500: the list's task")
+            << "/api/v2/message/info" << ScriptedHttpServer::http(500, "{}") << 2 << true;
+    }
+
+    void serviceFailures()
+    {
+        QFETCH(QString, path);
+        QFETCH(QByteArray, answer);
+        QFETCH(int, requests);
+        QFETCH(bool, withTask);
+        ScriptedHttpServer server;
+        server.setAnswer(path, answer);
+        BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
+        auto recorder = std::make_shared<HandlerRecorder>();
+        BMI18NServiceManager::sharedInstance()->requestI18NBundleInfoWithSuccessBlock(recorder->success(),
+                                                                                   recorder->failure());
+        QTRY_COMPARE(recorder->count(), 1);
+        QVERIFY(settle());
+        QCOMPARE(recorder->count(), 1);
+        QVERIFY(!recorder->outcomes().first().succeeded);
+        QCOMPARE(recorder->outcomes().first().task.has_value(), withTask);
+        QCOMPARE(server.requestedPaths().size(), requests);
+    }
+
+    void theServiceRefusesOversizedRequests_data()
+    {
+        QTest::addColumn<QByteArray>("request");
+        QTest::addColumn<QByteArray>("status");
+        const QByteArray get = "GET /api/v2/message/info HTTP/1.1\r\nHost: x\r\n";
+        QTest::newRow("a head of 8 MB is refused early") << get + "X-Pad: " + QByteArray(8 << 20, 'a') << QByteArray("431");
+        QTest::newRow("a declared body of 2 MB")
+            << QByteArray("POST /api/v2/message/info HTTP/1.1\r\nContent-Length: 2097152\r\n\r\n") << QByteArray("413");
+        QTest::newRow("a plain request still answered") << get + "\r\n" << QByteArray("200");
+    }
+
+    void theServiceRefusesOversizedRequests()
+    {
+        QFETCH(QByteArray, request);
+        QFETCH(QByteArray, status);
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, QUrl(m_service->baseUrl()).port());
+        QVERIFY(client.waitForConnected(5000));
+        // Written in pieces, as a client that keeps sending does; the service
+        // answers and closes before the end of an oversized one.
+        for (qsizetype at = 0; at < request.size() && client.state() == QAbstractSocket::ConnectedState
+                               && client.bytesAvailable() == 0;
+             at += 65536) {
+            client.write(request.mid(at, 65536));
+            client.waitForBytesWritten(1000);
+            QCoreApplication::processEvents();
+        }
+        QByteArray answer;
+        QTRY_VERIFY((answer += client.readAll()).contains("\r\n"));
+        QVERIFY2(answer.startsWith("HTTP/1.1 " + status), answer.left(80).constData());
     }
 
     void lookupOrder()
@@ -230,20 +428,20 @@ private Q_SLOTS:
         deliver("es", 3, {{"k_all", "dl es all"}});
         deliver("en", 4, {{"k_all", "dl en all"}});
         BMI18NManager *manager = BMI18NManager::sharedInstance();
-        QCOMPARE(m_outcomes->languageChanges.load(), 0); // a download changes the language silently
+        QCOMPARE(m_outcomes->count("languageChange"), 0); // a download changes the language silently
         manager->setCurrentLanguage("es");
-        QCOMPARE(m_outcomes->languageChanges.load(), 0);
+        QCOMPARE(m_outcomes->count("languageChange"), 0);
 
         manager->setCurrentLanguage("en");
-        QCOMPARE(m_outcomes->languageChanges.load(), 1);
+        QCOMPARE(m_outcomes->count("languageChange"), 1);
         QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl en all"));
         QCOMPARE(manager->timestampForLanguage("en"), std::optional<double>(4));
         manager->setCurrentLanguage("es");
-        QCOMPARE(m_outcomes->languageChanges.load(), 2);
+        QCOMPARE(m_outcomes->count("languageChange"), 2);
         QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("dl es all"));
         QVERIFY(!manager->timestampForLanguage("es")); // downloaded again on the next refresh
         manager->setCurrentLanguage("");
-        QCOMPARE(m_outcomes->languageChanges.load(), 2);
+        QCOMPARE(m_outcomes->count("languageChange"), 2);
         // English is never removed; a removed language falls back to the built-in tables, its file kept.
         manager->removeLanguage("en");
         manager->removeLanguage("es");
@@ -295,9 +493,9 @@ private Q_SLOTS:
         QTRY_COMPARE(m_outcomes->total(), refresh.available + refresh.notAvailable);
         QVERIFY(settle());
         QCoreApplication::processEvents();
-        QCOMPARE(m_outcomes->available.load(), refresh.available);
-        QCOMPARE(m_outcomes->notAvailable.load(), refresh.notAvailable);
-        QVERIFY(!m_outcomes->offMainThread);
+        QCOMPARE(m_outcomes->count("available"), refresh.available);
+        QCOMPARE(m_outcomes->count("notAvailable"), refresh.notAvailable);
+        QVERIFY(m_outcomes->calls().filter("worker").isEmpty());
         QStringList requested;
         for (const QString &path : m_service->requestedPaths()) {
             if (path.startsWith("/api/v2/message/bundle/"))
@@ -366,7 +564,7 @@ private Q_SLOTS:
         QFile::remove(m_service->folder() + "/en.json");
         manager->setCurrentLanguage("fr");
         manager->updateBundleTexts();
-        QTRY_COMPARE(m_outcomes->notAvailable.load(), 1);
+        QTRY_COMPARE(m_outcomes->count("notAvailable"), 1);
         QCOMPARE(manager->getAvailableLanguages(), QStringList({"en", "es"}));
         QCOMPARE(manager->currentLanguage(), QStringLiteral("en"));
     }
@@ -384,7 +582,7 @@ private Q_SLOTS:
         QVERIFY(manager->bundleTextsForLanguage("fr").isEmpty());
         QVERIFY(!manager->timestampForLanguage("fr"));
         QCOMPARE(manager->languageCode(), QStringLiteral("es"));
-        QCOMPARE(m_outcomes->languageChanges.load(), 0);
+        QCOMPARE(m_outcomes->count("languageChange"), 0);
         // Keys the file cannot hold stay usable from memory.
         QCOMPARE(BMI18NManager::stringForCode("bad=key"), QStringLiteral("x"));
         QCOMPARE(readFile(cacheFolder() + "/bundle_user"), QByteArray("probe=es line one\\nline two\n"));
@@ -393,7 +591,7 @@ private Q_SLOTS:
         const QVariantMap record = Brightmere::UserDefaults::standard().dictionaryForKey(kI18NDataKey);
         QCOMPARE(record.value(kI18NLanguageKey).toString(), QStringLiteral("es"));
         QCOMPARE(record.value(kI18NTimeStampKey).toMap().value("es").toDouble(), 4.0);
-        QTRY_COMPARE(m_outcomes->available.load(), 1);
+        QTRY_COMPARE(m_outcomes->count("available"), 1);
 
         // English arriving while es is offered keeps es current.
         deliver("en", 9, {{"probe_en", "en new"}});
@@ -477,7 +675,7 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
         }
         QTRY_COMPARE(m_outcomes->total(), 2 + 8 + 60);
-        QCOMPARE(m_outcomes->notAvailable.load(), 0);
+        QCOMPARE(m_outcomes->count("notAvailable"), 0);
         QVERIFY(lookups > 0);
     }
 
