@@ -235,7 +235,7 @@ private Q_SLOTS:
         QVERIFY(plot.graphs().isEmpty());
     }
 
-    void aThemeIsChosenByKindAndName()
+    void aThemeIsChosenByPlaceholderAndName()
     {
         // Absent: the default; the null placeholder: nothing; a theme: itself.
         auto theme = std::make_shared<CountingTheme>();
@@ -252,16 +252,6 @@ private Q_SLOTS:
             QCOMPARE(ChartThemeRegistry::themeNamed(name)->name(), name);
         for (const QString name : {"bm clear", "Plain White", ""})
             QVERIFY(!ChartThemeRegistry::themeNamed(name));
-        // Items sort by section, then title, whatever the case.
-        const auto item = [](const char *section, const char *title) {
-            auto plotItem = std::make_unique<PlotItem>();
-            plotItem->setSection(QString::fromLatin1(section));
-            plotItem->setTitle(QString::fromLatin1(title));
-            return plotItem;
-        };
-        QVERIFY(item("Bar Plots", "Z")->titleCompare(*item("line plots", "A")) < 0);
-        QVERIFY(item("line plots", "b")->titleCompare(*item("Line Plots", "A")) > 0);
-        QVERIFY(item("Demos", "a")->titleCompare(*item("DEMOS", "A")) == 0);
     }
 
     void chartShowsThePanelThroughTheTheme()
