@@ -3,6 +3,7 @@
 #include "platform/foundation/StringTable.h"
 #include "resources/FrameworkBundle.h"
 
+#include "I18NTestHelpers.h"
 #include "TestEnvironment.h"
 
 #include <QDir>
@@ -28,14 +29,6 @@ QByteArray utf16(const QString &text, QStringConverter::Encoding encoding)
 {
     QStringEncoder encoder(encoding, QStringConverter::Flag::WriteBom);
     return encoder.encode(text);
-}
-
-void writeFile(const QString &path, const QByteArray &data)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(data);
 }
 
 struct KeyUse
