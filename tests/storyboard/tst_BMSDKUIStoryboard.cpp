@@ -16,31 +16,23 @@ class tst_BMSDKUIStoryboard : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void destinations_data()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::addColumn<QString>("screen");
-        QTest::newRow("test screen to the list") << "showSavedSpotsSegue" << "FZSavedSpotsViewController";
-        QTest::newRow("list to one set") << QString(FZSavedSpotsViewController::kViewSpotsSegue)
-                                         << "FZSpotsSetViewController";
-        QTest::newRow("list to the comparison") << QString(FZSavedSpotsViewController::kCompareSpotsSegue)
-                                                << "FZCompareSpotsSetsViewController";
-        QTest::newRow("confirmations settings") << "showMiscellaneousSettingsSegue"
-                                                << "FZMiscellaneousSettingsViewController";
-        QTest::newRow("spot names settings") << "showSpotNamesSettingsSegue" << "FZSpotNamesSettingsViewController";
-    }
-
     void destinations()
     {
-        QFETCH(QString, identifier);
-        QFETCH(QString, screen);
         Brightmere::Storyboard board;
         BMSDKUIStoryboard::registerSegues(&board);
         BMSDKUIStoryboard::registerSegues(&board); // a second call changes nothing
         QCOMPARE(board.segueIdentifiers().size(), 5);
-        std::unique_ptr<Brightmere::ViewController> destination(board.instantiateDestination(identifier));
-        QVERIFY(destination);
-        QCOMPARE(QString(destination->metaObject()->className()), screen);
+        const QList<std::pair<QString, QString>> segues{
+            {"showSavedSpotsSegue", "FZSavedSpotsViewController"}, // the test screen to the list
+            {FZSavedSpotsViewController::kViewSpotsSegue, "FZSpotsSetViewController"},
+            {FZSavedSpotsViewController::kCompareSpotsSegue, "FZCompareSpotsSetsViewController"},
+            {"showMiscellaneousSettingsSegue", "FZMiscellaneousSettingsViewController"},
+            {"showSpotNamesSettingsSegue", "FZSpotNamesSettingsViewController"}};
+        for (const auto &[identifier, screen] : segues) {
+            std::unique_ptr<Brightmere::ViewController> destination(board.instantiateDestination(identifier));
+            QVERIFY2(destination, qPrintable(identifier));
+            QCOMPARE(QString(destination->metaObject()->className()), screen);
+        }
     }
 
     void theSharedStoryboardByDefault()

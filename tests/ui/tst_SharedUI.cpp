@@ -1,0 +1,616 @@
+// The shared look (colours, the kit's face, forms by class name, focus, the
+// framework's images, the main button) and the base screen with its alerts
+// and the loading overlay.
+#include "TestEnvironment.h"
+#include "core/BMSimulatedNetwork.h"
+#include "i18n/BMI18NManager.h"
+#include "platform/foundation/ManualClock.h"
+#include "platform/views/Alert.h"
+#include "platform/views/BarButtonItem.h"
+#include "platform/views/KeyWindow.h"
+#include "platform/views/NavigationBar.h"
+#include "platform/views/NavigationController.h"
+#include "platform/views/NavigationItem.h"
+#include "resources/FrameworkBundle.h"
+#include "ui/BMLoadingView.h"
+#include "ui/BMMainButton.h"
+#include "ui/BMScreenChangeNotification.h"
+#include "ui/BMSDKUIBaseViewController.h"
+#include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
+
+#include <QApplication>
+#include <QDirIterator>
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTest>
+#include <QThread>
+#include <QToolButton>
+
+#include <limits>
+#include <memory>
+
+using namespace Brightmere;
+
+namespace {
+
+QColor named(const char *key)
+{
+    return Color::named(QString::fromLatin1(key));
+}
+
+// The styles set in turn; the border they leave; the background shown normally and pressed.
+struct ButtonStyle { QList<uint> styles; qreal radius, width; QColor border, normal, pressed; };
+
+using Journal = std::shared_ptr<QStringList>;
+
+// A screen that writes its own appearance work and text refreshes into the
+// journal the screen-change subscriber also writes to.
+class Screen : public BMSDKUIBaseViewController
+{
+    Q_OBJECT
+
+public:
+    Screen(const QString &name, Journal journal) : m_name(name), m_journal(std::move(journal)) { setObjectName(name); }
+    BMGAScreenClass screenNameAndClassForEventTracker() const override { return {m_name, metaObject()}; }
+    void refreshUITexts() override { ++refreshes; }
+    int refreshes = 0;
+
+protected:
+    void viewWillAppear(bool animated) override
+    {
+        BMSDKUIBaseViewController::viewWillAppear(animated);
+        m_journal->append(m_name + ".ownWork");
+    }
+
+private:
+    QString m_name;
+    Journal m_journal;
+};
+
+class OtherScreen : public Screen
+{
+    Q_OBJECT
+
+public:
+    using Screen::Screen;
+};
+
+class Recorder : public BMScreenChangeSubscriber
+{
+public:
+    explicit Recorder(Journal journal) : m_journal(std::move(journal)) { BMScreenChangeNotification::subscribe(this); }
+    ~Recorder() override { BMScreenChangeNotification::unsubscribe(this); }
+    void notifyScreenChange(BMScreenChangeNotification *notification) override
+    {
+        m_journal->append("change:" + notification->screenName());
+        classes.append(notification->screenClass());
+        keys = notification->properties().keys();
+    }
+    QList<const QMetaObject *> classes;
+    QStringList keys;
+
+private:
+    Journal m_journal;
+};
+
+// Which helper asks, whether its screen is gone first or it asks from a
+// worker, the buttons shown, the one pressed and the handler calls it makes.
+struct AlertCase { QString helper; bool screenGone, fromThread; QStringList buttons; int press, handled; };
+
+} // namespace
+
+// A form registered under its class name.
+class NibCard : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit NibCard(QWidget *parent = nullptr) : QLabel(QStringLiteral("card"), parent) {}
+};
+
+class tst_SharedUI : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        m_journal = std::make_shared<QStringList>();
+        m_navigation = std::make_unique<NavigationController>(new Screen("Root", m_journal));
+        m_navigation->resize(375, 667);
+    }
+
+    void cleanup()
+    {
+        View::unregisterNib(QStringLiteral("NibCard"));
+        BMLoadingView::sharedInstance().hide();
+        QCoreApplication::processEvents();
+        m_navigation.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_env.reset();
+    }
+
+    void screenChangeOncePerAppearanceBeforeOwnWork()
+    {
+        Recorder recorder(m_journal);
+        const QStringList root{"change:Root", "Root.ownWork"}, next{"change:Next", "Next.ownWork"};
+        m_navigation->show();
+        QCOMPARE(*m_journal, root);
+        push("Next", true);
+        QCOMPARE(*m_journal, root + next);
+        m_navigation->popViewControllerAnimated(false);
+        m_navigation->hide();
+        m_navigation->show();
+        QCOMPARE(*m_journal, root + next + root + root); // the pop, then hidden and shown again
+        const QMetaObject *screen = &Screen::staticMetaObject;
+        QCOMPARE(recorder.classes, (QList<const QMetaObject *>{screen, &OtherScreen::staticMetaObject, screen, screen}));
+        QCOMPARE(recorder.keys, (QStringList{"1", "2"}));
+    }
+
+    void textsRefreshOnAppearanceLayoutAndLanguage()
+    {
+        auto *root = static_cast<Screen *>(m_navigation->topViewController());
+        m_navigation->show();
+        const int afterAppearance = root->refreshes;
+        QVERIFY(afterAppearance >= 1);
+        m_navigation->resize(320, 480);
+        QCoreApplication::processEvents();
+        QVERIFY(root->refreshes > afterAppearance);
+        const int beforeLanguage = root->refreshes;
+        BMI18NManager::sharedInstance()->setCurrentLanguage("es");
+        QCOMPARE(root->refreshes, beforeLanguage + 1);
+        BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+    }
+
+    void findViewControllerOfClassReturnsTheUpperMatch()
+    {
+        const auto found = [this](const QMetaObject &cls) {
+            const auto *top = static_cast<Screen *>(m_navigation->topViewController());
+            ViewController *match = top->findViewControllerOfClass(cls);
+            return match ? match->objectName() : QString();
+        };
+        push("C");
+        QCOMPARE(found(OtherScreen::staticMetaObject), QString());
+        push("A", true);
+        QCOMPARE(found(Screen::staticMetaObject), QStringLiteral("A")); // a subclass counts
+        push("B", true);
+        push("D");
+        QCOMPARE(found(OtherScreen::staticMetaObject), QStringLiteral("B")); // the upper of two
+        Screen outside("Outside", m_journal);
+        QVERIFY(!outside.findViewControllerOfClass(BMSDKUIBaseViewController::staticMetaObject));
+    }
+
+    void alertHelpersQueueAndSkipAGoneScreen_data()
+    {
+        QTest::addColumn<AlertCase>("alert");
+        const QStringList okCancel{"OK", "Cancel"};
+        QTest::newRow("plain: ok only") << AlertCase{"plain", false, false, {"OK"}, 0, 0};
+        QTest::newRow("on cancel: ok closes") << AlertCase{"cancel", false, false, okCancel, 0, 0};
+        QTest::newRow("on cancel: cancel calls") << AlertCase{"cancel", false, false, okCancel, 1, 1};
+        QTest::newRow("on ok: ok calls") << AlertCase{"ok", false, false, {"OK"}, 0, 1};
+        QTest::newRow("actions in list order") << AlertCase{"actions", false, false, {"A", "B"}, 0, 1};
+        QTest::newRow("from a worker thread") << AlertCase{"cancel", false, true, okCancel, 1, 1};
+        QTest::newRow("screen gone before the queue runs") << AlertCase{"cancel", true, false, {}, 0, 0};
+    }
+
+    void alertHelpersQueueAndSkipAGoneScreen()
+    {
+        QFETCH(AlertCase, alert);
+        const auto &[helper, screenGone, fromThread, buttons, press, handled] = alert;
+        m_navigation->show();
+        QPointer<Screen> screen = push("Next");
+        int calls = 0;
+        const auto ask = [&] {
+            const auto handler = [&calls] { ++calls; };
+            if (helper == "plain")
+                screen->alertControllerWithTitle("T", "M");
+            else if (helper == "cancel")
+                screen->alertControllerWithTitleOnCancel("T", "M", handler);
+            else if (helper == "ok")
+                screen->alertControllerWithTitleOnOK("T", "M", handler);
+            else
+                screen->alertControllerWithTitle("T", "M", {AlertAction("A", AlertAction::Style::Default, handler),
+                                                            AlertAction("B", AlertAction::Style::Cancel)});
+        };
+        if (fromThread) {
+            std::unique_ptr<QThread> worker(QThread::create(ask));
+            worker->start();
+            QVERIFY(worker->wait(5000));
+        } else {
+            ask();
+        }
+        QVERIFY(!Alert::shownAlert(m_navigation.get())); // queued, not shown yet
+        if (screenGone)
+            delete screen.data();
+        QCoreApplication::processEvents();
+        Alert *shown = Alert::shownAlert(m_navigation.get());
+        QCOMPARE(shown ? shown->buttonTitles() : QStringList{}, buttons);
+        if (!shown)
+            return;
+        QCOMPARE(shown->title() + shown->message(), QStringLiteral("TM"));
+        // No button of the kit's own takes the platform's cancel style, not even "cancel".
+        if (helper != "actions")
+            QCOMPARE(shown->actions().constLast().style(), AlertAction::Style::Default);
+        QVERIFY(shown->pressButtonAt(press));
+        QCOMPARE(calls, handled);
+    }
+
+    void timedAlertClosesThenRunsItsHandler()
+    {
+        m_navigation->show();
+        Screen *screen = push("Next");
+        ManualClock clock;
+        screen->setClock(&clock);
+        int finished = 0;
+        bool goneWhenFinished = false;
+        screen->alertControllerWithTitleForSeconds("Saved", "", 1.5f, [&] {
+            ++finished;
+            goneWhenFinished = !Alert::shownAlert(m_navigation.get());
+        });
+        QCoreApplication::processEvents();
+        Alert *alert = Alert::shownAlert(m_navigation.get());
+        QVERIFY(alert && alert->buttonTitles().isEmpty());
+        clock.advance(1.49);
+        QCOMPARE(finished, 0);
+        QVERIFY(alert->isPresented());
+        clock.advance(0.02);
+        QCOMPARE(finished, 1);
+        QVERIFY(goneWhenFinished);
+        clock.advance(5.0);
+        QCOMPARE(finished, 1);
+    }
+
+    void noConnectivityOnlyWhenUnreachable()
+    {
+        m_navigation->show();
+        auto *root = static_cast<Screen *>(m_navigation->topViewController());
+        BMSimulatedNetwork::shared().setReachabilityStatus(2); // another medium counts as reachable here
+        QVERIFY(!root->showNoConnectivity());
+        BMSimulatedNetwork::shared().setReachabilityStatus(0);
+        QVERIFY(root->showNoConnectivity());
+        QCoreApplication::processEvents();
+        QVERIFY(Alert::shownAlert(m_navigation.get()));
+    }
+
+    void barDecorationsAndBack()
+    {
+        m_navigation->show();
+        Screen *screen = push("Next");
+        NavigationBar *bar = m_navigation->navigationBar();
+        screen->prepareHeaderViewForTitle("Fairzone Test");
+        QWidget *titleView = screen->navigationItem()->titleView();
+        QCOMPARE(titleView->size(), QSize(200, 44));
+        QCOMPARE(titleView->findChild<QLabel *>()->text(), QString("Fairzone Test"));
+
+        screen->setNavigationBarTransparent();
+        QVERIFY(bar->isTransparent() && bar->isTranslucent());
+        QCOMPARE(bar->backgroundColor().alpha(), 0);
+        screen->resetNavigationBarToDefault();
+        QVERIFY(!bar->isTransparent() && !bar->isTranslucent());
+
+        screen->replaceNativeBackButton();
+        QVERIFY(!screen->navigationItem()->leftBarButtonItem()->icon().isNull());
+        QVERIFY(!bar->isBackButtonShown());
+        QTest::mouseClick(bar->leftButton(), Qt::LeftButton);
+        QCOMPARE(m_navigation->viewControllers().size(), 1);
+    }
+
+    // The shared loading overlay: shown over the key window, once, from any thread.
+    void loadingCallsInOrderFromAnyThread()
+    {
+        QWidget window;
+        showKeyWindow(&window);
+        BMLoadingView &view = BMLoadingView::sharedInstance();
+        // Calls (p show, c showCircle, h hide), whether from a worker; the plain and circle overlays left up.
+        for (const auto &[calls, fromThread, plain, circle] :
+             {std::tuple{"pp", false, true, false}, {"pc", false, true, true}, {"pch", false, false, false},
+              {"pch", true, false, false}, {"c", true, false, true}}) {
+            const auto run = [&view, calls] {
+                for (const char *call = calls; *call; ++call)
+                    *call == 'p' ? view.show() : *call == 'c' ? view.showCircle() : view.hide();
+            };
+            if (fromThread) {
+                std::unique_ptr<QThread> worker(QThread::create(run));
+                worker->start();
+                QVERIFY(worker->wait(5000));
+            } else {
+                run();
+                QVERIFY(!view.isShown() && !view.isCircleShown()); // queued: nothing before the current work ends
+            }
+            QCoreApplication::processEvents();
+            QCOMPARE(view.isShown(), plain);
+            QCOMPARE(view.isCircleShown(), circle);
+            QCOMPARE(view.overlay() && view.overlay()->isVisible(), plain);
+            QCOMPARE(view.circleOverlay() && view.circleOverlay()->isVisible(), circle);
+            QCOMPARE(window.findChildren<QWidget *>(Qt::FindDirectChildrenOnly).size(), int(plain) + int(circle));
+            view.hide();
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void loadingFollowsItsWindowAndMovesToTheNext()
+    {
+        BMLoadingView &view = BMLoadingView::sharedInstance();
+        auto window = std::make_unique<QWidget>();
+        showKeyWindow(window.get());
+        view.show();
+        QCoreApplication::processEvents();
+        QWidget *first = view.overlay();
+        QCOMPARE(first->geometry(), window->rect());
+        window->resize(320, 480);
+        QCOMPARE(first->geometry(), QRect(0, 0, 320, 480));
+        // Hidden, it leaves the window; shown again, the same overlay comes back.
+        view.hide();
+        QCoreApplication::processEvents();
+        QVERIFY(first->parentWidget() != window.get());
+        view.show();
+        QCoreApplication::processEvents();
+        QCOMPARE(view.overlay(), first);
+        // Its window closed, then deleted, while it was up: it shows in the next key window.
+        for (const bool deleteWindow : {false, true}) {
+            deleteWindow ? window.reset() : void(window->close());
+            auto next = std::make_unique<QWidget>();
+            showKeyWindow(next.get());
+            view.show();
+            QCoreApplication::processEvents();
+            QVERIFY(view.overlay() && view.overlay()->isVisible());
+            QCOMPARE(view.overlay()->window(), next.get());
+            window = std::move(next);
+        }
+        // Without a key window it shows nowhere.
+        view.hide();
+        window->hide();
+        view.showCircle();
+        QCoreApplication::processEvents();
+        QVERIFY(!view.isCircleShown());
+    }
+
+    void namedColours()
+    {
+        // Keys are exact.
+        for (const char *unknown : {"", "FZ_CHART_BACK", "fz_chart_back ", "3593DA"})
+            QVERIFY2(!named(unknown).isValid(), unknown);
+        // Every key the kit's sources and the demo name is in the table.
+        static const QRegularExpression use(
+            QStringLiteral("\\b(?:named|colour|hex)\\(\\s*(?:QStringLiteral\\(\\s*)?\"([a-z0-9_]+)\""));
+        int uses = 0;
+        for (const char *root : {BRIGHTMERE_SOURCE_DIR "/src", BRIGHTMERE_SOURCE_DIR "/apps"}) {
+            for (QDirIterator it(root, {"*.cpp", "*.h"}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+                QFile file(it.next());
+                QVERIFY(file.open(QIODevice::ReadOnly));
+                for (auto match = use.globalMatch(QString::fromUtf8(file.readAll())); match.hasNext(); ++uses) {
+                    const QString key = match.next().captured(1);
+                    QVERIFY2(Color::named(key).isValid() && Color::namedColorKeys().contains(key),
+                             qPrintable(key + " in " + file.fileName()));
+                }
+            }
+        }
+        QVERIFY2(uses > 30, qPrintable(QString::number(uses)));
+    }
+
+    void hexTextsAndComponents()
+    {
+        // colorFromHex reads exactly six digits pair by pair.
+        QCOMPARE(Color::colorFromHex("3593DA"), QColor(0x3593DA));
+        QCOMPARE(Color::colorFromHex("35zzDA"), QColor(0x350000)); // a bad pair stops the reading
+        QCOMPARE(Color::colorFromHex("#3593DA"), QColor(0, 0, 0));
+        // colorWithHexString scans a number.
+        QCOMPARE(Color::colorWithHexString("0X23aca3"), QColor(0x23ACA3));
+        QCOMPARE(Color::colorWithHexString(" \t\n23aca3zz"), QColor(0x23ACA3));
+        QCOMPARE(Color::colorWithHexString("FF"), QColor(0x0000FF));
+        QCOMPARE(Color::colorWithHexString("FF23ACA3"), QColor(0x23ACA3)); // the top byte is ignored
+        QCOMPARE(Color::colorWithHexString("123ACA3FF"), QColor(0xFFFFFF)); // beyond 32 bits saturates
+        QVERIFY(!Color::colorWithHexString("#23ACA3").isValid() && !Color::colorWithHexString("").isValid());
+        // Components beyond 255 are 255; alpha is clamped, not-a-number is 1.
+        QCOMPARE(Color::colorWithR(256, 0, 1000), QColor(255, 0, 255));
+        QCOMPARE(Color::colorWithR(0, 0, 0, -0.5f).alphaF(), 0.0f);
+        QCOMPARE(Color::colorWithR(0, 0, 0, std::numeric_limits<float>::quiet_NaN()).alphaF(), 1.0f);
+    }
+
+    void colorToStringTruncatesAndEqualityCrossesModels()
+    {
+        const QColor blue(0x3593DA);
+        QCOMPARE(Color::colorToString(QColor::fromRgbF(0.999f, 0.999f, 0.999f)), QStringLiteral("fefefe"));
+        QCOMPARE(Color::colorToString(blue.toHsl()), QStringLiteral("3593da"));
+        QCOMPARE(Color::colorToString(QColor::fromRgbF(1.5f, -0.5f, 0.0f)), QStringLiteral("ff0000"));
+        QVERIFY(Color::colorToString(QColor()).isEmpty());
+        // Every byte survives the round trip, in RGB and in HSV.
+        for (uint v = 0; v < 256; ++v) {
+            const QString byte = QStringLiteral("%1").arg(v, 2, 16, QChar(u'0'));
+            const QString text = byte + QStringLiteral("%1").arg(255 - v, 2, 16, QChar(u'0')) + byte;
+            QCOMPARE(Color::colorToString(Color::colorWithR(v, 255 - v, v)), text);
+            QCOMPARE(Color::colorToString(Color::colorWithR(v, 255 - v, v).toHsv()), text);
+            QCOMPARE(Color::colorToString(Color::colorFromHex(text)), text);
+        }
+        const auto equal = [](const QColor &a, const QColor &b) {
+            return Color::isEqualToColor(a, b) && Color::isEqualToColor(b, a);
+        };
+        QVERIFY(equal(QColor::fromCmyk(0, 0, 0, 128), QColor(127, 127, 127)));
+        QVERIFY(!equal(blue, QColor(0x3593DB))); // one 8-bit step apart
+        QVERIFY(!equal(blue, QColor(0x35, 0x93, 0xDA, 254)));
+        QVERIFY(!equal(QColor(), QColor()));
+    }
+
+    void fontMapsByWeight()
+    {
+        const QList<std::tuple<int, QString, QFont::Weight>> weights{
+            {QFont::Thin, "ProximaNova-Light", QFont::Light}, {301, "ProximaNova-Regular", QFont::Normal},
+            {599, "ProximaNova-Regular", QFont::Normal}, {QFont::DemiBold, "ProximaNova-Semibold", QFont::DemiBold},
+            {QFont::Black, "ProximaNova-Bold", QFont::Bold}};
+        for (const auto &[weight, family, mapped] : weights) {
+            QLabel label(QStringLiteral("Kitchen"));
+            QFont font(QStringLiteral("Serif"));
+            font.setPointSizeF(13.5);
+            font.setItalic(true);
+            font.setStyleName(QStringLiteral("Light"));
+            font.setWeight(QFont::Weight(weight));
+            label.setFont(font);
+            // Mapping is by weight, so the face chosen once stays on a second call.
+            for (int pass = 0; pass < 2; ++pass) {
+                View::setupFont(&label);
+                QCOMPARE(label.font().families(), QStringList{family});
+                QCOMPARE(label.font().weight(), mapped);
+                QVERIFY(label.font().pointSizeF() == 13.5 && label.font().italic() && label.font().styleName().isEmpty());
+            }
+        }
+        // Without the kit's face installed, the substitute draws it.
+        if (QFontDatabase::hasFamily(QStringLiteral("DejaVu Sans")))
+            QCOMPARE(QFontInfo(View::kitFont(QFont())).family(), QStringLiteral("DejaVu Sans"));
+    }
+
+    void formsLoadByClassName()
+    {
+        QWidget parent;
+        QVERIFY(!View::loadFromNib<NibCard>(&parent)); // nothing registered
+        // A factory that makes nothing or another class loads nothing and leaves nothing behind.
+        View::registerNib(QStringLiteral("NibCard"), [](QWidget *) { return nullptr; });
+        QVERIFY(!View::loadFromNib<NibCard>(&parent));
+        View::registerNib(QStringLiteral("NibCard"), [](QWidget *p) -> QWidget * { return new QLineEdit(p); });
+        QVERIFY(!View::loadFromNib<NibCard>(&parent));
+        QVERIFY(parent.findChildren<QWidget *>().isEmpty());
+        View::registerNib<NibCard>();
+        NibCard *first = View::loadFromNib<NibCard>(&parent);
+        QVERIFY(first && first->parentWidget() == &parent);
+        // Each load is a new widget; without a parent the caller owns it.
+        std::unique_ptr<QWidget> second(View::loadFromNib(QStringLiteral("NibCard")));
+        QVERIFY(qobject_cast<NibCard *>(second.get()) && second.get() != first && !second->parent());
+    }
+
+    void focusIsDroppedDepthFirst_data()
+    {
+        // The tree, in child order: window > panel > editA; window > dialog (a
+        // window of its own, hidden) > editC; window > editB.
+        QTest::addColumn<QStringList>("focused");
+        QTest::addColumn<QString>("searched");
+        QTest::addColumn<QStringList>("stillFocused");
+        QTest::newRow("nothing focused") << QStringList() << "window" << QStringList();
+        QTest::newRow("focus deep in the tree") << QStringList{"editA"} << "window" << QStringList();
+        QTest::newRow("focus outside the searched tree stays") << QStringList{"editB"} << "panel" << QStringList{"editB"};
+        QTest::newRow("inactive child window's focus comes first")
+            << QStringList{"editB", "editC"} << "window" << QStringList{"editB"};
+    }
+
+    void focusIsDroppedDepthFirst()
+    {
+        QFETCH(QStringList, focused);
+        QFETCH(QString, searched);
+        QFETCH(QStringList, stillFocused);
+        QWidget window;
+        window.setObjectName("window");
+        window.resize(300, 200);
+        auto *panel = new QWidget(&window);
+        panel->setObjectName("panel");
+        (new QLineEdit(panel))->setObjectName("editA");
+        auto *dialog = new QWidget(&window, Qt::Window);
+        (new QLineEdit(dialog))->setObjectName("editC");
+        auto *editB = new QLineEdit(&window);
+        editB->setObjectName("editB");
+        editB->move(0, 40);
+        window.show();
+        QApplication::setActiveWindow(&window);
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        // Activation focuses the first edit; start from no focus at all.
+        if (QWidget *initial = QApplication::focusWidget())
+            initial->clearFocus();
+        for (const QString &name : focused)
+            window.findChild<QLineEdit *>(name)->setFocus();
+        QWidget *root = searched == "window" ? &window : window.findChild<QWidget *>(searched);
+        QCOMPARE(View::findAndResignFirstResponder(root), focused.size() > stillFocused.size());
+        for (QLineEdit *edit : window.findChildren<QLineEdit *>())
+            QVERIFY2((edit->window()->focusWidget() == edit) == stillFocused.contains(edit->objectName()),
+                     qPrintable(edit->objectName()));
+        QCOMPARE(editB->hasFocus(), stillFocused.contains("editB"));
+        QVERIFY(!View::findAndResignFirstResponder(nullptr));
+    }
+
+    void imagesAreFoundByNameWithOrWithoutAnExtension()
+    {
+        // Drawn from the vector image at any size: sharp, in proportion, not blank.
+        for (const QString name : {"buttonStart", "buttonRecord.png", "wifiCounterRecording", "fairzones_scroll_4"}) {
+            const QImage image = FrameworkBundle::imageNamed(name).pixmap(QSize(400, 100), 2.0).toImage();
+            QCOMPARE(image.height(), 200);
+            QCOMPARE(double(image.width()) / image.height(), name.startsWith("fairzones") ? 1.6 : 1.0);
+            QVERIFY2(qAlpha(image.pixel(image.width() / 2, image.height() / 3)) > 0, qPrintable(name));
+        }
+        QVERIFY(FrameworkBundle::imageNamed(QStringLiteral("buttonPause.png")).isNull());
+    }
+
+    // The border a style sets, and the background a real press and release show.
+    void mainButtonStyles_data()
+    {
+        QTest::addColumn<ButtonStyle>("style");
+        const QColor built = named("fixed_dark_blue"), grey = named("fixed_light_gray"), blue = named("medium_blue");
+        const QColor red = named("norva_red_1"), green = named("fixed_action_bar_green");
+        QTest::newRow("0 drops the border") << ButtonStyle{{0}, 10, 0, built, named("dark_blue"), blue};
+        QTest::newRow("1 keeps the built border") << ButtonStyle{{1}, 10, 1, built, Color::system(4), blue};
+        QTest::newRow("3 red pill") << ButtonStyle{{3}, 22, 2, red, grey, red};
+        QTest::newRow("4 after 3 keeps the red border") << ButtonStyle{{3, 4}, 22, 2, red, grey, blue};
+        QTest::newRow("5 green pill") << ButtonStyle{{5}, 22, 2, green, grey, green};
+        QTest::newRow("large values as 6") << ButtonStyle{{4000000000u}, 10, 1, built, grey, blue};
+    }
+
+    void mainButtonStyles()
+    {
+        QFETCH(ButtonStyle, style);
+        BMMainButton button("Record");
+        QCOMPARE(button.backgroundColor(), named("dark_blue")); // as built, before any style
+        for (uint each : style.styles)
+            button.setStyle(each);
+        QCOMPARE(button.cornerRadius(), style.radius);
+        QCOMPARE(button.borderWidth(), style.width);
+        QCOMPARE(button.borderColor(), style.border);
+        QCOMPARE(button.backgroundColor(), style.normal);
+        button.resize(200, 44);
+        button.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&button));
+        QTest::mousePress(&button, Qt::LeftButton);
+        QCOMPARE(button.backgroundColor(), style.pressed);
+        QVERIFY(button.isHighlighted());
+        QTest::mouseRelease(&button, Qt::LeftButton);
+        QCOMPARE(button.backgroundColor(), style.normal);
+        QVERIFY(!button.isHighlighted());
+        button.setSelected(true);
+        QCOMPARE(button.backgroundColor(), style.pressed);
+    }
+
+    void mainButtonImageWithColorRecoloursAndDrawsAtScale()
+    {
+        BMMainButton button("Stop");
+        button.setStyle(0);
+        button.resize(120, 44);
+        const QColor green = named("fixed_action_bar_green");
+        const QImage image = button.imageWithColor(green);
+        QCOMPARE(button.backgroundColor(), green);
+        QCOMPARE(image.size(), QSize(120, 44) * image.devicePixelRatio());
+        // The middle of the left edge is fill, not title.
+        QCOMPARE(image.pixelColor(QPoint(6, 22) * image.devicePixelRatio()).rgb(), green.rgb());
+    }
+
+private:
+    Screen *push(const QString &name, bool other = false)
+    {
+        Screen *screen = other ? new OtherScreen(name, m_journal) : new Screen(name, m_journal);
+        m_navigation->pushViewController(screen, false);
+        return screen;
+    }
+
+    static void showKeyWindow(QWidget *window)
+    {
+        window->resize(375, 667);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        KeyWindow::makeKeyWindow(window);
+    }
+
+    std::unique_ptr<TestEnvironment> m_env;
+    Journal m_journal;
+    std::unique_ptr<NavigationController> m_navigation;
+};
+
+QTEST_MAIN(tst_SharedUI)
+#include "tst_SharedUI.moc"

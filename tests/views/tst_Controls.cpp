@@ -1,0 +1,556 @@
+// The controls people drag, swipe, click and type at: the table of rows, the
+// paged scroll view with its page indicator, the switch, the alert. Each
+// gesture is driven by the mouse, and once by a finger.
+#include "PointerInput.h"
+#include "TestEnvironment.h"
+#include "platform/views/Alert.h"
+#include "platform/views/PageControl.h"
+#include "platform/views/ScrollAnimator.h"
+#include "platform/views/ScrollView.h"
+#include "platform/views/Switch.h"
+#include "platform/views/TableView.h"
+#include "platform/views/TableViewCell.h"
+#include "platform/views/TableViewDataSource.h"
+#include "platform/views/ViewController.h"
+#include "ui/BrightmereColor.h"
+
+#include <QAbstractAnimation>
+#include <QApplication>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Brightmere;
+using PointerInput::Kind;
+using Style = AlertAction::Style;
+
+namespace {
+
+// A caption (which lets clicks through) and a button (which takes them).
+class CaptionRow : public TableViewCell
+{
+public:
+    CaptionRow()
+    {
+        setReuseIdentifier(QStringLiteral("caption"));
+        button->setGeometry(0, 0, 60, 40);
+    }
+    void resizeEvent(QResizeEvent *event) override
+    {
+        TableViewCell::resizeEvent(event);
+        caption->setGeometry(60, 0, width() - 60, height());
+    }
+    QLabel *caption = new QLabel(this);
+    QPushButton *button = new QPushButton(QStringLiteral("Go"), this);
+};
+
+class Source : public TableViewDataSource
+{
+public:
+    int numberOfRowsInSection(TableView *, int) override { return int(items.size()); }
+    TableViewCell *cellForRowAtIndexPath(TableView *table, const IndexPath &index) override
+    {
+        auto *row = static_cast<CaptionRow *>(table->dequeueReusableCellWithIdentifier(QStringLiteral("caption")));
+        if (!row) {
+            row = new CaptionRow;
+            ++made;
+        }
+        row->caption->setText(items.at(index.row()));
+        return row;
+    }
+    double heightForRowAtIndexPath(TableView *table, const IndexPath &index) override
+    {
+        return heights.value(index.row(), table->rowHeight());
+    }
+    bool canEditRowAtIndexPath(TableView *, const IndexPath &) override { return editable; }
+    void commitEditingStyle(TableView *, EditingStyle, const IndexPath &index) override { committed << index.row(); }
+    void didSelectRowAtIndexPath(TableView *, const IndexPath &index) override { selected << index.row(); }
+
+    QStringList items;
+    QList<double> heights;
+    bool editable = true;
+    int made = 0;
+    QList<int> committed;
+    QList<int> selected;
+};
+
+struct TableDrag
+{
+    Kind kind;
+    bool editable;
+    QPoint by;
+    int offset;
+    bool editing; // row 1, where the drag starts
+};
+
+struct PageDrag
+{
+    Kind kind;
+    bool paging, scrolls;
+    int dx, offset; // where it comes to rest
+};
+
+// Nothing more can come from the view: its animations have stopped and the
+// events queued before now have been handled.
+bool quiet(QObject *view)
+{
+    const auto stopped = [view] {
+        for (const QAbstractAnimation *animation : view->findChildren<QAbstractAnimation *>()) {
+            if (animation->state() == QAbstractAnimation::Running)
+                return false;
+        }
+        return true;
+    };
+    bool reached = false;
+    QMetaObject::invokeMethod(view, [&reached] { reached = true; }, Qt::QueuedConnection);
+    return QTest::qWaitFor([&] { return reached && stopped(); }, 5000);
+}
+
+} // namespace
+
+class tst_Controls : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    // Ten rows of 40 in a table 200 high; four label pages of 300 x 150; a
+    // window covered by a button, where alerts show, active.
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        ScrollAnimator::setDuration(0);
+        m_source = Source();
+        for (int i = 0; i < 10; ++i)
+            m_source.items << QStringLiteral("Spot %1").arg(i + 1);
+        m_table = std::make_unique<TableView>();
+        m_table->setRowHeight(40);
+        m_table->setDataSource(&m_source);
+        m_table->resize(375, 200);
+        m_table->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_table.get()));
+        m_table->reloadData();
+
+        m_pages = std::make_unique<ScrollView>();
+        m_pages->resize(300, 150);
+        for (int i = 0; i < 4; ++i) {
+            auto *page = new QLabel(QStringLiteral("Page %1").arg(i + 1));
+            page->setGeometry(i * 300, 0, 300, 150);
+            m_pages->addSubview(page);
+        }
+        m_pages->setContentSize(QSize(1200, 150));
+        m_pages->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_pages.get()));
+
+        m_window = std::make_unique<QWidget>();
+        m_window->resize(390, 700);
+        m_under = new QPushButton("Under", m_window.get());
+        m_under->setGeometry(0, 0, 390, 700);
+        m_window->show();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void cleanup()
+    {
+        m_table.reset();
+        m_pages.reset();
+        m_window.reset();
+        Switch::setSlideDuration(150);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_env.reset();
+    }
+
+    void rowsSitAtTheirHeightsAndComeBackFromThePool()
+    {
+        m_source.items = {QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+        m_source.heights = {38, -5, 50}; // an unusable height falls back to the table's
+        m_table->reloadData();
+        m_table->reloadData();
+        QCOMPARE(m_source.made, 10);
+        QCOMPARE(captions(), (QStringList{"A", "B", "C"}));
+        QCOMPARE(row(2)->geometry(), QRect(0, 78, 375, 50));
+        m_table->resize(300, 200);
+        QCOMPARE(row(2)->caption->width(), 240); // the row laid itself out again
+        QVERIFY(!m_table->dequeueReusableCellWithIdentifier(QStringLiteral("other")));
+        TableViewCell *back = m_table->dequeueReusableCellWithIdentifier(QStringLiteral("caption"));
+        QVERIFY(back && !m_table->indexPathForCell(back).isValid() && !back->isVisible());
+    }
+
+    void tableDragsScrollOrSwipe_data()
+    {
+        QTest::addColumn<TableDrag>("drag");
+        QTest::newRow("up scrolls") << TableDrag{Kind::Mouse, true, {5, -110}, 110, false};
+        QTest::newRow("far up stops at the end") << TableDrag{Kind::Mouse, true, {0, -900}, 200, false};
+        QTest::newRow("60 left, editable") << TableDrag{Kind::Mouse, true, {-60, 4}, 0, true};
+        QTest::newRow("60 left, not editable") << TableDrag{Kind::Mouse, false, {-60, 4}, 0, false};
+        QTest::newRow("25 left is too short") << TableDrag{Kind::Mouse, true, {-25, 0}, 0, false};
+        QTest::newRow("60 right") << TableDrag{Kind::Mouse, true, {60, 0}, 0, false};
+        QTest::newRow("touch: 60 left, editable") << TableDrag{Kind::Touch, true, {-60, 4}, 0, true};
+    }
+
+    void tableDragsScrollOrSwipe()
+    {
+        QFETCH(TableDrag, drag);
+        m_source.editable = drag.editable;
+        const QPoint from(150, 60);
+        const bool scrolls = qAbs(drag.by.y()) > qAbs(drag.by.x());
+        PointerInput::press(drag.kind, m_table->viewport(), from);
+        QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
+        PointerInput::move(drag.kind, m_table->viewport(), from + drag.by / 2);
+        QCOMPARE(m_table->panGestureRecognizerState(),
+                 scrolls ? TableView::GestureStateChanged : TableView::GestureStatePossible);
+        PointerInput::move(drag.kind, m_table->viewport(), from + drag.by);
+        PointerInput::release(drag.kind, m_table->viewport(), from + drag.by);
+        QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
+        QCOMPARE(m_table->contentOffset(), QPoint(0, drag.offset));
+        QCOMPARE(row(1)->isEditing(), drag.editing);
+        QCOMPARE(row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), drag.editing);
+        QVERIFY(!row(0)->isEditing() && !row(2)->isEditing());
+        QVERIFY(m_source.selected.isEmpty());
+        if (!drag.editing)
+            return;
+        // A click on the strip deletes that row; editing off closes every strip.
+        QTest::mouseClick(row(1)->deleteStrip(), Qt::LeftButton);
+        QCOMPARE(m_source.committed, QList<int>{1});
+        row(3)->setEditing(true, false);
+        m_table->setEditing(false, true);
+        QVERIFY(!row(1)->isEditing() && !row(3)->isEditing() && !row(1)->deleteStrip()->isVisible());
+    }
+
+    void deleteKeepsTheOtherRowsInOrder()
+    {
+        m_source.items = m_source.items.mid(0, 5);
+        m_table->reloadData();
+        const auto rowsAt40 = [this](const QStringList &left) {
+            QCOMPARE(captions(), left);
+            for (int i = 0; i < left.size(); ++i)
+                QCOMPARE(row(i)->y(), 40 * i);
+            QCOMPARE(m_table->contentHeight(), 40 * int(left.size()));
+        };
+        // Two, out of order, in updates.
+        m_source.items = QStringList{"Spot 2", "Spot 3", "Spot 5"};
+        m_table->beginUpdates();
+        m_table->deleteRowsAtIndexPaths({IndexPath(3, 0), IndexPath(0, 0)}, TableView::RowAnimation::Fade);
+        m_table->endUpdates();
+        rowsAt40(m_source.items);
+        // The data source kept the row: the table reloads.
+        m_table->deleteRowsAtIndexPaths({IndexPath(1, 0), IndexPath(42, 0)}, TableView::RowAnimation::Fade);
+        rowsAt40(m_source.items);
+        QCOMPARE(m_source.made, 10); // rows came back from the pool, none made anew
+    }
+
+    void clickSelects()
+    {
+        // On the caption it selects; with selection off or on the row's button, it does not.
+        m_table->setContentOffset(QPoint(0, 100), false);
+        QSignalSpy buttonClicks(row(4)->button, &QPushButton::clicked);
+        for (const auto &[allows, onButton] : {std::pair{true, false}, {false, false}, {true, true}}) {
+            m_source.selected.clear();
+            m_table->setAllowsSelection(allows);
+            QTest::mouseClick(onButton ? static_cast<QWidget *>(row(4)->button) : row(4)->caption, Qt::LeftButton);
+            QCOMPARE(m_source.selected, allows && !onButton ? QList<int>{4} : QList<int>{});
+        }
+        QCOMPARE(buttonClicks.size(), 1);
+    }
+
+    void tableScrollTargets()
+    {
+        // Row 3 to the top; a rectangle already seen stays; one below comes
+        // up to the bottom; one above comes down to the top.
+        for (const bool animated : {false, true}) {
+            m_table->scrollToRowAtIndexPath(IndexPath(3, 0), TableView::ScrollPosition::Top, animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 120));
+            m_table->scrollRectToVisible(QRect(0, 200, 1, 40), animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 120));
+            m_table->scrollRectToVisible(QRect(0, 350, 1, 40), animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 190));
+            m_table->scrollRectToVisible(QRect(0, 0, 1, 40), animated);
+            QCOMPARE(m_table->contentOffset(), QPoint(0, 0));
+        }
+    }
+
+    void aPageDragComesToRestOnTheNearestPage_data()
+    {
+        QTest::addColumn<PageDrag>("drag"); // from page 2
+        QTest::newRow("a short drag springs back") << PageDrag{Kind::Mouse, true, true, -140, 300};
+        QTest::newRow("past half a page, the next") << PageDrag{Kind::Mouse, true, true, -160, 600};
+        QTest::newRow("beyond the last page") << PageDrag{Kind::Mouse, true, true, -900, 900};
+        QTest::newRow("without paging, where it ends") << PageDrag{Kind::Mouse, false, true, -130, 430};
+        QTest::newRow("scrolling off") << PageDrag{Kind::Mouse, true, false, -160, 300};
+        QTest::newRow("touch: past half a page, the next") << PageDrag{Kind::Touch, true, true, -160, 600};
+    }
+
+    void aPageDragComesToRestOnTheNearestPage()
+    {
+        QFETCH(PageDrag, drag);
+        m_pages->setPagingEnabled(drag.paging);
+        m_pages->setScrollEnabled(drag.scrolls);
+        m_pages->setContentOffset(QPoint(300, 0), false);
+        QSignalSpy rested(m_pages.get(), &ScrollView::didEndDecelerating);
+        QSignalSpy animated(m_pages.get(), &ScrollView::didEndScrollingAnimation);
+        PointerInput::drag(drag.kind, m_pages->viewport(), QPoint(150, 70), QPoint(150 + drag.dx, 75));
+        if (drag.scrolls)
+            QTRY_COMPARE(rested.size(), 1);
+        QCOMPARE(m_pages->contentOffset(), QPoint(drag.offset, 0));
+        QVERIFY(quiet(m_pages.get()));
+        QCOMPARE(rested.size(), drag.scrolls ? 1 : 0);
+        QCOMPARE(animated.size(), 0);
+    }
+
+    void animatedPageMovesReportTheirEndOnce()
+    {
+        for (const int duration : {0, 30}) {
+            ScrollView::setAnimationDuration(duration);
+            m_pages->setContentOffset(QPoint(0, 0), false);
+            QSignalSpy ended(m_pages.get(), &ScrollView::didEndScrollingAnimation);
+            // A move replaced before it ends reports only the second.
+            m_pages->setContentOffset(QPoint(300, 0), true);
+            if (duration)
+                m_pages->scrollRectToVisible(QRect(600, 0, 300, 150), true);
+            else
+                m_pages->setContentOffset(QPoint(600, 0), true);
+            QCOMPARE(ended.size(), 0); // never before the event loop turns
+            QTRY_COMPARE(ended.size(), 1);
+            QCOMPARE(m_pages->contentOffset(), QPoint(600, 0));
+            // A move without animation reports nothing.
+            m_pages->setContentOffset(QPoint(0, 0), false);
+            QVERIFY(quiet(m_pages.get()));
+            QCOMPARE(ended.size(), 1);
+        }
+    }
+
+    void aClickBesideTheCurrentDotMovesOnePage()
+    {
+        // From page, click this far from its dot's centre, to page.
+        for (const auto &[current, clickX, page] : {std::tuple{1, 60, 2}, {0, -20, 0}, {2, 1, 2}, {2, -5, 1}}) {
+            PageControl control;
+            control.setNumberOfPages(4);
+            control.setCurrentPage(current);
+            control.resize(200, 20);
+            control.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&control));
+            QSignalSpy changed(&control, &PageControl::valueChanged);
+            QTest::mouseClick(&control, Qt::LeftButton, {}, control.dotCentre(current).toPoint() + QPoint(clickX, 0));
+            QCOMPARE(control.currentPage(), page);
+            QCOMPARE(changed.size(), page == current ? 0 : 1);
+            // The dots in the kit's colours, the current one highlighted.
+            const QImage image = control.grab().toImage();
+            for (int dot = 0; dot < 4; ++dot) {
+                const QColor expected = Color::named(dot == page ? "medium_blue" : "disable_gray");
+                QCOMPARE(image.pixel((control.dotCentre(dot) * image.devicePixelRatio()).toPoint()), expected.rgb());
+            }
+        }
+    }
+
+    // The knob ends where the state is, whichever way the state changed: a
+    // user's click (which Qt applies with the button's refresh held back),
+    // a key, a change from code, animated or not.
+    void switchKnobFollowsState()
+    {
+        Switch::setSlideDuration(0);
+        for (const auto &[startOn, how] : {std::pair{false, "click"}, {true, "click"}, {false, "key"},
+                                           {false, "code"}, {true, "code animated"}}) {
+            Switch control;
+            control.resize(control.sizeHint());
+            control.setOn(startOn);
+            QCOMPARE(control.knobPosition(), startOn ? 1.0 : 0.0);
+            QSignalSpy toggled(&control, &Switch::toggled);
+            if (QByteArray(how) == "click")
+                QTest::mouseClick(&control, Qt::LeftButton);
+            else if (QByteArray(how) == "key")
+                QTest::keyClick(&control, Qt::Key_Space);
+            else
+                control.setOn(!startOn, QByteArray(how).endsWith("animated"));
+            QVERIFY2(control.isOn() == !startOn && control.knobPosition() == (startOn ? 0.0 : 1.0), how);
+            QCOMPARE(toggled.size(), 1);
+        }
+    }
+
+    void aSwitchClickSlidesWhenTheSlideHasLength()
+    {
+        Switch control;
+        control.resize(control.sizeHint());
+        QTest::mouseClick(&control, Qt::LeftButton);
+        QVERIFY(control.isOn());
+        // The slide runs on the event loop: the knob has not arrived yet, and
+        // a change from code then jumps straight to its end.
+        QVERIFY(control.knobPosition() < 1.0);
+        control.setOn(false);
+        QCOMPARE(control.knobPosition(), 0.0);
+    }
+
+    void buttonsKeepTheOrderAdded()
+    {
+        // Two short buttons share a row, cancel staying where added; two long ones, or three, stack in order.
+        for (const auto &[titles, styles, sideBySide] :
+             {std::tuple{QStringList{"OK", "Cancel"}, QList<Style>{Style::Default, Style::Cancel}, true},
+              {QStringList{"Replace the old spot", "Keep both spots"}, QList<Style>{Style::Destructive, Style::Default},
+               false},
+              {QStringList{"Delete", "Copy", "Cancel"},
+               QList<Style>{Style::Destructive, Style::Default, Style::Cancel}, false}}) {
+            m_window->resize(390, 700);
+            QPointer<Alert> alert = present(titles, styles);
+            QCOMPARE(alert->buttonTitles(), titles);
+            const QList<QPushButton *> buttons = alert->buttons();
+            for (int i = 0; i < buttons.size(); ++i) {
+                QCOMPARE(buttons.at(i)->text(), titles.at(i));
+                QCOMPARE(alert->actions().at(i).style(), styles.at(i));
+                QVERIFY(alert->cardGeometry().contains(buttons.at(i)->mapTo(alert, buttons.at(i)->rect().center())));
+                const QPoint previous = buttons.at(qMax(i - 1, 0))->mapTo(alert, QPoint(0, 0));
+                const QPoint current = buttons.at(i)->mapTo(alert, QPoint(0, 0));
+                QVERIFY(i == 0 || (sideBySide ? current.y() == previous.y() && current.x() > previous.x()
+                                              : current.y() > previous.y()));
+            }
+            // The card sits in the middle of the window, and stays there.
+            QVERIFY((alert->cardGeometry().center() - m_window->rect().center()).manhattanLength() <= 2);
+            m_window->resize(600, 400);
+            QCOMPARE(alert->geometry(), m_window->rect());
+            QVERIFY((alert->cardGeometry().center() - QPoint(300, 200)).manhattanLength() <= 2);
+            alert->dismiss(false);
+        }
+    }
+
+    void pressingClosesThenRunsTheHandlerOnce_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("by title") << "title" << 2;
+        QTest::newRow("by a real click") << "click" << 0;
+        QTest::newRow("Tab to the second, Enter") << "tabEnter" << 1;
+        QTest::newRow("Escape closes it, pressing nothing") << "escape" << -1;
+    }
+
+    void pressingClosesThenRunsTheHandlerOnce()
+    {
+        QFETCH(QString, how);
+        QFETCH(int, expected);
+        QList<int> pressed;
+        bool goneWhenHandled = false;
+        QPointer<Alert> alert = present({"OK", "Copy", "Cancel"}, {}, [&](int i) {
+            pressed.append(i);
+            goneWhenHandled = Alert::shownAlert(m_window.get()) == nullptr;
+        });
+        QSignalSpy dismissed(alert.data(), &Alert::dismissed);
+        QCOMPARE(Alert::shownAlert(m_window.get()), alert.data());
+        if (how == "title") {
+            QVERIFY(alert->pressButtonWithTitle("Cancel"));
+        } else if (how == "click") {
+            QTest::mouseClick(alert->buttons().at(0), Qt::LeftButton);
+        } else {
+            // The keyboard is the alert's while it is up.
+            QCOMPARE(QApplication::focusWidget(), alert->buttons().at(0));
+            if (how == "tabEnter") {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            } else {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+            }
+        }
+        const QList<int> expectedPresses = expected < 0 ? QList<int>{} : QList<int>{expected};
+        QCOMPARE(pressed, expectedPresses);
+        QVERIFY(goneWhenHandled || expected < 0);
+        QCOMPARE(dismissed.count(), 1);
+        // A second press of anything finds a closed alert.
+        QVERIFY(!alert->pressButtonAt(0));
+        QVERIFY(!alert->pressButtonWithTitle("OK"));
+        QCOMPARE(pressed, expectedPresses);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!alert);
+    }
+
+    void dismissalCompletionRunsOnceTheAlertIsGone()
+    {
+        // Without buttons a click does not close it.
+        QPointer<Alert> alert = present({});
+        QVERIFY(!alert->pressButtonAt(0));
+        QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, alert->cardGeometry().center());
+        QCOMPARE(Alert::shownAlert(m_window.get()), alert.data());
+        int completions = 0;
+        bool goneInCompletion = false;
+        alert->dismiss(true, [&] {
+            ++completions;
+            goneInCompletion = !Alert::shownAlert(m_window.get()) && !Alert::shownAlert();
+        });
+        alert->dismiss(false, [&] { ++completions; });
+        QCOMPARE(completions, 1);
+        QVERIFY(goneInCompletion);
+    }
+
+    void clicksDoNotReachTheWidgetsUnderneath()
+    {
+        QSignalSpy clicks(m_under, &QPushButton::clicked);
+        QWindow *window = m_window->windowHandle();
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(20, 20)); // without an alert it lands
+        QCOMPARE(clicks.count(), 1);
+        QPointer<Alert> alert = present({"OK"});
+        // Also a widget the window gets later must not cover the alert.
+        auto *late = new QPushButton("Late", m_window.get());
+        late->setGeometry(0, 0, 100, 100);
+        late->show();
+        QSignalSpy lateClicks(late, &QPushButton::clicked);
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(20, 20));
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(200, 600));
+        QTest::mouseClick(window, Qt::LeftButton, {}, alert->cardGeometry().topLeft() + QPoint(20, 10));
+        QCOMPARE(clicks.count() + lateClicks.count(), 1);
+        QCOMPARE(Alert::shownAlert(m_window.get()), alert.data());
+        alert->pressButtonAt(0);
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(200, 600));
+        QCOMPARE(clicks.count(), 2);
+    }
+
+    void aScreenPresentsOneAlertAtATime()
+    {
+        auto *screen = new ViewController(m_window.get());
+        int completions = 0;
+        QPointer<Alert> first = new Alert("First");
+        screen->presentAlert(first, false, [&] { ++completions; });
+        QCOMPARE(completions, 1);
+        QCOMPARE(screen->presentedAlert(), first.data());
+        QCOMPARE(first->geometry(), m_window->rect()); // over the whole window, not just the screen
+        // A second one while the first is up is dropped; its completion never runs.
+        QPointer<Alert> second = new Alert("Second");
+        screen->presentAlert(second, false, [&] { ++completions; });
+        QCOMPARE(completions, 1);
+        QCOMPARE(Alert::shownAlert(m_window.get()), first.data());
+        first->dismiss(false);
+        QCOMPARE(screen->presentedAlert(), nullptr);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!second && !first);
+    }
+
+private:
+    Alert *present(const QStringList &titles, const QList<Style> &styles = {},
+                   const std::function<void(int)> &onPress = {})
+    {
+        auto *alert = new Alert("Title", "Message");
+        for (int i = 0; i < titles.size(); ++i) {
+            alert->addAction(AlertAction(titles.at(i), styles.value(i, Style::Default), [onPress, i] {
+                if (onPress)
+                    onPress(i);
+            }));
+        }
+        alert->showOver(m_window.get());
+        return alert;
+    }
+
+    CaptionRow *row(int i) const { return static_cast<CaptionRow *>(m_table->cellForRowAtIndexPath(IndexPath(i, 0))); }
+    QStringList captions() const
+    {
+        QStringList texts;
+        for (int i = 0; row(i); ++i)
+            texts << row(i)->caption->text();
+        return texts;
+    }
+
+    std::unique_ptr<TestEnvironment> m_env;
+    std::unique_ptr<TableView> m_table;
+    std::unique_ptr<ScrollView> m_pages;
+    Source m_source;
+    std::unique_ptr<QWidget> m_window;
+    QPushButton *m_under = nullptr;
+};
+
+QTEST_MAIN(tst_Controls)
+#include "tst_Controls.moc"
