@@ -10,6 +10,10 @@
 
 using Brightmere::View::pixelsForPoints;
 
+namespace {
+constexpr int kTextStretch = 10000;
+}
+
 BMFairzoneTutorialPageView::BMFairzoneTutorialPageView(const QRect &frame, QWidget *parent)
     : QWidget(parent)
 {
@@ -30,7 +34,8 @@ void BMFairzoneTutorialPageView::initialize()
     pictureColumn->addStretch(1);
 
     auto *words = new QWidget(this);
-    m_textColumn = new QVBoxLayout(words);
+    m_textArea = new QHBoxLayout(words);
+    m_textArea->setSpacing(0);
     m_lblText = new QLabel(words);
     m_lblText->setTextFormat(Qt::PlainText);
     m_lblText->setFont(Brightmere::View::fontOfSize(kTextFontPoints));
@@ -45,7 +50,12 @@ void BMFairzoneTutorialPageView::initialize()
     // it. On a wide page the sentence keeps a readable line length, centred.
     m_lblText->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     m_lblText->setMaximumWidth(pixelsForPoints(kTextMaximumWidth));
-    m_textColumn->addWidget(m_lblText, 0, Qt::AlignHCenter);
+    // Side stretches centre it once it is at its widest; up to then the
+    // label's far larger stretch gives it all the width (an alignment would
+    // shrink it to its size hint and wrap the text early).
+    m_textArea->addStretch(1);
+    m_textArea->addWidget(m_lblText, kTextStretch);
+    m_textArea->addStretch(1);
 
     auto *layers = new QStackedLayout(this);
     layers->setStackingMode(QStackedLayout::StackAll);
@@ -86,5 +96,5 @@ void BMFairzoneTutorialPageView::fitPicture()
     // sides and the bottom.
     const int inset = pixelsForPoints(kTextInset);
     const int textTop = pixelsForPoints(kImageTop) + imageSize.height() - pixelsForPoints(kTextOverlap);
-    m_textColumn->setContentsMargins(inset, qMax(0, textTop), inset, inset);
+    m_textArea->setContentsMargins(inset, qMax(0, textTop), inset, inset);
 }

@@ -5,7 +5,7 @@
 #include <QWidget>
 
 class QLabel;
-class QVBoxLayout;
+class QHBoxLayout;
 
 // One page of the test screen's tutorial: an illustration with a sentence
 // under it, the text overlapping the picture's lower part (its light base)
@@ -42,7 +42,7 @@ private:
     void fitPicture();
 
     QLabel *m_imgView = nullptr;
-    QVBoxLayout *m_textColumn = nullptr;
+    QHBoxLayout *m_textArea = nullptr;
     QLabel *m_lblText = nullptr;
     QIcon m_image;
 };

@@ -116,8 +116,7 @@ void tst_FZOptionsPopup::cardLayout()
     QCOMPARE(card->width(), FZOptionsPopup::kCardWidth);
     QVERIFY(qAbs(card->geometry().center().y() - popup->rect().center().y()) <= 1);
     QVERIFY(qAbs(card->geometry().center().x() - popup->rect().center().x()) <= 1);
-    const QStringList faults = LayoutChecks::faults(popup);
-    QVERIFY2(faults.isEmpty(), qPrintable(faults.join("; ")));
+    QCOMPARE(LayoutChecks::faults(popup).join("; "), QString());
     QCOMPARE(popup->separators().size(), std::max(0, buttons - 1));
 
     const QList<QPushButton *> list = popup->optionButtons();

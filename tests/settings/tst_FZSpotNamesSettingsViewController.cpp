@@ -108,8 +108,7 @@ private Q_SLOTS:
                     : QStringList{title, "<", code("fairzones_spot_names_settings_edit") + "+icon",
                                   code("fairzones_spot_names_settings_share") + "+icon"};
         QCOMPARE(look(screen, QString("settings-spot-names-%1-%2").arg(editing ? "edit" : "view").arg(width)), controls);
-        const QStringList faults = LayoutChecks::faults(m_navigation.get());
-        QVERIFY2(faults.isEmpty(), qPrintable(faults.join("; ")));
+        QCOMPARE(LayoutChecks::faults(m_navigation.get()).join("; "), QString());
         const QRect column = screen->findChild<QWidget *>("spotNamesColumn")->geometry();
         QCOMPARE(column.width(), std::min(width, 600));
         QVERIFY(qAbs(column.center().x() - screen->rect().center().x()) <= 1);
