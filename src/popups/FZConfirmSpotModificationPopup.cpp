@@ -2,13 +2,17 @@
 
 #include "platform/views/Switch.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QBoxLayout>
 #include <QLabel>
 
+using Brightmere::View::pixelsForPoints;
+
 namespace {
 
-constexpr int kNoteFontPixels = 13;
+// In points.
+constexpr qreal kNoteFontPoints = 13;
 constexpr int kSideMargin = 10;
 constexpr int kVerticalMargin = 2;
 constexpr int kSpacing = 8;
@@ -58,14 +62,14 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
     row->setObjectName(QStringLiteral("confirmRow"));
     // The card's colour shows through: the row reads as part of the card.
     auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
-    layout->setSpacing(kSpacing);
+    const int side = pixelsForPoints(kSideMargin);
+    const int vertical = pixelsForPoints(kVerticalMargin + kRowPadding);
+    layout->setContentsMargins(side, vertical, side, vertical);
+    layout->setSpacing(pixelsForPoints(kSpacing));
 
     m_note = new QLabel(row);
     m_note->setObjectName(QStringLiteral("confirmNote"));
-    QFont font = m_note->font();
-    font.setPixelSize(kNoteFontPixels);
-    m_note->setFont(font);
+    m_note->setFont(Brightmere::View::fontOfSize(kNoteFontPoints));
     m_note->setWordWrap(true);
     m_note->setTextFormat(m_noteFormat == Qt::RichText ? Qt::RichText : Qt::PlainText);
     m_note->setText(option);
@@ -81,9 +85,6 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
     layout->addWidget(m_optionSwitch, 0, Qt::AlignVCenter);
 
     m_viewOnTopOfOptions = row;
-    const int noteWidth = kCardWidth - 2 * kSideMargin - kSpacing - Brightmere::Switch::kWidth;
-    const int content = std::max(m_note->heightForWidth(noteWidth), int(Brightmere::Switch::kHeight));
-    const int height = content + 2 * kVerticalMargin + 2 * kRowPadding;
-    stackRow(row, height);
+    stackRow(row);
     return row;
 }

@@ -3,12 +3,16 @@
 #include "platform/foundation/NotificationCenter.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QLabel>
 
+using Brightmere::View::pixelsForPoints;
+
 namespace {
 
-constexpr int kNoteFontPixels = 12;
+// In points.
+constexpr qreal kNoteFontPoints = 12;
 constexpr int kSideMargin = 10;
 constexpr int kVerticalMargin = 2;
 constexpr int kMinimumRowHeight = 36;
@@ -44,21 +48,21 @@ QWidget *FZLabelOptionsPopup::addViewWithOption(const QString &option, int index
 
     auto *note = new BMLabel(option, parentView);
     note->setObjectName(QStringLiteral("labelNote"));
-    QFont font = note->font();
-    font.setPixelSize(kNoteFontPixels);
-    note->setFont(font);
+    note->setFont(Brightmere::View::fontOfSize(kNoteFontPoints));
     note->setAlignment(Qt::AlignCenter);
     // Two lines at the most, a longer text ending in an ellipsis.
     note->setMaximumLines(2);
-    note->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
+    const int side = pixelsForPoints(kSideMargin);
+    const int vertical = pixelsForPoints(kVerticalMargin);
+    note->setContentsMargins(side, vertical, side, vertical);
+    note->setMinimumHeight(pixelsForPoints(kMinimumRowHeight));
     // The card's own colour: the note reads as part of the card.
     note->setAutoFillBackground(false);
     QPalette palette = note->palette();
     palette.setColor(QPalette::Window, Brightmere::Color::system(2));
     palette.setColor(QPalette::WindowText, Brightmere::Color::colorFromHex(QStringLiteral("999999")));
     note->setPalette(palette);
-    const int height = std::max(kMinimumRowHeight, note->heightForWidth(kCardWidth));
     m_viewOnTopOfOptions = note;
-    stackRow(note, height);
+    stackRow(note);
     return note;
 }

@@ -1,5 +1,7 @@
 #include "FZOptionsPopup.h"
 
+#include "FZOptionButton.h"
+
 #include "core/BMLogger.h"
 #include "platform/views/FocusRing.h"
 #include "platform/views/KeyWindow.h"
@@ -8,6 +10,7 @@
 #include "ui/BrightmereView.h"
 
 #include <QApplication>
+#include <QBoxLayout>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -21,15 +24,18 @@
 #include <exception>
 #include <utility>
 
+using Brightmere::View::pixelsForPoints;
+
 namespace {
 
 const QString kModule = QStringLiteral("FZOptionsPopup");
 
-constexpr int kButtonFontPixels = 14;
-constexpr int kButtonMinimumFontPixels = 9;
+// In points.
+constexpr qreal kButtonFontPoints = 14;
 constexpr int kButtonInset = 5;
-constexpr int kTitleFontPixels = 16;
+constexpr qreal kTitleFontPoints = 16;
 constexpr int kTitleSideMargin = 10;
+constexpr int kSeparatorThickness = 1;
 
 // Rounds those of a view's corners that lie on the card's corners, so the
 // card keeps its rounded outline over the dimmed layer (the card clips).
@@ -57,7 +63,7 @@ QString buttonStyleSheet(const QString &radii)
                           "QPushButton:pressed { background: %5; }")
                .arg(Brightmere::Color::system(2).name(QColor::HexArgb),
                     Brightmere::Color::colorFromHex(QStringLiteral("999999")).name(QColor::HexArgb))
-               .arg(kButtonInset)
+               .arg(pixelsForPoints(kButtonInset))
                .arg(radii, Brightmere::Color::system(4).name(QColor::HexArgb))
            + Brightmere::FocusRing::styleSheetRule(QStringLiteral("QPushButton"),
                                                    Brightmere::Color::named(QStringLiteral("medium_blue")));
@@ -75,10 +81,29 @@ FZOptionsPopup::FZOptionsPopup(QWidget *parent)
     QWidget::hide();
     m_card = new QWidget(this);
     m_card->setObjectName(QStringLiteral("popupContainerView"));
+    m_column = new QVBoxLayout(m_card);
+    m_column->setContentsMargins(0, 0, 0, 0);
+    m_column->setSpacing(0);
+
+    // Stretches on all four sides centre the card; placeCard() sets its
+    // width and the margins that move it up or down.
+    auto *centre = new QHBoxLayout;
+    centre->setSpacing(0);
+    centre->addStretch(1);
+    centre->addWidget(m_card);
+    centre->addStretch(1);
+    m_placement = new QVBoxLayout(this);
+    m_placement->setSpacing(0);
+    // The popup takes the window's size, whatever the card would like.
+    m_placement->setSizeConstraint(QLayout::SetNoConstraint);
+    m_placement->addStretch(1);
+    m_placement->addLayout(centre);
+    m_placement->addStretch(1);
+
     m_slide = new QVariantAnimation(this);
     connect(m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
         m_shownOffset = value.toReal();
-        layoutCard();
+        placeCard();
     });
 }
 
@@ -97,7 +122,7 @@ void FZOptionsPopup::initWithPopupOptions(const QStringList &options, int orient
 {
     addSubviewsWithOptions(options, m_card, orientation);
     roundOuterCorners();
-    layoutCard();
+    placeCard();
 }
 
 void FZOptionsPopup::setCenterVerticalConstraint(qreal offset, double animationSeconds)
@@ -112,21 +137,30 @@ void FZOptionsPopup::setCenterVerticalConstraint(qreal offset, double animationS
         return;
     }
     m_shownOffset = offset;
-    layoutCard();
+    placeCard();
 }
 
 FZOptionsPopup::MakeConstraintsBlock FZOptionsPopup::optionsMakeConstraintsBlockWithOrientation(int orientation)
 {
     if (orientation == Horizontal) {
         return [this](QWidget *view, QWidget *, QWidget *) {
-            if (isFirstOptionView(view))
-                m_row.clear();
-            m_row.append(view);
+            // One row under the title (or the extra row), as high as a button.
+            if (isFirstOptionView(view) || !m_optionRow) {
+                m_optionRow = new QHBoxLayout;
+                m_optionRow->setSpacing(0);
+                QWidget *top = viewOnTopOfOptions(m_card);
+                m_column->insertLayout(top ? m_column->indexOf(top) + 1 : 0, m_optionRow);
+            }
+            if (m_separators.contains(view))
+                view->setFixedWidth(pixelsForPoints(kSeparatorThickness));
+            m_optionRow->addWidget(view);
+            view->show();
         };
     }
     return [this](QWidget *view, QWidget *, QWidget *) {
-        const bool separator = m_separators.contains(view);
-        stackRow(view, separator ? 1 : kOptionHeight);
+        if (m_separators.contains(view))
+            view->setFixedHeight(pixelsForPoints(kSeparatorThickness));
+        stackRow(view);
     };
 }
 
@@ -177,21 +211,20 @@ QWidget *FZOptionsPopup::addViewWithOption(const QString &option, int index, int
     if (index == 0) {
         auto *title = new BMLabel(option, parentView);
         title->setObjectName(QStringLiteral("popupTitle"));
-        QFont font = title->font();
-        font.setPixelSize(kTitleFontPixels);
-        font.setWeight(QFont::DemiBold);
-        title->setFont(font);
-        title->baseInit();
+        title->setFont(Brightmere::View::fontOfSize(kTitleFontPoints, QFont::DemiBold));
         title->setAlignment(Qt::AlignCenter);
+        // A long (translated) title takes more lines, never more width.
         title->setWordWrap(true);
-        title->setContentsMargins(kTitleSideMargin, 0, kTitleSideMargin, 0);
+        const int side = pixelsForPoints(kTitleSideMargin);
+        const int extra = pixelsForPoints(kTitleExtraHeight);
+        title->setContentsMargins(side, extra / 2, side, extra - extra / 2);
         title->setProperty(kTagProperty, 0);
         title->setStyleSheet(titleStyleSheet(cornerRadii(true, true, false, false)));
-        stackRow(title, title->heightForWidth(kCardWidth) + kTitleExtraHeight);
+        stackRow(title);
         return title;
     }
 
-    auto *button = new QPushButton(Brightmere::View::literalButtonText(option), parentView);
+    auto *button = new FZOptionButton(Brightmere::View::literalButtonText(option), kButtonFontPoints, parentView);
     button->setObjectName(QStringLiteral("option%1").arg(index));
     button->setProperty(kTagProperty, index);
     button->setFlat(true);
@@ -199,9 +232,7 @@ QWidget *FZOptionsPopup::addViewWithOption(const QString &option, int index, int
     // The keyboard reaches it with Tab; a click does not move the focus.
     button->setFocusPolicy(Qt::TabFocus);
     button->setCursor(Qt::PointingHandCursor);
-    QFont font = button->font();
-    font.setPixelSize(kButtonFontPixels);
-    button->setFont(font);
+    button->setFixedHeight(pixelsForPoints(kOptionHeight));
     button->setStyleSheet(buttonStyleSheet(cornerRadii(false, false, false, false)));
     connect(button, &QPushButton::clicked, this, [this, button] { optionPressed(button); });
     m_buttons.append(button);
@@ -220,9 +251,9 @@ QWidget *FZOptionsPopup::makeSeparator(QWidget *parentView)
     return separator;
 }
 
-void FZOptionsPopup::stackRow(QWidget *view, int height)
+void FZOptionsPopup::stackRow(QWidget *view)
 {
-    m_column.append(Placed{view, height});
+    m_column->addWidget(view);
     view->show();
 }
 
@@ -232,8 +263,8 @@ void FZOptionsPopup::roundOuterCorners()
     // stack, the first and last of a row. Nothing to do without buttons.
     if (m_buttons.isEmpty())
         return;
-    const bool lastIsButton =
-        m_orientation == Horizontal || (!m_column.isEmpty() && m_column.last().view == m_buttons.last());
+    QLayoutItem *last = m_column->count() > 0 ? m_column->itemAt(m_column->count() - 1) : nullptr;
+    const bool lastIsButton = m_orientation == Horizontal || (last && last->widget() == m_buttons.last());
     if (!lastIsButton)
         return;
     if (m_orientation == Horizontal) {
@@ -246,59 +277,51 @@ void FZOptionsPopup::roundOuterCorners()
     }
 }
 
-void FZOptionsPopup::layoutCard()
+int FZOptionsPopup::cardWidthForPopupWidth(int popupWidth) const
 {
-    int y = 0;
-    for (const Placed &row : std::as_const(m_column)) {
-        if (!row.view)
-            continue;
-        row.view->setGeometry(0, y, kCardWidth, row.height);
-        y += row.height;
-    }
-    if (!m_row.isEmpty()) {
-        QWidget *top = viewOnTopOfOptions(m_card);
-        const int rowTop = top ? top->geometry().bottom() + 1 : 0;
-        int buttons = 0;
-        int separators = 0;
-        for (const QPointer<QWidget> &view : std::as_const(m_row)) {
-            if (m_separators.contains(view))
-                ++separators;
-            else
-                ++buttons;
+    // Wider only where a button's text would be cut even at the smallest
+    // size; a horizontal row gives every button the widest one's share.
+    int widest = 0;
+    int buttons = 0;
+    for (const QPointer<QPushButton> &button : m_buttons) {
+        if (const auto *option = qobject_cast<const FZOptionButton *>(button.data())) {
+            widest = std::max(widest, option->widthForWholeTextAtSmallestSize());
+            ++buttons;
         }
-        // Every button gets the same width; the odd pixels left over go
-        // unseen at the right, where the card has the buttons' colour.
-        const int buttonWidth = buttons > 0 ? (kCardWidth - separators) / buttons : 0;
-        int x = 0;
-        for (const QPointer<QWidget> &view : std::as_const(m_row)) {
-            const int width = m_separators.contains(view) ? 1 : buttonWidth;
-            view->setGeometry(x, rowTop, width, kOptionHeight);
-            x += width;
-        }
-        y = std::max(y, rowTop + kOptionHeight);
     }
-    fitButtonFonts();
-
-    const QRectF area = rect();
-    const qreal top = area.center().y() - y / 2.0 + m_shownOffset;
-    m_card->setGeometry(int(std::lround((area.width() - kCardWidth) / 2.0)), int(std::lround(top)), kCardWidth, y);
-    update();
+    const int needed = m_orientation == Horizontal
+                           ? buttons * widest + (buttons - 1) * pixelsForPoints(kSeparatorThickness)
+                           : widest;
+    const int width = std::max(pixelsForPoints(kCardWidth), std::min(needed, pixelsForPoints(kCardMaximumWidth)));
+    const int room = popupWidth - 2 * pixelsForPoints(kWindowMargin);
+    return std::max(1, std::min(width, room));
 }
 
-void FZOptionsPopup::fitButtonFonts()
+void FZOptionsPopup::placeCard()
 {
-    for (const QPointer<QPushButton> &button : std::as_const(m_buttons)) {
-        if (!button || button->width() <= 0)
-            continue;
-        const int room = button->width() - 2 * kButtonInset;
-        QFont font = button->font();
-        font.setPixelSize(kButtonFontPixels);
-        while (font.pixelSize() > kButtonMinimumFontPixels
-               && QFontMetrics(font).horizontalAdvance(button->text()) > room)
-            font.setPixelSize(font.pixelSize() - 1);
-        if (font != button->font())
-            button->setFont(font);
+    const int margin = pixelsForPoints(kWindowMargin);
+    // Moving the centre by the offset: twice the offset more margin on the
+    // side it moves away from.
+    const int shift = int(std::lround(2.0 * m_shownOffset));
+    m_placement->setContentsMargins(margin, margin + std::max(0, shift), margin, margin + std::max(0, -shift));
+
+    const int cardWidth = cardWidthForPopupWidth(width());
+    m_card->setFixedWidth(cardWidth);
+    if (m_optionRow) {
+        // Every button of the row as wide as the others; the odd pixels
+        // left over stay at the right, where the card has the buttons' colour.
+        const QList<QPushButton *> buttons = optionButtons();
+        const int separators = int(m_separators.size());
+        if (!buttons.isEmpty()) {
+            const int share = (cardWidth - separators * pixelsForPoints(kSeparatorThickness)) / int(buttons.size());
+            for (QPushButton *button : buttons)
+                button->setFixedWidth(std::max(0, share));
+        }
     }
+    // At once, so the card's frame is right when the popup is read or drawn.
+    if (isVisible())
+        m_placement->activate();
+    update();
 }
 
 QList<QPushButton *> FZOptionsPopup::optionButtons() const
@@ -343,7 +366,7 @@ void FZOptionsPopup::show()
     window->installEventFilter(this);
     QWidget::show();
     raise();
-    layoutCard();
+    placeCard();
     setFocus(Qt::OtherFocusReason);
 }
 
@@ -464,7 +487,7 @@ void FZOptionsPopup::paintEvent(QPaintEvent *)
 
 void FZOptionsPopup::resizeEvent(QResizeEvent *)
 {
-    layoutCard();
+    placeCard();
 }
 
 void FZOptionsPopup::mousePressEvent(QMouseEvent *event)

@@ -7,8 +7,10 @@
 
 #include <functional>
 
+class QHBoxLayout;
 class QPushButton;
 class QVariantAnimation;
+class QVBoxLayout;
 
 // The kit's one modal chooser: a dimmed layer over the whole key window with
 // a small rounded card in the middle. Entry 0 of the options is the card's
@@ -39,7 +41,13 @@ public:
 
     enum Orientation { Vertical = 0, Horizontal = 1 };
 
+    // In points (Brightmere::View::pixelsForPoints). The card keeps its
+    // width on every window wide enough for it, widening only for buttons
+    // whose texts would otherwise be cut, up to kCardMaximumWidth, and never
+    // closer than kWindowMargin to the window's sides.
     static constexpr int kCardWidth = 230;
+    static constexpr int kCardMaximumWidth = 360;
+    static constexpr int kWindowMargin = 16;
     static constexpr int kOptionHeight = 43;
     static constexpr int kTitleExtraHeight = 20;
     static constexpr int kCornerRadius = 10;
@@ -117,10 +125,12 @@ protected:
     virtual QWidget *addViewWithOption(const QString &option, int index, int count, QWidget *parentView,
                                        QWidget *previousView, QWidget *previousOptionView);
 
-    // A full-width row stacked under the rows before it, of the given height.
-    void stackRow(QWidget *view, int height);
-    // Places the rows in the card and the card in the popup.
-    void layoutCard();
+    // A full-width row stacked under the rows before it; its height is its
+    // own (fixed, or its layout's for the card's width).
+    void stackRow(QWidget *view);
+    // The card's width for the popup's width, and its place: centred, moved
+    // by the vertical offset. The layouts place everything else.
+    void placeCard();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -132,16 +142,10 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    struct Placed
-    {
-        QPointer<QWidget> view;
-        int height = 0;
-    };
-
     void leaveScreen();
     QList<QWidget *> focusableViews() const;
     void roundOuterCorners();
-    void fitButtonFonts();
+    int cardWidthForPopupWidth(int popupWidth) const;
     QWidget *makeSeparator(QWidget *parentView);
 
     OptionChosenBlock m_optionChosenBlock;
@@ -150,9 +154,13 @@ private:
     qreal m_centerVerticalConstraint = 0.0;
     qreal m_shownOffset = 0.0; // differs from the constraint while the card slides
     QWidget *m_card = nullptr;
+    // Around the card: margins that centre it and carry the offset.
+    QVBoxLayout *m_placement = nullptr;
+    // The card's rows, top to bottom; the buttons of a horizontal card
+    // share m_optionRow.
+    QVBoxLayout *m_column = nullptr;
+    QHBoxLayout *m_optionRow = nullptr;
     MakeConstraintsBlock m_makeConstraints;
-    QList<Placed> m_column;
-    QList<QPointer<QWidget>> m_row;
     QList<QPointer<QPushButton>> m_buttons;
     QList<QPointer<QWidget>> m_separators;
     QPointer<QWidget> m_window;

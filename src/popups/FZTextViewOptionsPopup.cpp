@@ -6,6 +6,7 @@
 #include "platform/views/KeyboardNotifications.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -13,10 +14,12 @@
 
 using Brightmere::KeyboardNotifications;
 using Brightmere::NotificationCenter;
+using Brightmere::View::pixelsForPoints;
 
 namespace {
 
-constexpr int kNoteFontPixels = 12;
+// In points.
+constexpr qreal kNoteFontPoints = 12;
 constexpr int kSideMargin = 10;
 constexpr int kVerticalMargin = 2;
 constexpr int kFieldHeight = 30;
@@ -61,14 +64,14 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
     auto *row = new QWidget(parentView);
     row->setObjectName(QStringLiteral("textViewRow"));
     auto *layout = new QVBoxLayout(row);
-    layout->setContentsMargins(kSideMargin, kVerticalMargin, kSideMargin, kVerticalMargin);
-    layout->setSpacing(kVerticalMargin);
+    const int side = pixelsForPoints(kSideMargin);
+    const int vertical = pixelsForPoints(kVerticalMargin);
+    layout->setContentsMargins(side, vertical, side, vertical);
+    layout->setSpacing(vertical);
 
     auto *note = new BMLabel(option, row);
     note->setObjectName(QStringLiteral("textViewNote"));
-    QFont noteFont = note->font();
-    noteFont.setPixelSize(kNoteFontPixels);
-    note->setFont(noteFont);
+    note->setFont(Brightmere::View::fontOfSize(kNoteFontPoints));
     note->setAlignment(Qt::AlignCenter);
     // Two lines at the most, a longer text ending in an ellipsis.
     note->setMaximumLines(2);
@@ -77,7 +80,7 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
 
     m_textField = new QLineEdit(row);
     m_textField->setObjectName(QStringLiteral("textField"));
-    m_textField->setFixedHeight(kFieldHeight);
+    m_textField->setFixedHeight(pixelsForPoints(kFieldHeight));
     m_textField->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; border-radius: 3px;"
                                               " padding: 0px 6px; background: %2; }")
                                    .arg(Brightmere::Color::system(3).name(QColor::HexArgb),
@@ -87,8 +90,7 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
     layout->addWidget(m_textField);
 
     m_viewOnTopOfOptions = row;
-    const int noteHeight = m_note->heightForWidth(kCardWidth - 2 * kSideMargin);
-    stackRow(row, kVerticalMargin + noteHeight + kVerticalMargin + kFieldHeight + kVerticalMargin);
+    stackRow(row);
 
     NotificationCenter::defaultCenter().addObserver(
         this, QString::fromLatin1(KeyboardNotifications::kKeyboardDidShowNotification),

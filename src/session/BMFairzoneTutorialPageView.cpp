@@ -4,7 +4,15 @@
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
 
+#include <QBoxLayout>
 #include <QLabel>
+#include <QStackedLayout>
+
+using Brightmere::View::pixelsForPoints;
+
+namespace {
+constexpr int kTextStretch = 10000;
+}
 
 BMFairzoneTutorialPageView::BMFairzoneTutorialPageView(const QRect &frame, QWidget *parent)
     : QWidget(parent)
@@ -15,14 +23,22 @@ BMFairzoneTutorialPageView::BMFairzoneTutorialPageView(const QRect &frame, QWidg
 
 void BMFairzoneTutorialPageView::initialize()
 {
-    m_imgView = new QLabel(this);
+    // Two layers over the whole page: the picture, and the text drawn over
+    // its lower part.
+    auto *picture = new QWidget(this);
+    auto *pictureColumn = new QVBoxLayout(picture);
+    pictureColumn->setContentsMargins(0, pixelsForPoints(kImageTop), 0, 0);
+    m_imgView = new QLabel(picture);
     m_imgView->setAlignment(Qt::AlignCenter);
+    pictureColumn->addWidget(m_imgView, 0, Qt::AlignHCenter);
+    pictureColumn->addStretch(1);
 
-    m_lblText = new QLabel(this);
+    auto *words = new QWidget(this);
+    m_textArea = new QHBoxLayout(words);
+    m_textArea->setSpacing(0);
+    m_lblText = new QLabel(words);
     m_lblText->setTextFormat(Qt::PlainText);
-    QFont font;
-    font.setPixelSize(kTextFontPixels);
-    m_lblText->setFont(Brightmere::View::kitFont(font));
+    m_lblText->setFont(Brightmere::View::fontOfSize(kTextFontPoints));
     m_lblText->setWordWrap(true);
     m_lblText->setAlignment(Qt::AlignCenter);
     QPalette palette = m_lblText->palette();
@@ -30,36 +46,55 @@ void BMFairzoneTutorialPageView::initialize()
     m_lblText->setPalette(palette);
     // Drawn over the picture's base, so it must not cover it with a background.
     m_lblText->setAutoFillBackground(false);
-    m_lblText->raise();
-    layoutParts();
+    // The page's size is the scroll view's; no text may widen or heighten
+    // it. On a wide page the sentence keeps a readable line length, centred.
+    m_lblText->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    m_lblText->setMaximumWidth(pixelsForPoints(kTextMaximumWidth));
+    // Side stretches centre it once it is at its widest; up to then the
+    // label's far larger stretch gives it all the width (an alignment would
+    // shrink it to its size hint and wrap the text early).
+    m_textArea->addStretch(1);
+    m_textArea->addWidget(m_lblText, kTextStretch);
+    m_textArea->addStretch(1);
+
+    auto *layers = new QStackedLayout(this);
+    layers->setStackingMode(QStackedLayout::StackAll);
+    // The scroll view sets the page's frame; the picture follows it.
+    layers->setSizeConstraint(QLayout::SetNoConstraint);
+    layers->addWidget(picture);
+    layers->addWidget(words);
+    // The current layer is raised: the text over the picture.
+    layers->setCurrentWidget(words);
+    fitPicture();
 }
 
 void BMFairzoneTutorialPageView::configureWithImageName(const QString &imageName, const QString &text)
 {
     m_image = Brightmere::FrameworkBundle::imageNamed(imageName);
     m_lblText->setText(text);
-    layoutParts();
+    fitPicture();
 }
 
 void BMFairzoneTutorialPageView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    layoutParts();
+    fitPicture();
 }
 
-void BMFairzoneTutorialPageView::layoutParts()
+void BMFairzoneTutorialPageView::fitPicture()
 {
     // The picture at its own proportions, no higher than the cap and no
     // wider than the page; drawn for the screen's pixel density so it stays
     // sharp.
     QSize imageSize(0, 0);
     if (!m_image.isNull())
-        imageSize = m_image.actualSize(QSize(qMax(0, width()), kImageMaxHeight));
-    m_imgView->setGeometry((width() - imageSize.width()) / 2, kImageTop, imageSize.width(), imageSize.height());
+        imageSize = m_image.actualSize(QSize(qMax(0, width()), pixelsForPoints(kImageMaxHeight)));
+    m_imgView->setFixedSize(imageSize);
     m_imgView->setPixmap(m_image.isNull() || imageSize.isEmpty() ? QPixmap()
                                                                  : m_image.pixmap(imageSize, devicePixelRatioF()));
-
-    const int textTop = kImageTop + imageSize.height() - kTextOverlap;
-    m_lblText->setGeometry(kTextInset, textTop, qMax(0, width() - 2 * kTextInset),
-                           qMax(0, height() - kTextInset - textTop));
+    // The text starts over the picture's base and keeps the inset from the
+    // sides and the bottom.
+    const int inset = pixelsForPoints(kTextInset);
+    const int textTop = pixelsForPoints(kImageTop) + imageSize.height() - pixelsForPoints(kTextOverlap);
+    m_textArea->setContentsMargins(inset, qMax(0, textTop), inset, inset);
 }

@@ -5,12 +5,14 @@
 #include <QWidget>
 
 class QLabel;
+class QHBoxLayout;
 
 // One page of the test screen's tutorial: an illustration with a sentence
 // under it, the text overlapping the picture's lower part (its light base)
 // on purpose. The picture keeps its proportions, centred 10 points below the
 // top and at most 75 high; the text, grey and centred, wraps in what is left
-// 5 points in from the sides and the bottom.
+// 5 points in from the sides and the bottom, in lines no longer than
+// kTextMaximumWidth on a wide page. Sizes are in points.
 class BMFairzoneTutorialPageView : public QWidget
 {
     Q_OBJECT
@@ -20,7 +22,8 @@ public:
     static constexpr int kImageMaxHeight = 75;
     static constexpr int kTextOverlap = 20;
     static constexpr int kTextInset = 5;
-    static constexpr int kTextFontPixels = 12;
+    static constexpr int kTextFontPoints = 12;
+    static constexpr int kTextMaximumWidth = 480;
 
     explicit BMFairzoneTutorialPageView(const QRect &frame, QWidget *parent = nullptr);
 
@@ -35,9 +38,11 @@ protected:
 
 private:
     void initialize();
-    void layoutParts();
+    // The picture for the page's width, and where the text begins under it.
+    void fitPicture();
 
     QLabel *m_imgView = nullptr;
+    QHBoxLayout *m_textArea = nullptr;
     QLabel *m_lblText = nullptr;
     QIcon m_image;
 };

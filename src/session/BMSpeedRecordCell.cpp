@@ -37,19 +37,12 @@ constexpr int kNameHeight = 30;
 constexpr int kUnitWidth = 34;
 constexpr int kSpeedToUnitGap = 4;
 constexpr int kAveragedSpeedTop = 2;
-constexpr int kNameFontPixels = 15;
-constexpr int kSpeedFontPixels = 18;
-constexpr int kUnitFontPixels = 11;
-constexpr int kAverageFontPixels = 10;
+// Text sizes in points.
+constexpr qreal kNameFontPoints = 15;
+constexpr qreal kSpeedFontPoints = 18;
+constexpr qreal kUnitFontPoints = 11;
+constexpr qreal kAverageFontPoints = 10;
 constexpr int kPopupCornerRadius = 8;
-
-QFont kitFont(int pixels, QFont::Weight weight)
-{
-    QFont font;
-    font.setPixelSize(pixels);
-    font.setWeight(weight);
-    return Brightmere::View::kitFont(font);
-}
 
 void setTextColor(QWidget *widget, const QColor &color)
 {
@@ -87,16 +80,16 @@ BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
     m_reRecordView->setObjectName(QStringLiteral("reRecordView"));
     m_reRecordView->installEventFilter(this);
 
-    m_lblArea->setFont(kitFont(kNameFontPixels, QFont::Normal));
+    m_lblArea->setFont(Brightmere::View::fontOfSize(kNameFontPoints));
     setTextColor(m_lblArea, Brightmere::Color::system(0));
     for (QLabel *label : {m_lblSpeed, m_lblUnit, m_lblAverage})
         label->setTextFormat(Qt::PlainText);
-    m_lblSpeed->setFont(kitFont(kSpeedFontPixels, QFont::DemiBold));
+    m_lblSpeed->setFont(Brightmere::View::fontOfSize(kSpeedFontPoints, QFont::DemiBold));
     m_lblSpeed->setAlignment(Qt::AlignRight | Qt::AlignTop);
-    m_lblUnit->setFont(kitFont(kUnitFontPixels, QFont::Normal));
+    m_lblUnit->setFont(Brightmere::View::fontOfSize(kUnitFontPoints));
     m_lblUnit->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setTextColor(m_lblUnit, Brightmere::Color::named(QStringLiteral("text_blue")));
-    m_lblAverage->setFont(kitFont(kAverageFontPixels, QFont::Normal));
+    m_lblAverage->setFont(Brightmere::View::fontOfSize(kAverageFontPoints));
     m_lblAverage->setAlignment(Qt::AlignRight | Qt::AlignTop);
     m_lblAverage->hide();
 

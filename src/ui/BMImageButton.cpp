@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kTitlePixels = 15;
+constexpr qreal kTitlePoints = 15;
 constexpr qreal kPressedOpacity = 0.75;
 constexpr qreal kDisabledOpacity = 0.45;
 
@@ -24,10 +24,7 @@ BMImageButton::BMImageButton(QWidget *parent)
 {
     setAttribute(Qt::WA_AcceptTouchEvents);
     setFocusPolicy(Qt::TabFocus);
-    QFont titleFont = font();
-    titleFont.setPixelSize(kTitlePixels);
-    titleFont.setWeight(QFont::Bold);
-    setFont(Brightmere::View::kitFont(titleFont));
+    setFont(Brightmere::View::fontOfSize(kTitlePoints, QFont::Bold));
 }
 
 void BMImageButton::setBackgroundImage(const QIcon &image)
@@ -224,12 +221,14 @@ void BMImageButton::paintEvent(QPaintEvent *)
     if (title.isEmpty())
         return;
     painter.setPen(m_titleColor);
-    // A longer translation first shrinks the title (down to 70 %), and only
-    // then is cut with an ellipsis.
+    // A longer translation first shrinks the title (down to 70 %, never
+    // under the kit's smallest text), and only then is cut with an ellipsis.
     QFont titleFont = font();
     const int room = width() - 8;
-    const int largest = titleFont.pixelSize() > 0 ? titleFont.pixelSize() : kTitlePixels;
-    for (int size = largest; size > largest * 7 / 10 && QFontMetrics(titleFont).horizontalAdvance(title) > room;)
+    const int largest = titleFont.pixelSize() > 0 ? titleFont.pixelSize()
+                                                  : Brightmere::View::fontOfSize(kTitlePoints).pixelSize();
+    const int smallest = qMax(Brightmere::View::kMinimumTextPixels, largest * 7 / 10);
+    for (int size = largest; size > smallest && QFontMetrics(titleFont).horizontalAdvance(title) > room;)
         titleFont.setPixelSize(--size);
     painter.setFont(titleFont);
     const QString shown = QFontMetrics(titleFont).elidedText(title, Qt::ElideRight, width() - 4);

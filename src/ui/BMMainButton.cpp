@@ -57,11 +57,7 @@ void BMMainButton::build()
     setFlat(true);
     setAttribute(Qt::WA_TranslucentBackground);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    QFont face = font();
-    face.setPixelSize(17);
-    face.setWeight(QFont::DemiBold);
-    setFont(face);
-    Brightmere::View::setupFont(this);
+    setFont(Brightmere::View::fontOfSize(17, QFont::DemiBold));
 
     m_cornerRadius = 10.0;
     m_borderWidth = 1.0;

@@ -3,6 +3,7 @@
 #include "BMLoadingView.h"
 #include "BMScreenChangeNotification.h"
 #include "BrightmereColor.h"
+#include "BrightmereView.h"
 #include "core/BMLogger.h"
 #include "core/BMReachabilityManager.h"
 #include "i18n/BMI18NManager.h"
@@ -29,8 +30,7 @@ const QString kModule = QStringLiteral("BMSDKUIBaseViewController");
 
 constexpr int kTitleViewWidth = 200;
 constexpr int kTitleViewHeight = 44;
-constexpr int kTitleFontPixels = 17;
-constexpr int kTitleMinimumFontPixels = 9;
+constexpr qreal kTitleFontPoints = 17;
 
 QColor clearColor()
 {
@@ -186,12 +186,10 @@ void BMSDKUIBaseViewController::prepareHeaderViewForTitle(const QString &title)
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Color::colorWithR(255, 255, 255));
     label->setPalette(palette);
-    QFont font = label->font();
-    font.setBold(true);
-    font.setPixelSize(kTitleFontPixels);
-    // Shrinks the font until the title fits the width, as far as a size
-    // that stays legible; a longer title is then cut with an ellipsis.
-    while (font.pixelSize() > kTitleMinimumFontPixels
+    QFont font = View::fontOfSize(kTitleFontPoints, QFont::Bold);
+    // Shrinks the font until the title fits the width, as far as the kit's
+    // smallest text; a longer title is then cut with an ellipsis.
+    while (font.pixelSize() > View::kMinimumTextPixels
            && QFontMetrics(font).horizontalAdvance(title) > kTitleViewWidth)
         font.setPixelSize(font.pixelSize() - 1);
     label->setFont(font);

@@ -1,10 +1,10 @@
+#include "LayoutChecks.h"
 #include "TestEnvironment.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/Switch.h"
 #include "screens/settings/FZMiscellaneousSettingsViewController.h"
-#include "ui/BMLabel.h"
 
 #include <QTest>
 
@@ -123,16 +123,26 @@ private Q_SLOTS:
         QCOMPARE(shown(fresh), expected);
     }
 
-    void labelsWrapBesideTheirSwitches()
+    void followsTheWindow_data()
     {
+        QTest::addColumn<int>("width");
+        for (int width : {320, 375, 800, 1280})
+            QTest::newRow(QByteArray::number(width) + " wide") << width;
+    }
+
+    // Each label wraps beside its switch instead of being cut or covered;
+    // on a wide window the rows keep a readable width, in the middle.
+    void followsTheWindow()
+    {
+        QFETCH(int, width);
         auto *screen = open();
         QCOMPARE(screen->screenNameAndClassForEventTracker().screenName(), QString("Miscellaneous Screen"));
+        m_navigation->resize(width, 667);
         QCoreApplication::processEvents();
-        // Each label wraps beside its switch instead of being cut or covered.
-        for (BMLabel *label : screen->findChildren<BMLabel *>()) {
-            QVERIFY2(label->height() >= label->heightForWidth(label->width()), qPrintable(label->text()));
-            QVERIFY(label->geometry().right() < label->parentWidget()->findChild<Switch *>()->geometry().left());
-        }
+        QCOMPARE(LayoutChecks::faults(m_navigation.get()).join("; "), QString());
+        const QRect group = screen->findChild<QWidget *>("confirmationsGroup")->geometry();
+        QCOMPARE(group.width(), std::min(width, 600));
+        QVERIFY(qAbs(group.center().x() - screen->rect().center().x()) <= 1);
     }
 };
 

@@ -1,3 +1,4 @@
+#include "LayoutChecks.h"
 #include "TestEnvironment.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
@@ -78,20 +79,39 @@ private Q_SLOTS:
         m_env.reset();
     }
 
+    void viewAndEditModes_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<bool>("editing");
+        for (int width : {320, 375, 800, 1280}) {
+            QTest::newRow(QByteArray::number(width) + " wide") << width << false;
+            QTest::newRow(QByteArray::number(width) + " wide, editing") << width << true;
+        }
+    }
+
+    // What each mode offers, on windows from 320 to 1280 wide: nothing cut
+    // or covered, and on a wide window a readable column in the middle.
     void viewAndEditModes()
     {
+        QFETCH(int, width);
+        QFETCH(bool, editing);
         auto *screen = open({"Office", "Kitchen", "Hall"});
+        m_navigation->resize(width, 667);
         QCOMPARE(screen->screenNameAndClassForEventTracker().screenName(), QString("Spots Names Screen"));
         QCOMPARE(screen->spotNamesTextView()->toPlainText(), QString("Office\nKitchen\nHall"));
-        QVERIFY(screen->spotNamesTextView()->isReadOnly());
+        if (editing)
+            QTest::mouseClick(screen->leftButton(), Qt::LeftButton);
+        QCOMPARE(screen->spotNamesTextView()->isReadOnly(), !editing);
         const QString title = code("fairzones_settings_spot_names");
-        QCOMPARE(look(screen, "settings-spot-names-view"),
-                 (QStringList{title, "<", code("fairzones_spot_names_settings_edit") + "+icon",
-                              code("fairzones_spot_names_settings_share") + "+icon"}));
-        QTest::mouseClick(screen->leftButton(), Qt::LeftButton);
-        QVERIFY(!screen->spotNamesTextView()->isReadOnly());
-        QCOMPARE(look(screen, "settings-spot-names-edit"),
-                 (QStringList{title, code("cancel"), code("fairzones_spot_names_settings_save")}));
+        const QStringList controls =
+            editing ? QStringList{title, code("cancel"), code("fairzones_spot_names_settings_save")}
+                    : QStringList{title, "<", code("fairzones_spot_names_settings_edit") + "+icon",
+                                  code("fairzones_spot_names_settings_share") + "+icon"};
+        QCOMPARE(look(screen, QString("settings-spot-names-%1-%2").arg(editing ? "edit" : "view").arg(width)), controls);
+        QCOMPARE(LayoutChecks::faults(m_navigation.get()).join("; "), QString());
+        const QRect column = screen->findChild<QWidget *>("spotNamesColumn")->geometry();
+        QCOMPARE(column.width(), std::min(width, 600));
+        QVERIFY(qAbs(column.center().x() - screen->rect().center().x()) <= 1);
     }
 
     void cancelAndSave_data()

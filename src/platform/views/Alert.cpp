@@ -2,6 +2,7 @@
 
 #include "FocusRing.h"
 #include "core/BMLogger.h"
+#include "ui/BrightmereView.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -23,6 +24,10 @@ const QString kModule = QStringLiteral("Alert");
 constexpr int kWindowMargin = 16;
 constexpr int kCornerRadius = 14;
 constexpr int kButtonHeight = 44;
+// Text sizes in points.
+constexpr qreal kTitlePoints = 17;
+constexpr qreal kMessagePoints = 13;
+constexpr qreal kButtonPoints = 17;
 const QColor kDimColor(0, 0, 0, 102);
 const QColor kCardColor(248, 248, 248);
 const QColor kSeparatorColor(60, 60, 67, 75);
@@ -34,20 +39,13 @@ QString buttonStyleSheet(AlertAction::Style style)
 {
     const QColor color = style == AlertAction::Style::Destructive ? kDestructiveColor : kActionColor;
     return QStringLiteral("QPushButton { border: none; background: transparent; color: %1;"
-                          " font-size: 17px; font-weight: %2; min-height: %3px; padding: 0px 8px; }"
+                          " font-size: %4px; font-weight: %2; min-height: %3px; padding: 0px 8px; }"
                           "QPushButton:pressed { background: rgba(0, 0, 0, 20); }")
                .arg(color.name())
                .arg(style == AlertAction::Style::Cancel ? 600 : 400)
                .arg(kButtonHeight)
+               .arg(View::fontOfSize(kButtonPoints).pixelSize())
            + FocusRing::styleSheetRule(QStringLiteral("QPushButton"), kActionColor);
-}
-
-QFont pixelFont(const QFont &base, int pixels, bool bold)
-{
-    QFont font = base;
-    font.setPixelSize(pixels);
-    font.setBold(bold);
-    return font;
 }
 
 } // namespace
@@ -78,7 +76,7 @@ Alert::Alert(const QString &title, const QString &message, QWidget *parent)
 
     m_titleLabel = new QLabel(textBlock);
     m_titleLabel->setObjectName(QStringLiteral("alertTitle"));
-    m_titleLabel->setFont(pixelFont(font(), 17, true));
+    m_titleLabel->setFont(View::fontOfSize(kTitlePoints, QFont::Bold));
     m_titleLabel->setPalette(textPalette);
     m_titleLabel->setAlignment(Qt::AlignCenter);
     m_titleLabel->setWordWrap(true);
@@ -87,7 +85,7 @@ Alert::Alert(const QString &title, const QString &message, QWidget *parent)
 
     m_messageLabel = new QLabel(textBlock);
     m_messageLabel->setObjectName(QStringLiteral("alertMessage"));
-    m_messageLabel->setFont(pixelFont(font(), 13, false));
+    m_messageLabel->setFont(View::fontOfSize(kMessagePoints));
     m_messageLabel->setPalette(textPalette);
     m_messageLabel->setAlignment(Qt::AlignCenter);
     m_messageLabel->setWordWrap(true);
@@ -338,7 +336,7 @@ bool Alert::buttonsSideBySide() const
     if (m_actions.size() != 2)
         return false;
     // Two buttons share a row when both titles fit in half the card.
-    const QFontMetrics metrics(pixelFont(font(), 17, true));
+    const QFontMetrics metrics(View::fontOfSize(kButtonPoints, QFont::Bold));
     const int half = kCardWidth / 2 - 16;
     return std::all_of(m_actions.cbegin(), m_actions.cend(), [&](const AlertAction &action) {
         return metrics.horizontalAdvance(action.title()) <= half;

@@ -3,6 +3,7 @@
 #include "BarButtonItem.h"
 #include "FocusRing.h"
 #include "NavigationItem.h"
+#include "ui/BrightmereView.h"
 
 #include <QLabel>
 #include <QPainter>
@@ -28,7 +29,9 @@ namespace {
 constexpr int kSideMargin = 8;
 constexpr int kButtonSpacing = 8;
 constexpr int kBackTitleMaxWidth = 100;
-constexpr int kButtonFontPixels = 17;
+// Text sizes in points.
+constexpr qreal kButtonFontPoints = 17;
+constexpr qreal kTitleFontPoints = 17;
 
 QIcon backChevron(const QColor &color)
 {
@@ -59,7 +62,7 @@ QString buttonStyleSheet(const QColor &tint, bool bold)
                           "QToolButton:pressed { color: %4; }"
                           "QToolButton:disabled { color: %5; }")
                .arg(tint.name(QColor::HexArgb))
-               .arg(kButtonFontPixels)
+               .arg(View::fontOfSize(kButtonFontPoints).pixelSize())
                .arg(bold ? QStringLiteral("bold") : QStringLiteral("normal"))
                .arg(pressed.name(QColor::HexArgb), disabled.name(QColor::HexArgb))
            + FocusRing::styleSheetRule(QStringLiteral("QToolButton"), tint);
@@ -76,10 +79,7 @@ NavigationBar::NavigationBar(QWidget *parent)
     m_titleLabel->setObjectName(QStringLiteral("navigationBarTitle"));
     m_titleLabel->setTextFormat(Qt::PlainText);
     m_titleLabel->setAlignment(Qt::AlignCenter);
-    QFont titleFont = m_titleLabel->font();
-    titleFont.setPixelSize(17);
-    titleFont.setBold(true);
-    m_titleLabel->setFont(titleFont);
+    m_titleLabel->setFont(View::fontOfSize(kTitleFontPoints, QFont::Bold));
 
     m_backButton = new QToolButton(this);
     m_backButton->setObjectName(QStringLiteral("navigationBarBack"));

@@ -103,13 +103,11 @@ QColor FZBaseCollectionViewController::cellTextColor()
     return Brightmere::Color::named(QStringLiteral("medium_gray"));
 }
 
-QFont FZBaseCollectionViewController::systemFont(double pixels, QFont::Weight weight, bool italic)
+QFont FZBaseCollectionViewController::systemFont(double points, QFont::Weight weight, bool italic)
 {
-    QFont font;
-    font.setPixelSize(qMax(1, qRound(pixels)));
-    font.setWeight(weight);
+    QFont font = Brightmere::View::fontOfSize(points, weight);
     font.setItalic(italic);
-    return Brightmere::View::kitFont(font);
+    return font;
 }
 
 QString FZBaseCollectionViewController::dateTextForSpot(const WifiTestResult &spot)

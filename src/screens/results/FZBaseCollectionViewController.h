@@ -72,8 +72,9 @@ public:
     static QColor backgroundColorForSection(int section);
     // The grey every cell text is painted in.
     static QColor cellTextColor();
-    // The kit's face at a size in pixels (rounded), weight and slant.
-    static QFont systemFont(double pixels, QFont::Weight weight, bool italic = false);
+    // The kit's face at a size in points (never under the kit's smallest
+    // text), weight and slant.
+    static QFont systemFont(double points, QFont::Weight weight, bool italic = false);
     // When a spot was measured (its seconds since 1 January 2001), as the
     // grids show it.
     static QString dateTextForSpot(const WifiTestResult &spot);

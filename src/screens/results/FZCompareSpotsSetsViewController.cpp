@@ -18,9 +18,10 @@ using Brightmere::Switch;
 namespace {
 
 const QString kModule = QStringLiteral("FZCompareSpotsSetsViewController");
-constexpr int kHeadingPixels = 12;
-constexpr double kDetailPixels = 9.6;
-constexpr int kLabelPixels = 15;
+// Text sizes in points; the details' 9.6 ends at the kit's smallest text.
+constexpr int kHeadingPoints = 12;
+constexpr double kDetailPoints = 9.6;
+constexpr qreal kLabelPoints = 15;
 // With the page's margin and spacing this leaves the grid ending
 // kSwitchAreaHeight above the bottom.
 constexpr int kPageMargin = 12;
@@ -46,10 +47,7 @@ FZCompareSpotsSetsViewController::FZCompareSpotsSetsViewController(QWidget *pare
 
     m_hideIdenticalDataLabel = new BMLabel(switchArea);
     m_hideIdenticalDataLabel->setObjectName(QStringLiteral("hideIdenticalDataLabel"));
-    QFont font = m_hideIdenticalDataLabel->font();
-    font.setPixelSize(kLabelPixels);
-    m_hideIdenticalDataLabel->setFont(font);
-    m_hideIdenticalDataLabel->baseInit();
+    m_hideIdenticalDataLabel->setFont(Brightmere::View::fontOfSize(kLabelPoints));
     m_hideIdenticalDataLabel->setWordWrap(true);
     QPalette palette = m_hideIdenticalDataLabel->palette();
     palette.setColor(QPalette::WindowText, Brightmere::Color::system(0));
@@ -111,7 +109,7 @@ int FZCompareSpotsSetsViewController::numberOfRows() const
 FZAttributedText FZCompareSpotsSetsViewController::headerColumnAttributedString(const QString &text)
 {
     FZAttributedText attributed(text);
-    attributed.addAttributes(0, attributed.length(), fontFormat(systemFont(kHeadingPixels, QFont::Bold)));
+    attributed.addAttributes(0, attributed.length(), fontFormat(systemFont(kHeadingPoints, QFont::Bold)));
     return attributed;
 }
 
@@ -138,9 +136,9 @@ FZAttributedText FZCompareSpotsSetsViewController::textForRecord(const WifiTestR
     FZAttributedText text(speedLine + networkLine + accessPointLine + date);
     const qsizetype restStart = speedLine.size();
     const qsizetype dateStart = restStart + networkLine.size() + accessPointLine.size();
-    text.addAttributes(0, speedLine.size(), fontFormat(systemFont(kHeadingPixels, QFont::Bold)));
-    text.addAttributes(restStart, dateStart - restStart, fontFormat(systemFont(kDetailPixels, QFont::Normal)));
-    text.addAttributes(dateStart, date.size(), fontFormat(systemFont(kDetailPixels, QFont::Normal, true)));
+    text.addAttributes(0, speedLine.size(), fontFormat(systemFont(kHeadingPoints, QFont::Bold)));
+    text.addAttributes(restStart, dateStart - restStart, fontFormat(systemFont(kDetailPoints, QFont::Normal)));
+    text.addAttributes(dateStart, date.size(), fontFormat(systemFont(kDetailPoints, QFont::Normal, true)));
     return text;
 }
 

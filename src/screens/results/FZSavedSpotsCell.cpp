@@ -13,23 +13,20 @@ namespace {
 
 constexpr int kSideMargin = 16;
 constexpr int kIconSize = 24;
-constexpr int kNamePixels = 17;
-constexpr int kDatePixels = 13;
+// Text sizes in points.
+constexpr qreal kNamePoints = 17;
+constexpr qreal kDatePoints = 13;
 constexpr int kNameHeight = 22;
 constexpr int kDateHeight = 18;
 constexpr int kLineGap = 2;
 // The hairline under each row.
 constexpr int kSeparatorHeight = 1;
 
-BMLabel *makeLabel(QWidget *parent, const QString &objectName, int pixels, QFont::Weight weight, const QColor &color)
+BMLabel *makeLabel(QWidget *parent, const QString &objectName, qreal points, QFont::Weight weight, const QColor &color)
 {
     auto *label = new BMLabel(parent);
     label->setObjectName(objectName);
-    QFont font = label->font();
-    font.setPixelSize(pixels);
-    font.setWeight(weight);
-    label->setFont(font);
-    label->baseInit();
+    label->setFont(Brightmere::View::fontOfSize(points, weight));
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, color);
     label->setPalette(palette);
@@ -48,9 +45,9 @@ FZSavedSpotsCell::FZSavedSpotsCell(QWidget *parent)
     m_content = new QWidget(this);
     m_content->setObjectName(QStringLiteral("contentView"));
     m_content->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_nameTextView = makeLabel(m_content, QStringLiteral("nameTextView"), kNamePixels, QFont::DemiBold,
+    m_nameTextView = makeLabel(m_content, QStringLiteral("nameTextView"), kNamePoints, QFont::DemiBold,
                                Brightmere::Color::system(0));
-    m_dateTextView = makeLabel(m_content, QStringLiteral("dateTextView"), kDatePixels, QFont::Normal,
+    m_dateTextView = makeLabel(m_content, QStringLiteral("dateTextView"), kDatePoints, QFont::Normal,
                                Brightmere::Color::system(1));
     m_comparableIconImageView = new QLabel(m_content);
     m_comparableIconImageView->setObjectName(QStringLiteral("comparableIconImageView"));

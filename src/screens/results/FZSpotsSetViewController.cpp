@@ -16,7 +16,8 @@ using Brightmere::IndexPath;
 namespace {
 
 const QString kModule = QStringLiteral("FZSpotsSetViewController");
-constexpr int kFontPixels = 12;
+// In points; the second line's 12 × 0.7 ends at the kit's smallest text.
+constexpr int kFontPoints = 12;
 constexpr double kSecondLineScale = 0.7;
 constexpr int kButtonHeight = 48;
 
@@ -27,13 +28,13 @@ void styleTwoLines(FZAttributedText &text, bool italicSecondLine)
     const QString string = text.string();
     const qsizetype split = string.indexOf(QLatin1Char('\n'));
     const qsizetype firstLength = split < 0 ? string.size() : split;
-    FZSpotsSetViewController::addTextAttributes(text, 0, firstLength, FZBaseCollectionViewController::systemFont(kFontPixels, QFont::Bold),
+    FZSpotsSetViewController::addTextAttributes(text, 0, firstLength, FZBaseCollectionViewController::systemFont(kFontPoints, QFont::Bold),
                                                 Brightmere::Color::system(0));
     if (split < 0)
         return;
     FZSpotsSetViewController::addTextAttributes(
         text, split + 1, string.size() - split - 1,
-        FZBaseCollectionViewController::systemFont(kFontPixels * kSecondLineScale, QFont::Normal, italicSecondLine),
+        FZBaseCollectionViewController::systemFont(kFontPoints * kSecondLineScale, QFont::Normal, italicSecondLine),
         Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
 }
 

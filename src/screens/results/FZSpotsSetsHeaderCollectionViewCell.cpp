@@ -13,7 +13,7 @@
 namespace {
 constexpr int kInset = 8;
 constexpr int kIconSize = 14;
-constexpr int kDetailPixels = 10;
+constexpr qreal kDetailPoints = 10;
 }
 
 FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget *parent)
@@ -32,9 +32,7 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
     m_detailLabel = new QLabel(this);
     m_detailLabel->setObjectName(QStringLiteral("detailLabel"));
     m_detailLabel->setTextFormat(Qt::PlainText);
-    QFont detailFont = m_detailLabel->font();
-    detailFont.setPixelSize(kDetailPixels);
-    m_detailLabel->setFont(Brightmere::View::kitFont(detailFont));
+    m_detailLabel->setFont(Brightmere::View::fontOfSize(kDetailPoints));
     QPalette detailPalette = m_detailLabel->palette();
     detailPalette.setColor(QPalette::WindowText, Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
     m_detailLabel->setPalette(detailPalette);

@@ -12,25 +12,33 @@
 #include <QFrame>
 
 using Brightmere::Switch;
+using Brightmere::View::pixelsForPoints;
 
 namespace {
 
 const QString kModule = QStringLiteral("FZMiscellaneousSettingsViewController");
 
+// In points.
 constexpr int kSideMargin = 16;
 constexpr int kGroupTop = 24;
 constexpr int kRowVerticalMargin = 10;
 constexpr int kRowMinimumHeight = 52;
-constexpr int kLabelPixels = 16;
+constexpr int kLabelToSwitch = 12;
+constexpr qreal kLabelPoints = 16;
+// On a wide window the rows keep this width, centred, rather than putting
+// each switch far from its label.
+constexpr int kReadableWidth = 600;
+// Up to kReadableWidth, the group takes all the width and the sides none.
+constexpr int kGroupStretch = 10000;
 
 // A hairline between rows, inset on the left as grouped lists draw it.
 QWidget *separator(QWidget *parent)
 {
     auto *holder = new QWidget(parent);
     auto *layout = new QHBoxLayout(holder);
-    layout->setContentsMargins(kSideMargin, 0, 0, 0);
+    layout->setContentsMargins(pixelsForPoints(kSideMargin), 0, 0, 0);
     auto *line = new QWidget(holder);
-    line->setFixedHeight(1);
+    line->setFixedHeight(pixelsForPoints(1));
     Brightmere::View::setBackgroundColor(line, Brightmere::Color::system(3));
     layout->addWidget(line);
     return holder;
@@ -40,10 +48,12 @@ QWidget *separator(QWidget *parent)
 QWidget *row(BMLabel *label, Switch *toggle, QWidget *parent)
 {
     auto *holder = new QWidget(parent);
-    holder->setMinimumHeight(kRowMinimumHeight);
+    holder->setMinimumHeight(pixelsForPoints(kRowMinimumHeight));
     auto *layout = new QHBoxLayout(holder);
-    layout->setContentsMargins(kSideMargin, kRowVerticalMargin, kSideMargin, kRowVerticalMargin);
-    layout->setSpacing(12);
+    const int side = pixelsForPoints(kSideMargin);
+    const int vertical = pixelsForPoints(kRowVerticalMargin);
+    layout->setContentsMargins(side, vertical, side, vertical);
+    layout->setSpacing(pixelsForPoints(kLabelToSwitch));
     label->setParent(holder);
     toggle->setParent(holder);
     layout->addWidget(label, 1);
@@ -55,10 +65,7 @@ BMLabel *makeLabel(const QString &objectName)
 {
     auto *label = new BMLabel;
     label->setObjectName(objectName);
-    QFont font = label->font();
-    font.setPixelSize(kLabelPixels);
-    label->setFont(font);
-    label->baseInit();
+    label->setFont(Brightmere::View::fontOfSize(kLabelPoints));
     label->setWordWrap(true);
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Brightmere::Color::system(0));
@@ -114,9 +121,14 @@ void FZMiscellaneousSettingsViewController::buildView()
     rows->addWidget(separator(group));
     rows->addWidget(row(m_confirmDeletionOfRecordingLabel, m_confirmDeletionSwitch, group));
 
+    group->setMaximumWidth(pixelsForPoints(kReadableWidth));
+    auto *centre = new QHBoxLayout;
+    centre->addStretch(1);
+    centre->addWidget(group, kGroupStretch);
+    centre->addStretch(1);
     auto *page = new QVBoxLayout(this);
-    page->setContentsMargins(0, kGroupTop, 0, 0);
-    page->addWidget(group);
+    page->setContentsMargins(0, pixelsForPoints(kGroupTop), 0, 0);
+    page->addLayout(centre);
     page->addStretch(1);
 
     // A user's flip only: setting a switch from the preferences is no change.

@@ -22,16 +22,23 @@
 #include <algorithm>
 
 using namespace Brightmere;
+using Brightmere::View::pixelsForPoints;
 
 namespace {
 
 const QString kModule = QStringLiteral("FZSpotNamesSettingsViewController");
 
+// In points.
 constexpr int kPageMargin = 16;
-constexpr int kTextPixels = 17;
-constexpr qreal kTextPadding = 10.0;
+constexpr int kButtonPadding = 8;
+constexpr qreal kTextPoints = 17;
+constexpr int kTextPadding = 10;
 constexpr int kActionRowHeight = 44;
 constexpr int kIconSize = 22;
+// On a wide window the names and their actions keep this width, centred.
+constexpr int kReadableWidth = 600;
+// Up to kReadableWidth, the column takes all the width and the sides none.
+constexpr int kColumnStretch = 10000;
 // Icons are drawn this many times larger than shown, so they stay crisp on
 // dense screens.
 constexpr int kIconScale = 3;
@@ -56,7 +63,8 @@ QIcon tintedImage(const QString &name, const QColor &color)
     const QIcon source = FrameworkBundle::imageNamed(name);
     if (source.isNull())
         return {};
-    QPixmap pixmap = source.pixmap(QSize(kIconSize, kIconSize) * kIconScale);
+    const int side = pixelsForPoints(kIconSize);
+    QPixmap pixmap = source.pixmap(QSize(side, side) * kIconScale);
     QPainter painter(&pixmap);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(pixmap.rect(), color);
@@ -70,19 +78,18 @@ QToolButton *actionButton(const QString &objectName, QWidget *parent)
     auto *button = new QToolButton(parent);
     button->setObjectName(objectName);
     button->setFocusPolicy(Qt::NoFocus);
-    button->setIconSize(QSize(kIconSize, kIconSize));
+    button->setIconSize(QSize(pixelsForPoints(kIconSize), pixelsForPoints(kIconSize)));
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setMinimumHeight(kActionRowHeight);
+    button->setMinimumHeight(pixelsForPoints(kActionRowHeight));
     QColor tint = Color::named(QStringLiteral("medium_blue"));
     QColor pressed = tint;
     pressed.setAlphaF(0.4f);
     button->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; color: %1;"
-                                         " padding: 0px 8px; }"
+                                         " padding: 0px %3px; }"
                                          "QToolButton:pressed { color: %2; }")
-                              .arg(tint.name(QColor::HexArgb), pressed.name(QColor::HexArgb)));
-    QFont font = button->font();
-    font.setPixelSize(kTextPixels);
-    button->setFont(View::kitFont(font));
+                              .arg(tint.name(QColor::HexArgb), pressed.name(QColor::HexArgb))
+                              .arg(pixelsForPoints(kButtonPadding)));
+    button->setFont(View::fontOfSize(kTextPoints));
     return button;
 }
 
@@ -103,46 +110,57 @@ void FZSpotNamesSettingsViewController::buildView()
 {
     Brightmere::View::setBackgroundColor(this, Color::system(2));
 
+    // One column: on a phone the whole width, on a wide window a readable
+    // width in the middle.
+    auto *column = new QWidget(this);
+    column->setObjectName(QStringLiteral("spotNamesColumn"));
+    column->setMaximumWidth(pixelsForPoints(kReadableWidth));
+
     // The two actions under the bar: with a back button and the title, the
     // bar has no room left for two labelled buttons on a phone.
-    auto *actionRow = new QWidget(this);
+    auto *actionRow = new QWidget(column);
     actionRow->setObjectName(QStringLiteral("actionRow"));
     m_leftButton = actionButton(QStringLiteral("leftButton"), actionRow);
     m_rightButton = actionButton(QStringLiteral("rightButton"), actionRow);
     connect(m_leftButton, &QToolButton::clicked, this, [this] { leftButtonAction(m_leftButton); });
     connect(m_rightButton, &QToolButton::clicked, this, [this] { rightButtonAction(m_rightButton); });
     auto *actions = new QHBoxLayout(actionRow);
-    actions->setContentsMargins(kPageMargin - 8, 0, kPageMargin - 8, 0);
+    const int actionsSide = pixelsForPoints(kPageMargin - kButtonPadding);
+    actions->setContentsMargins(actionsSide, 0, actionsSide, 0);
     actions->addWidget(m_leftButton);
     actions->addStretch(1);
     actions->addWidget(m_rightButton);
-    auto *hairline = new QWidget(this);
-    hairline->setFixedHeight(1);
+    auto *hairline = new QWidget(column);
+    hairline->setFixedHeight(pixelsForPoints(1));
     Brightmere::View::setBackgroundColor(hairline, Color::system(3));
 
-    m_spotNamesTextView = new QPlainTextEdit(this);
+    m_spotNamesTextView = new QPlainTextEdit(column);
     m_spotNamesTextView->setObjectName(QStringLiteral("spotNamesTextView"));
     m_spotNamesTextView->setFrameShape(QFrame::NoFrame);
     m_spotNamesTextView->setTabChangesFocus(true);
     m_spotNamesTextView->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    m_spotNamesTextView->document()->setDocumentMargin(kTextPadding);
-    QFont font = m_spotNamesTextView->font();
-    font.setPixelSize(kTextPixels);
-    m_spotNamesTextView->setFont(View::kitFont(font));
+    m_spotNamesTextView->document()->setDocumentMargin(pixelsForPoints(kTextPadding));
+    m_spotNamesTextView->setFont(View::fontOfSize(kTextPoints));
     m_spotNamesTextView->installEventFilter(this);
 
     const QColor tint = Color::named(QStringLiteral("medium_blue"));
     m_editIcon = tintedImage(QStringLiteral("iconEdit"), tint);
     m_shareIcon = tintedImage(QStringLiteral("iconShare"), tint);
 
-    auto *page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    page->setSpacing(0);
-    page->addWidget(actionRow);
-    page->addWidget(hairline);
+    auto *rows = new QVBoxLayout(column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(actionRow);
+    rows->addWidget(hairline);
     m_textLayout = new QVBoxLayout;
     m_textLayout->addWidget(m_spotNamesTextView);
-    page->addLayout(m_textLayout, 1);
+    rows->addLayout(m_textLayout, 1);
+    auto *page = new QHBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(0);
+    page->addStretch(1);
+    page->addWidget(column, kColumnStretch);
+    page->addStretch(1);
     setContentInset(QMargins());
 }
 
@@ -310,7 +328,8 @@ void FZSpotNamesSettingsViewController::setContentInset(const QMargins &inset)
     // The text and its scroll bar end where the keyboard begins, so the last
     // lines scroll up from behind it.
     m_contentInset = inset;
-    m_textLayout->setContentsMargins(QMargins(kPageMargin, kPageMargin, kPageMargin, 0) + inset);
+    const int margin = pixelsForPoints(kPageMargin);
+    m_textLayout->setContentsMargins(QMargins(margin, margin, margin, 0) + inset);
 }
 
 bool FZSpotNamesSettingsViewController::isEditIconShown() const
