@@ -168,7 +168,7 @@ private Q_SLOTS:
         m_source.heights = {38, -5, 50}; // an unusable height falls back to the table's
         m_table->reloadData();
         m_table->reloadData();
-        QCOMPARE(m_source.made, 10);
+        QCOMPARE(m_source.made, 5); // only the rows in view of the first load were made
         QCOMPARE(captions(), (QStringList{"A", "B", "C"}));
         QCOMPARE(row(2)->geometry(), QRect(0, 78, 375, 50));
         m_table->resize(300, 200);
@@ -205,9 +205,10 @@ private Q_SLOTS:
         PointerInput::release(drag.kind, m_table->viewport(), from + drag.by);
         QCOMPARE(m_table->panGestureRecognizerState(), TableView::GestureStatePossible);
         QCOMPARE(m_table->contentOffset(), QPoint(0, drag.offset));
-        QCOMPARE(row(1)->isEditing(), drag.editing);
-        QCOMPARE(row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), drag.editing);
-        QVERIFY(!row(0)->isEditing() && !row(2)->isEditing());
+        QCOMPARE(row(1) && row(1)->isEditing(), drag.editing);
+        QCOMPARE(row(1) && row(1)->deleteStrip() && row(1)->deleteStrip()->isVisible(), drag.editing);
+        for (TableViewCell *cell : m_table->visibleCells())
+            QVERIFY(cell == row(1) || !cell->isEditing());
         QVERIFY(m_source.selected.isEmpty());
         if (!drag.editing)
             return;
@@ -238,7 +239,7 @@ private Q_SLOTS:
         // The data source kept the row: the table reloads.
         m_table->deleteRowsAtIndexPaths({IndexPath(1, 0), IndexPath(42, 0)}, TableView::RowAnimation::Fade);
         rowsAt40(m_source.items);
-        QCOMPARE(m_source.made, 10); // rows came back from the pool, none made anew
+        QCOMPARE(m_source.made, 5); // rows came back from the pool, none made anew
     }
 
     void clickSelects()
