@@ -3,7 +3,7 @@
 // average rate alone): the mean speed measured beside the rate served, for
 // one long download and for short downloads started again and again, on the
 // system clock at a quarter-second interval. One JSON line per case. The
-// tests check how the figure is made (tst_WiFiTesters); how close it comes
+// tests check how the figure is made (tst_CoreServices); how close it comes
 // to the served rate on a loaded machine is only printed here.
 #include "core/BMHttpWiFiTester.h"
 #include "core/BMSDKBackend.h"
