@@ -71,25 +71,21 @@ struct HeldState
 
 } // namespace
 
+// In the order of the enum.
+const char *const kTargetNames[] = {"bundle_file", "string_table", "spots_store", "spot_blob",
+                                    "bundle_info", "bundle_data",  "format",      "reports"};
+
 QList<FuzzEntryPoints::Target> FuzzEntryPoints::allTargets()
 {
-    return {Target::BundleFile, Target::StringTable, Target::SpotsStore, Target::SpotBlob,
-            Target::BundleInfo, Target::BundleData,  Target::Format,     Target::Reports};
+    QList<Target> all;
+    for (int i = 0; i <= int(Target::Reports); ++i)
+        all.append(Target(i));
+    return all;
 }
 
 QString FuzzEntryPoints::targetName(Target target)
 {
-    switch (target) {
-    case Target::BundleFile: return QStringLiteral("bundle_file");
-    case Target::StringTable: return QStringLiteral("string_table");
-    case Target::SpotsStore: return QStringLiteral("spots_store");
-    case Target::SpotBlob: return QStringLiteral("spot_blob");
-    case Target::Format: return QStringLiteral("format");
-    case Target::Reports: return QStringLiteral("reports");
-    case Target::BundleInfo: return QStringLiteral("bundle_info");
-    case Target::BundleData: return QStringLiteral("bundle_data");
-    }
-    return QString();
+    return QString::fromLatin1(kTargetNames[int(target)]);
 }
 
 QString &reportsFolder()

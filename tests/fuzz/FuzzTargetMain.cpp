@@ -1,6 +1,7 @@
-// The libFuzzer side of every target: each fuzz_<name>.cpp only says which
-// entry point it feeds (kFuzzTarget). An input that breaks what must hold is
-// reported and aborts, which libFuzzer records as a crash with its reproducer.
+// The libFuzzer side of every target: fuzz_<name> is this file built with
+// BRIGHTMERE_FUZZ_TARGET="<name>", the entry point it feeds. An input that
+// breaks what must hold is reported and aborts, which libFuzzer records as a
+// crash with its reproducer.
 #include "FuzzEntryPoints.h"
 
 #include <QGuiApplication>
@@ -10,7 +11,17 @@
 #include <cstdio>
 #include <cstdlib>
 
-extern const FuzzEntryPoints::Target kFuzzTarget;
+namespace {
+
+const FuzzEntryPoints::Target kFuzzTarget = [] {
+    for (FuzzEntryPoints::Target target : FuzzEntryPoints::allTargets()) {
+        if (FuzzEntryPoints::targetName(target) == QLatin1String(BRIGHTMERE_FUZZ_TARGET))
+            return target;
+    }
+    std::abort();
+}();
+
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {

@@ -1,8 +1,14 @@
+// The results model: the saved sets' store, the natural order of names, the
+// comparison of two sets and the kit's settings. A recording's running
+// figures are checked where the test screen shows them (tst_BMWifiScanVC).
 #include "model/FZHistoricalResultSpotsSet.h"
 
 #include "LogCapture.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
+#include "model/BMNumericStringComparison.h"
+#include "model/BMSDKUISettings.h"
+#include "model/FZResultSpotsSetsComparison.h"
 #include "platform/foundation/ManualClock.h"
 #include "platform/foundation/UserDefaults.h"
 #include "resources/FrameworkBundle.h"
@@ -16,12 +22,16 @@
 
 using Brightmere::UserDefaults;
 using Set = FZHistoricalResultSpotsSet;
+using Comparison = FZResultSpotsSetsComparison;
 
 namespace {
 
 const QString kSetsKey = QString::fromLatin1(Set::kSetsDictionaryKey);
 const QString kVersionKey = QString::fromLatin1(Set::kLastDataVersionKey);
 constexpr double kNow = 760000000.0; // 2025-01-31T07:06:40 UTC
+const QString kSavedSpotsKey = QString::fromLatin1(BMSDKUISettings::kSavedSpotsKey);
+const QString kMergedKey = QString::fromLatin1(BMSDKUISettings::kPresetSpotsAlreadySavedKey);
+const QStringList kPresets{"Living Room", "Kitchen", "Dining Room", "Bedroom 1", "Bedroom 2", "Bathroom 1", "Bathroom 2", "Garage"};
 
 QDateTime day(int n)
 {
@@ -37,8 +47,7 @@ WifiTestResult::Ptr spot(const QString &label, double time)
     return result;
 }
 
-Set::Ptr makeSet(const QString &name, const QStringList &labels, int dayOffset = 0,
-                 const QString &ssid = QStringLiteral("HomeNet"))
+Set::Ptr makeSet(const QString &name, const QStringList &labels, int dayOffset = 0, const QString &ssid = "HomeNet")
 {
     WifiTestResult::List spots;
     for (const QString &label : labels)
@@ -50,16 +59,8 @@ QStringList namesOf(const Set::List &sets)
 {
     QStringList names;
     for (const Set::Ptr &set : sets)
-        names.append(set->name());
+        names.append(set->name() + (set->isComparable() ? "*" : ""));
     return names;
-}
-
-QList<bool> flagsOf(const Set::List &sets)
-{
-    QList<bool> flags;
-    for (const Set::Ptr &set : sets)
-        flags.append(set->isComparable());
-    return flags;
 }
 
 // The store as a program started afresh reads it: from a copy of the files.
@@ -81,7 +82,7 @@ QStringList backupKeys()
 
 // The definition of the listing's mark, pair by pair: a set is comparable
 // when a set not equal to it shares a label with it.
-QList<bool> pairwiseComparable(const Set::List &sets)
+QStringList pairwiseComparable(const Set::List &sets)
 {
     QSet<Set> marked;
     for (const Set::Ptr &target : sets) {
@@ -89,19 +90,42 @@ QList<bool> pairwiseComparable(const Set::List &sets)
         for (const auto &s : target->mutableSpots())
             labels.append(s->label());
         for (const Set::Ptr &candidate : sets) {
-            if (*candidate == *target)
-                continue;
             for (const auto &s : candidate->mutableSpots()) {
-                if (labels.contains(s->label()))
+                if (*candidate != *target && labels.contains(s->label()))
                     marked.insert(*candidate);
             }
         }
     }
-    QList<bool> flags;
+    QStringList names;
     for (const Set::Ptr &set : sets)
-        flags.append(marked.contains(*set)); // membership by equality and hash
-    return flags;
+        names.append(set->name() + (marked.contains(*set) ? "*" : "")); // membership by equality and hash
+    return names;
 }
+
+// A set for the comparison, each spot as "label@timeAfterTest", with "@bssid" where it matters ("-": absent).
+Set::Ptr pairSet(const QString &name, const QStringList &spots)
+{
+    WifiTestResult::List results;
+    for (const QString &text : spots) {
+        const QStringList parts = text.split(u'@');
+        auto spot = WifiTestResult::create(1.0, parts.at(1).toDouble());
+        spot->setLabel(parts.at(0));
+        spot->setSsid(QStringLiteral("HomeNet"));
+        const QString bssid = parts.value(2, QStringLiteral("a4:2b:b0:5c:17:e2"));
+        spot->setBssid(bssid == u'-' ? QString() : bssid.isEmpty() ? QStringLiteral("") : bssid);
+        results.append(spot);
+    }
+    return Set::create(name, QStringLiteral("Net of ") + name, QDateTime::currentDateTimeUtc(), results);
+}
+
+QStringList rows(const WifiTestResult::List &spots)
+{
+    QStringList texts;
+    for (const auto &spot : spots)
+        texts.append(spot->label() + u'@' + QString::number(spot->timeAfterTest()));
+    return texts;
+}
+
 
 } // namespace
 
@@ -118,446 +142,456 @@ private Q_SLOTS:
     }
     void cleanup() { m_env.reset(); }
 
-    void roundTripThroughNewDefaults_data();
-    void roundTripThroughNewDefaults();
-    void storeWrittenInlineMovesWithEverySet();
-    void failedWriteIsNotASave_data();
-    void failedWriteIsNotASave();
-    void twoProcessesShareTheStore_data();
-    void twoProcessesShareTheStore();
-    void versionRecord_data();
-    void versionRecord();
-    void unreadableStoreIsSetAside_data();
-    void unreadableStoreIsSetAside();
-    void laterCopyNeverOverwritesEarlier();
-    void replacementByTitleAndDeletion();
-    void comparableMarking_data();
-    void comparableMarking();
-    void markingAgainstTarget();
-    void labelIndexEqualsPairwise_data();
-    void labelIndexEqualsPairwise();
-    void sortedSpots_data();
-    void sortedSpots();
+    void roundTripThroughNewDefaults_data()
+    {
+        QTest::addColumn<Set::Ptr>("set");
+        auto full = makeSet(QStringLiteral("Home"), {"Kitchen", "Spot 2", "Kitchen"});
+        full->setDate(QDateTime(QDate(2024, 7, 1), QTime(23, 59, 59, 999), QTimeZone(7200)));
+        full->mutableSpots().first()->setCoordinate(BMLocationCoordinate2D{40.4168, -3.7038});
+        full->mutableSpots().first()->setAverage(true);
+        QTest::newRow("spots keep order and fields, a local date its instant") << full;
+        QTest::newRow("no spots, non-ASCII title, absent SSID")
+            << Set::create(QStringLiteral("Casa \u00d1and\u00fa \U0001F3E0"), QString(), day(3), {});
+    }
+    void roundTripThroughNewDefaults()
+    {
+        QFETCH(Set::Ptr, set);
+        set->toggleSorting();
+        set->setComparable(true);
+        QVERIFY(Set::saveSpotSet(set));
+        // Opened afresh: only what reached the disk counts.
+        const Set::Ptr read = readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).value(set->name());
+        QVERIFY(read && read != set);
+        QCOMPARE(read->name(), set->name());
+        QCOMPARE(read->ssid().isNull(), set->ssid().isNull());
+        QCOMPARE(read->ssid(), set->ssid());
+        QCOMPARE(read->date().toMSecsSinceEpoch(), set->date().toMSecsSinceEpoch());
+        QCOMPARE(read->isSortedAscending(), 0);
+        QVERIFY(!read->isComparable());
+        QCOMPARE(read->spotsCount(), set->spotsCount());
+        for (qsizetype i = 0; i < set->spotsCount(); ++i)
+            QVERIFY2(read->spots().at(i)->hasSameValues(*set->spots().at(i)), qPrintable(QString::number(i)));
+    }
+
+    void storeWrittenInlineMovesWithEverySet()
+    {
+        // Written by the kit before large values had files of their own.
+        const QString fixture = QStringLiteral(BRIGHTMERE_MODEL_DATA_DIR "/defaults-with-inline-sets.ini");
+        QSettings earlier(fixture, QSettings::IniFormat);
+        const QByteArray inline_ = earlier.value(kSetsKey).toByteArray();
+        const QString backupKey = QStringLiteral("kSetsDictionaryKey.backup.20250301T083000");
+        const QByteArray backup = earlier.value(backupKey).toByteArray();
+        const std::optional<Set::Dictionary> expected = Set::unarchiveDictionary(inline_);
+        QVERIFY(expected && expected->size() == 6);
+
+        const QString path = m_env->filePath(QStringLiteral("upgraded.ini"));
+        QVERIFY(QFile::copy(fixture, path));
+        UserDefaults::setStandardFilePath(path);
+        QVERIFY(QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
+        QCOMPARE(QDir(UserDefaults::valuesFolderPath(path)).entryList(QDir::Files).size(), 2);
+        QCOMPARE(UserDefaults::standard().dataForKey(kSetsKey), inline_);
+        QCOMPARE(UserDefaults::standard().dataForKey(backupKey), backup);
+        QVERIFY(UserDefaults::standard().boolForKey(QStringLiteral("kAlwaysDeleteSpotKey")));
+        QCOMPARE(UserDefaults::standard().stringArrayForKey(QStringLiteral("kSavedSpotsKey")), (QStringList{"Kitchen", "Hall", "Garage"}));
+        QCOMPARE(Set::archiveDictionary(Set::allSpotsSetsDictionary()), Set::archiveDictionary(*expected));
+
+        // The first save writes this version's format, every set still intact.
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("After the upgrade"), {QStringLiteral("Hall")})));
+        Set::Dictionary after = readAfresh(m_env->filePath(QStringLiteral("reader.ini")));
+        QVERIFY(after.remove(QStringLiteral("After the upgrade")));
+        QCOMPARE(Set::archiveDictionary(after), Set::archiveDictionary(*expected));
+        QVERIFY(backupKeys().contains(backupKey));
+    }
+
+    void failedWriteIsNotASave()
+    {
+        QStringList labels; // enough for the store to need a file of its own
+        for (int i = 0; i < 60; ++i)
+            labels.append(QStringLiteral("Room %1").arg(i));
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), labels, 1)));
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), labels, 2)));
+        // Tests run as root, so no permission fails: a regular file where the
+        // values folder goes does.
+        const QString folder = UserDefaults::valuesFolderPath(m_env->defaultsFilePath());
+        QDir(folder).removeRecursively();
+        QFile block(folder);
+        QVERIFY(block.open(QIODevice::WriteOnly));
+        block.close();
+        QVERIFY(!Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
+        QVERIFY(!Set::spotsSetWithName(QStringLiteral("Garage")));
+        QVERIFY(!Set::deleteSpotsSet(makeSet(QStringLiteral("Home"), {})));
+        QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Office*", "Home*"}));
+        // The user's retry, once the disk takes writes again.
+        QVERIFY(block.remove());
+        QVERIFY(Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
+        QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), (QStringList{"Garage", "Home", "Office"}));
+    }
+
+    void twoProcessesShareTheStore_data()
+    {
+        // What another copy of the app does to the store after this one read it.
+        QTest::addColumn<QStringList>("otherSaves");
+        QTest::addColumn<QStringList>("otherDeletes");
+        QTest::addColumn<bool>("atTheSameTime");
+        QTest::addColumn<QStringList>("expected");
+        QStringList many;
+        for (int i = 0; i < 12; ++i)
+            many.append(QStringLiteral("Other %1").arg(i, 2, 10, QLatin1Char('0')));
+        QTest::newRow("saves one before this one saves")
+            << QStringList{"Other"} << QStringList{} << false << QStringList{"Kept", "Other", "Ours 00"};
+        QTest::newRow("deletes one before this one saves") << QStringList{} << QStringList{"Kept"} << false << QStringList{"Ours 00"};
+        QTest::newRow("saves many while this one saves many") << many << QStringList{} << true << QStringList{"Kept"} + many;
+    }
+    void twoProcessesShareTheStore()
+    {
+        QFETCH(QStringList, otherSaves);
+        QFETCH(QStringList, otherDeletes);
+        QFETCH(bool, atTheSameTime);
+        QFETCH(QStringList, expected);
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Kept"), {QStringLiteral("Hall")})));
+        QCOMPARE(Set::allSpotsSets().size(), 1); // this copy has read the store
+        const int ours = atTheSameTime ? int(otherSaves.size()) : 1;
+        const pid_t other = ::fork();
+        QVERIFY(other >= 0);
+        if (other == 0) {
+            bool ok = true;
+            for (const QString &title : otherSaves)
+                ok = Set::saveSpotSet(makeSet(title, {QStringLiteral("Hall")})) && ok;
+            for (const QString &title : otherDeletes)
+                ok = Set::deleteSpotsSet(makeSet(title, {})) && ok;
+            ::_exit(ok ? 0 : 1);
+        }
+        int status = 0;
+        if (!atTheSameTime)
+            QCOMPARE(::waitpid(other, &status, 0), other);
+        for (int i = 0; i < ours; ++i) {
+            expected.append(QStringLiteral("Ours %1").arg(i, 2, 10, QLatin1Char('0')));
+            QVERIFY(Set::saveSpotSet(makeSet(expected.last(), {})));
+        }
+        if (atTheSameTime)
+            QCOMPARE(::waitpid(other, &status, 0), other);
+        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        expected.removeDuplicates();
+        expected.sort();
+        QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), expected);
+    }
+
+    void versionRecord_data()
+    {
+        QTest::addColumn<bool>("setsStored");
+        QTest::addColumn<QString>("version"); // null: no version record
+        QTest::addColumn<int>("expectedCount");
+        QTest::newRow("empty database") << false << QString() << 0;
+        QTest::newRow("sets without a version are set aside") << true << QString() << 0;
+        QTest::newRow("version without sets") << false << QStringLiteral("0.9.3") << 0;
+        QTest::newRow("any older version is read as it is") << true << QStringLiteral("0.1.7") << 2;
+        QTest::newRow("an empty version text still counts") << true << QStringLiteral("") << 2;
+    }
+    void versionRecord()
+    {
+        QFETCH(bool, setsStored);
+        QFETCH(QString, version);
+        QFETCH(int, expectedCount);
+        UserDefaults &defaults = UserDefaults::standard();
+        const QByteArray blob = Set::archiveDictionary({{"A", makeSet("A", {"Hall"})}, {"B", makeSet("B", {})}});
+        if (setsStored)
+            defaults.setObject(blob, kSetsKey);
+        if (!version.isNull())
+            defaults.setObject(version, kVersionKey);
+        QCOMPARE(Set::allSpotsSets().size(), expectedCount);
+        const bool setAside = setsStored && version.isNull();
+        QCOMPARE(backupKeys().size(), setAside ? 1 : 0);
+        if (setAside)
+            QCOMPARE(defaults.dataForKey(backupKeys().first()), blob);
+        // Whatever was found, a readable store and a version record are there now.
+        QVERIFY(Set::unarchiveDictionary(defaults.dataForKey(kSetsKey)).has_value());
+        const QString current = Brightmere::FrameworkBundle::shortVersion() + u'.' + Brightmere::FrameworkBundle::buildVersion();
+        QCOMPARE(Set::currentDataVersion(), current);
+        QCOMPARE(*Set::savedDataVersion(), expectedCount ? version : current);
+    }
+
+    void unreadableStoreIsSetAside_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        const QByteArray valid = Set::archiveDictionary({{"Home", makeSet("Home", {"Kitchen"})}});
+        QByteArray future = valid;
+        future[5] = char(0x7f);
+        QStringList rooms;
+        for (int i = 0; i < 200; ++i)
+            rooms.append(QStringLiteral("Room %1").arg(i));
+        const QByteArray large = Set::archiveDictionary({{"Home", makeSet("Home", rooms)}});
+        QTest::newRow("truncated, in a file of its own") << QVariant(large.left(large.size() - 10));
+        QTest::newRow("future format") << QVariant(future);
+        QTest::newRow("a text, not data") << QVariant(QStringLiteral("Home"));
+    }
+    void unreadableStoreIsSetAside()
+    {
+        QFETCH(QVariant, stored);
+        UserDefaults &defaults = UserDefaults::standard();
+        defaults.setObject(stored, kSetsKey);
+        defaults.setObject(QStringLiteral("1.0.0.1"), kVersionKey);
+        LogCapture log;
+        QVERIFY(Set::allSpotsSets().isEmpty());
+        const QString expectedKey = QStringLiteral("kSetsDictionaryKey.backup.")
+            + QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).addSecs(qint64(kNow)).toString(QStringLiteral("yyyyMMddTHHmmss"));
+        QCOMPARE(backupKeys(), QStringList{expectedKey});
+        // The copy and the empty store reached the file together.
+        UserDefaults reader(m_env->defaultsFilePath());
+        QCOMPARE(reader.objectForKey(expectedKey), stored);
+        QCOMPARE(Set::unarchiveDictionary(reader.dataForKey(kSetsKey))->size(), 0);
+        // An error line names the copy.
+        QCOMPARE(log.lines().last().level, 3);
+        QVERIFY2(log.lines().last().message.contains(expectedKey), qPrintable(log.text()));
+        // Another unreadable store in the same second never overwrites that copy.
+        defaults.setObject(QByteArray("second"), kSetsKey);
+        QVERIFY(Set::allSpotsSets().isEmpty());
+        QCOMPARE(backupKeys().size(), 2);
+        QCOMPARE(defaults.objectForKey(expectedKey), stored);
+    }
+
+    void replacementByTitleAndDeletion()
+    {
+        QVERIFY(Set::saveSetWithName(QStringLiteral("Home"), QStringLiteral("NetA"), day(0), {spot(QStringLiteral("Hall"), 1)}));
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), {QStringLiteral("Desk")}, 1)));
+        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), {QStringLiteral("Attic")}, 2, QStringLiteral("NetB"))));
+        QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Home", "Office"}));
+        // Sets are values: what a caller does to a loaded set stays with it.
+        for (const Set::Ptr &loaded : {Set::spotsSetWithName(QStringLiteral("Home")), Set::allSpotsSets().first()}) {
+            loaded->setSsid(QStringLiteral("Changed"));
+            loaded->mutableSpots().first()->setLabel(QStringLiteral("Changed"));
+            loaded->mutableSpots().append(spot(QStringLiteral("Extra"), 9));
+        }
+        const Set::Ptr again = Set::allSpotsSetsDictionary().value(QStringLiteral("Home"));
+        QCOMPARE(again->ssid() + u' ' + again->spots().first()->label(), QStringLiteral("NetB Attic"));
+        QCOMPARE(again->spotsCount(), 1);
+
+        QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Garage"), {})));
+        QCOMPARE(Set::allSpotsSets().size(), 2);
+        QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Office"), {}, 0, QStringLiteral("other SSID"))));
+        QCOMPARE(namesOf(Set::allSpotsSets()), QStringList{QStringLiteral("Home")});
+        // Deleting every set keeps the data version.
+        Set::deleteAllSpotsSets();
+        UserDefaults reader(m_env->defaultsFilePath());
+        QVERIFY(!reader.contains(kSetsKey) && reader.contains(kVersionKey));
+        QVERIFY(Set::allSpotsSets().isEmpty() && backupKeys().isEmpty());
+    }
+
+    // The listing's marks, from an index of labels, against their definition
+    // pair by pair, over random stores; labels differ in case and in leading
+    // zeros too, which never match.
+    void comparableMarking_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        QTest::addColumn<int>("labelPool");
+        QTest::newRow("dense labels") << 1u << 4;
+        QTest::newRow("sparse labels") << 2u << 120;
+    }
+    void comparableMarking()
+    {
+        QFETCH(int, labelPool);
+        QRandomGenerator random(fetched<quint32>("seed"));
+        const QStringList forms{"Room %1", "room %1", "Room 0%1"};
+        for (int round = 0; round < 20; ++round) {
+            Set::Dictionary store;
+            const int count = random.bounded(0, 40);
+            for (int i = 0; i < count; ++i) {
+                QStringList labels;
+                for (int n = random.bounded(0, 7); n > 0; --n) // duplicates within a set happen
+                    labels.append(forms.at(random.bounded(3)).arg(random.bounded(labelPool)));
+                // Equal sets stored under other keys happen too.
+                const QString name = QStringLiteral("Run %1").arg(i > 0 && random.bounded(4) == 0 ? random.bounded(i) : i);
+                store.insert(QStringLiteral("key %1").arg(i),
+                             makeSet(name, labels, random.bounded(-50, 50), QStringLiteral("Net %1").arg(random.bounded(2))));
+            }
+            QVERIFY(Set::saveAllSpotsSetDicitionary(store));
+            const Set::List sets = Set::allSpotsSets();
+            QCOMPARE(sets.size(), count);
+            QCOMPARE(namesOf(sets), pairwiseComparable(sets));
+        }
+    }
+
+    void markingAgainstTarget()
+    {
+        const auto a = makeSet(QStringLiteral("A"), {QStringLiteral("Kitchen"), QStringLiteral("Hall")}, 4);
+        const auto b = makeSet(QStringLiteral("B"), {QStringLiteral("Hall")}, 3);
+        const auto c = makeSet(QStringLiteral("C"), {QStringLiteral("Garage")}, 2);
+        const auto d = makeSet(QStringLiteral("D"), {}, 1);
+        for (const auto &set : {c, a, d, b})
+            QVERIFY(Set::saveSpotSet(set));
+        // The target is an equal copy, not the stored object: equality decides.
+        QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}))), (QStringList{"A*", "B*", "C", "D"}));
+        const Set::List candidates{d, b, c, a};
+        QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(a, candidates, false)), (QStringList{"B", "A"}));
+        QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}), candidates, true)), QStringList{"B"});
+        // Same title, other SSID: not the target, so it stays.
+        QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}, 0, "Other"), candidates, true)),
+                 (QStringList{"B", "A"}));
+        QVERIFY(Set::allSpotsSetsWithTaretSetToCompare(nullptr, candidates, false).isEmpty());
+    }
+
+    // Each toggle goes on to the next order and three come back: newest
+    // measurement first, labels descending (ties newest first), labels
+    // ascending (ties oldest first). The stored order stays as recorded.
+    void sortedSpots()
+    {
+        const auto set = Set::create("Home", "Net", day(0), {spot("Spot 2", 1), spot("Spot 10", 3), spot("Attic", 2), spot("Spot 2", 4)});
+        QStringList orders;
+        for (int toggle = 0; toggle < 4; ++toggle, set->toggleSorting()) {
+            QString order = QString::number(set->isSortedAscending()) + u':';
+            for (const auto &s : set->sortedSpots())
+                order += QStringLiteral(" %1@%2").arg(s->label()).arg(s->timeAfterTest());
+            orders << order;
+        }
+        QCOMPARE(orders, (QStringList{"0: Spot 2@4 Spot 10@3 Attic@2 Spot 2@1", "1: Spot 10@3 Spot 2@4 Spot 2@1 Attic@2",
+                                      "2: Attic@2 Spot 2@1 Spot 2@4 Spot 10@3", "0: Spot 2@4 Spot 10@3 Attic@2 Spot 2@1"}));
+        QCOMPARE(set->spots().first()->timeAfterTest(), 1.0);
+    }
+
+    void numericOrder_data()
+    {
+        QTest::addColumn<QString>("a");
+        QTest::addColumn<QString>("b");
+        QTest::addColumn<int>("expected"); // sign of compare(a, b)
+        QTest::newRow("digit runs by value") << "Spot 2" << "Spot 10" << -1;
+        QTest::newRow("leading zeros keep the value") << "Spot 007" << "Spot 7" << 0;
+        QTest::newRow("leading zeros do not enlarge") << "Spot 010" << "Spot 9" << 1;
+        QTest::newRow("shorter text first") << "Room" << "Room 1" << -1;
+        QTest::newRow("first run decides") << "Floor 10 Room 1" << "Floor 9 Room 99" << 1;
+        QTest::newRow("later run decides on a tie") << "Floor 2 Room 10" << "Floor 2 Room 9" << 1;
+        QTest::newRow("beyond 64 bits") << "Spot 18446744073709551616" << "Spot 18446744073709551615" << 1;
+        QTest::newRow("case sensitive: capitals first") << "Zebra" << "apple" << -1;
+        QTest::newRow("non-ASCII letter after ASCII") << QStringLiteral("K\u00fcche") << "Kuche" << 1;
+        QTest::newRow("non-ASCII digits are plain characters") << QStringLiteral("Spot \u0662") << "Spot 10" << 1;
+    }
+    void numericOrder()
+    {
+        QFETCH(QString, a);
+        QFETCH(QString, b);
+        QFETCH(int, expected);
+        const auto sign = [](int v) { return (v > 0) - (v < 0); };
+        QCOMPARE(sign(BMNumericStringComparison::compare(a, b)), expected);
+        QCOMPARE(sign(BMNumericStringComparison::compare(b, a)), -expected);
+        QCOMPARE(BMNumericStringComparison::lessThan(a, b), expected < 0);
+    }
+
+    void comparisonPairing_data()
+    {
+        QTest::addColumn<QStringList>("first");
+        QTest::addColumn<QStringList>("second");
+        QTest::addColumn<QStringList>("toggles");
+        QTest::addColumn<QStringList>("expectedFirst");
+        QTest::addColumn<QStringList>("expectedSecond");
+        const QStringList first{"Spot 2@1", "Spot 10@2", "Spot 9@3", "Hall@4"};
+        const QStringList second{"Spot 9@10", "Spot 2@11", "Spot 10@12", "Attic@13"};
+        const QStringList none;
+        QTest::newRow("no label in common") << QStringList{"Hall@1"} << QStringList{"Attic@1"} << none << none << none;
+        QTest::newRow("rows start from the highest label") << first << second << none
+            << QStringList{"Spot 10@2", "Spot 9@3", "Spot 2@1"} << QStringList{"Spot 10@12", "Spot 9@10", "Spot 2@11"};
+        QTest::newRow("sorting by name reverses") << first << second << QStringList{"sort"}
+            << QStringList{"Spot 2@1", "Spot 9@3", "Spot 10@2"} << QStringList{"Spot 2@11", "Spot 9@10", "Spot 10@12"};
+        QTest::newRow("first of duplicates in either set") << QStringList{"Kitchen@5", "Kitchen@6"}
+            << QStringList{"Kitchen@20", "Kitchen@1"} << none << QStringList{"Kitchen@5"} << QStringList{"Kitchen@20"};
+        QTest::newRow("the same measurement is hidden") << QStringList{"Kitchen@5", "Hall@6"}
+            << QStringList{"Kitchen@5", "Hall@7"} << none << QStringList{"Hall@6"} << QStringList{"Hall@7"};
+        QTest::newRow("and shown after the toggle") << QStringList{"Kitchen@5", "Hall@6"} << QStringList{"Kitchen@5", "Hall@7"}
+            << QStringList{"identical"} << QStringList{"Kitchen@5", "Hall@6"} << QStringList{"Kitchen@5", "Hall@7"};
+        QTest::newRow("absent BSSIDs are never the same") << QStringList{"Kitchen@5@-"} << QStringList{"Kitchen@5@-"}
+            << none << QStringList{"Kitchen@5"} << QStringList{"Kitchen@5"};
+        QTest::newRow("empty BSSIDs are equal texts") << QStringList{"Kitchen@5@"} << QStringList{"Kitchen@5@"} << none
+                                                      << none << none;
+        QTest::newRow("half a unit apart is another measurement") << QStringList{"Kitchen@5"} << QStringList{"Kitchen@5.5"}
+            << none << QStringList{"Kitchen@5"} << QStringList{"Kitchen@5.5"};
+        QTest::newRow("labels pair by exact text only") << QStringList{"Spot 07@1", "kitchen@2"}
+            << QStringList{"Spot 7@1", "Kitchen@2"} << none << none << none;
+    }
+    void comparisonPairing()
+    {
+        const auto a = pairSet(QStringLiteral("First"), fetched<QStringList>("first"));
+        const auto b = pairSet(QStringLiteral("Second"), fetched<QStringList>("second"));
+        const auto comparison = Comparison::comparisonWithFirstSet(a, b);
+        QVERIFY(!comparison->isSortedByNameAscending() && comparison->excludeIdenticalMatches());
+        for (const QString &toggle : fetched<QStringList>("toggles"))
+            toggle == u"sort" ? comparison->toggleSortByName() : comparison->toggleExcludeIdenticalMatches();
+        QCOMPARE(rows(comparison->firstSetComparableSpots()), fetched<QStringList>("expectedFirst"));
+        QCOMPARE(rows(comparison->secondSetComparableSpots()), fetched<QStringList>("expectedSecond"));
+        QCOMPARE(comparison->count(), comparison->secondSetComparableSpots().size());
+        for (qsizetype row = 0; row < comparison->count(); ++row) {
+            QCOMPARE(comparison->spotNameAtIndex(row), comparison->secondComparableSpotAtIndex(row)->label());
+            // Rows hold the sets' own objects, not copies.
+            QVERIFY(a->mutableSpots().contains(comparison->firstComparableSpotAtIndex(row)));
+            QVERIFY(b->mutableSpots().contains(comparison->secondComparableSpotAtIndex(row)));
+        }
+    }
+
+    void comparisonEdges()
+    {
+        const auto set = pairSet(QStringLiteral("Home"), {"Kitchen@1", "Hall@2", "Kitchen@3"});
+        Comparison itself(set, set);
+        QCOMPARE(itself.count(), 0);
+        itself.toggleExcludeIdenticalMatches();
+        QCOMPARE(rows(itself.firstSetComparableSpots()), (QStringList{"Kitchen@1", "Hall@2"}));
+        // The compare screen numbers its columns 1 and 2; every index but 1 is the second set.
+        const Comparison two(pairSet("First", {"Hall@1"}), pairSet("Second", {"Hall@2"}));
+        QCOMPARE(two.nameForSetIndex(1) + two.nameForSetIndex(0) + two.nameForSetIndex(2), "FirstSecondSecond");
+        QCOMPARE(two.ssid(), QStringLiteral("Net of First"));
+        QVERIFY(!two.firstComparableSpotAtIndex(1) && !two.secondComparableSpotAtIndex(-1) && two.spotNameAtIndex(1).isEmpty());
+        const auto half = Comparison::comparisonWithFirstSet(pairSet("A", {"Hall@1"}), nullptr);
+        QCOMPARE(half->count(), 0);
+        QCOMPARE(half->nameForSetIndex(2), QString());
+    }
+
+    void settingsFirstRead_data()
+    {
+        QTest::addColumn<QVariant>("stored"); // invalid: nothing stored
+        QTest::addColumn<bool>("merged");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("fresh installation") << QVariant() << false << kPresets;
+        QTest::newRow("the user's names first, repeats and empty names dropped")
+            << QVariant(QStringList{"Office", "", "Office", "Kitchen"}) << false
+            << QStringList{"Office", "Kitchen", "Living Room", "Dining Room", "Bedroom 1", "Bedroom 2", "Bathroom 1", "Bathroom 2", "Garage"};
+        QTest::newRow("already merged: the list as stored") << QVariant(QStringList{"Hall", "Hall"}) << true << QStringList{"Hall", "Hall"};
+        QTest::newRow("already merged, nothing stored") << QVariant() << true << QStringList{};
+    }
+    void settingsFirstRead()
+    {
+        QFETCH(bool, merged);
+        UserDefaults::standard().setObject(fetched<QVariant>("stored"), kSavedSpotsKey);
+        if (merged)
+            UserDefaults::standard().setBool(true, kMergedKey);
+        QVERIFY(UserDefaults::standard().synchronize());
+        QTEST(BMSDKUISettings::sharedInstance().savedSpots(), "expected");
+        // What the first read returned is what a later session finds on disk.
+        UserDefaults reader(m_env->defaultsFilePath());
+        QVERIFY(reader.boolForKey(kMergedKey));
+        if (!merged)
+            QTEST(reader.stringArrayForKey(kSavedSpotsKey), "expected");
+        // Set later, even to nothing, the presets never come back.
+        BMSDKUISettings::sharedInstance().setSavedSpots({});
+        QCOMPARE(BMSDKUISettings::sharedInstance().savedSpots(), QStringList{});
+    }
+
+    // Each "always" switch is stored under a key of its own.
+    void settingsEachSwitchHasItsOwnKey()
+    {
+        BMSDKUISettings &s = BMSDKUISettings::sharedInstance();
+        const auto stored = [this] {
+            UserDefaults reader(m_env->defaultsFilePath());
+            return QStringLiteral("%1%2%3").arg(reader.boolForKey(BMSDKUISettings::kAlwaysDeleteSpotKey))
+                .arg(reader.boolForKey(BMSDKUISettings::kAlwaysReplaceSpotKey)).arg(reader.boolForKey(BMSDKUISettings::kAlwaysCopySpotKey));
+        };
+        s.setAlwaysReplaceRecording(true);
+        QCOMPARE(stored(), QStringLiteral("010"));
+        s.setAlwaysCopyRecording(true);
+        s.setAlwaysDeleteRecording(true);
+        s.setAlwaysReplaceRecording(false);
+        QCOMPARE(stored(), QStringLiteral("101"));
+        QVERIFY(s.alwaysDeleteRecording() && !s.alwaysReplaceRecording() && s.alwaysCopyRecording());
+    }
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
     Brightmere::ManualClock m_clock;
 };
-
-void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults_data()
-{
-    QTest::addColumn<Set::Ptr>("set");
-    auto full = makeSet(QStringLiteral("Home"), {QStringLiteral("Kitchen"), QStringLiteral("Spot 2"), QStringLiteral("Kitchen")});
-    full->setDate(QDateTime(QDate(2024, 7, 1), QTime(23, 59, 59, 999), QTimeZone(7200)));
-    full->mutableSpots().first()->setCoordinate(BMLocationCoordinate2D{40.4168, -3.7038});
-    full->mutableSpots().first()->setAverage(true);
-    QTest::newRow("spots keep order and fields, a local date its instant") << full;
-    QTest::newRow("no spots, non-ASCII title, absent SSID")
-        << Set::create(QStringLiteral("Casa \u00d1and\u00fa \U0001F3E0"), QString(), day(3), {});
-}
-
-void tst_FZHistoricalResultSpotsSet::roundTripThroughNewDefaults()
-{
-    QFETCH(Set::Ptr, set);
-    set->toggleSorting();
-    set->setComparable(true);
-    QVERIFY(Set::saveSpotSet(set));
-
-    // Opened afresh: only what reached the disk counts.
-    const Set::Ptr read = readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).value(set->name());
-    QVERIFY(read);
-    QVERIFY(read != set);
-    QCOMPARE(read->name(), set->name());
-    QCOMPARE(read->ssid().isNull(), set->ssid().isNull());
-    QCOMPARE(read->ssid(), set->ssid());
-    QCOMPARE(read->date(), set->date());
-    QCOMPARE(read->date().toMSecsSinceEpoch(), set->date().toMSecsSinceEpoch());
-    QCOMPARE(read->isSortedAscending(), 0);
-    QVERIFY(!read->isComparable());
-    QCOMPARE(read->spotsCount(), set->spotsCount());
-    for (qsizetype i = 0; i < set->spotsCount(); ++i)
-        QVERIFY2(read->spots().at(i)->hasSameValues(*set->spots().at(i)), qPrintable(QString::number(i)));
-}
-
-void tst_FZHistoricalResultSpotsSet::storeWrittenInlineMovesWithEverySet()
-{
-    // Written by the kit before large values had files of their own.
-    const QString fixture = QStringLiteral(BRIGHTMERE_MODEL_DATA_DIR "/defaults-with-inline-sets.ini");
-    QSettings earlier(fixture, QSettings::IniFormat);
-    const QByteArray inline_ = earlier.value(kSetsKey).toByteArray();
-    const QString backupKey = QStringLiteral("kSetsDictionaryKey.backup.20250301T083000");
-    const QByteArray backup = earlier.value(backupKey).toByteArray();
-    const std::optional<Set::Dictionary> expected = Set::unarchiveDictionary(inline_);
-    QVERIFY(expected && expected->size() == 6);
-
-    const QString path = m_env->filePath(QStringLiteral("upgraded.ini"));
-    QVERIFY(QFile::copy(fixture, path));
-    UserDefaults::setStandardFilePath(path);
-    QVERIFY(QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
-    QCOMPARE(QDir(UserDefaults::valuesFolderPath(path)).entryList(QDir::Files).size(), 2);
-    QCOMPARE(UserDefaults::standard().dataForKey(kSetsKey), inline_);
-    QCOMPARE(UserDefaults::standard().dataForKey(backupKey), backup);
-    QVERIFY(UserDefaults::standard().boolForKey(QStringLiteral("kAlwaysDeleteSpotKey")));
-    QCOMPARE(UserDefaults::standard().stringArrayForKey(QStringLiteral("kSavedSpotsKey")),
-             (QStringList{"Kitchen", "Hall", "Garage"}));
-    QCOMPARE(Set::archiveDictionary(Set::allSpotsSetsDictionary()), Set::archiveDictionary(*expected));
-
-    // The first save writes this version's format, every set still intact.
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("After the upgrade"), {QStringLiteral("Hall")})));
-    Set::Dictionary after = readAfresh(m_env->filePath(QStringLiteral("reader.ini")));
-    QVERIFY(after.remove(QStringLiteral("After the upgrade")));
-    QCOMPARE(Set::archiveDictionary(after), Set::archiveDictionary(*expected));
-    QVERIFY(backupKeys().contains(backupKey));
-}
-
-void tst_FZHistoricalResultSpotsSet::failedWriteIsNotASave_data()
-{
-    QTest::addColumn<int>("spots"); // per stored set
-    QTest::newRow("store inline in the INI") << 1;
-    QTest::newRow("store in a file of its own") << 60;
-}
-
-void tst_FZHistoricalResultSpotsSet::failedWriteIsNotASave()
-{
-    QFETCH(int, spots);
-    QStringList labels;
-    for (int i = 0; i < spots; ++i)
-        labels.append(QStringLiteral("Room %1").arg(i));
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), labels, 1)));
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), labels, 2)));
-    // Tests run as root, so no permission fails: a regular file where the
-    // values folder goes does.
-    const QString folder = UserDefaults::valuesFolderPath(m_env->defaultsFilePath());
-    QDir(folder).removeRecursively();
-    QFile block(folder);
-    QVERIFY(block.open(QIODevice::WriteOnly));
-    block.close();
-
-    QVERIFY(!Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
-    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Office", "Home"}));
-    QVERIFY(!Set::spotsSetWithName(QStringLiteral("Garage")));
-    QVERIFY(!Set::deleteSpotsSet(makeSet(QStringLiteral("Home"), {})));
-    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{"Office", "Home"}));
-
-    // The user's retry, once the disk takes writes again.
-    QVERIFY(block.remove());
-    QVERIFY(Set::saveSetWithName(QStringLiteral("Garage"), QStringLiteral("HomeNet"), day(3), {spot("Car", 1)}));
-    QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), (QStringList{"Garage", "Home", "Office"}));
-}
-
-void tst_FZHistoricalResultSpotsSet::twoProcessesShareTheStore_data()
-{
-    // What another copy of the app does to the store after this one read it.
-    QTest::addColumn<QStringList>("otherSaves");
-    QTest::addColumn<QStringList>("otherDeletes");
-    QTest::addColumn<bool>("atTheSameTime");
-    QTest::addColumn<QStringList>("expected");
-    QStringList many;
-    for (int i = 0; i < 12; ++i)
-        many.append(QStringLiteral("Other %1").arg(i, 2, 10, QLatin1Char('0')));
-    QTest::newRow("saves one before this one saves")
-        << QStringList{"Other"} << QStringList{} << false << QStringList{"Kept", "Other", "Ours 00"};
-    QTest::newRow("deletes one before this one saves")
-        << QStringList{} << QStringList{"Kept"} << false << QStringList{"Ours 00"};
-    QTest::newRow("saves many while this one saves many")
-        << many << QStringList{} << true << QStringList{"Kept"} + many;
-}
-
-void tst_FZHistoricalResultSpotsSet::twoProcessesShareTheStore()
-{
-    QFETCH(QStringList, otherSaves);
-    QFETCH(QStringList, otherDeletes);
-    QFETCH(bool, atTheSameTime);
-    QFETCH(QStringList, expected);
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Kept"), {QStringLiteral("Hall")})));
-    QCOMPARE(Set::allSpotsSets().size(), 1); // this copy has read the store
-    const int ours = atTheSameTime ? int(otherSaves.size()) : 1;
-
-    const pid_t other = ::fork();
-    QVERIFY(other >= 0);
-    if (other == 0) {
-        bool ok = true;
-        for (const QString &title : otherSaves)
-            ok = Set::saveSpotSet(makeSet(title, {QStringLiteral("Hall")})) && ok;
-        for (const QString &title : otherDeletes)
-            ok = Set::deleteSpotsSet(makeSet(title, {})) && ok;
-        ::_exit(ok ? 0 : 1);
-    }
-    int status = 0;
-    if (!atTheSameTime)
-        QCOMPARE(::waitpid(other, &status, 0), other);
-    for (int i = 0; i < ours; ++i)
-        QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Ours %1").arg(i, 2, 10, QLatin1Char('0')), {})));
-    if (atTheSameTime)
-        QCOMPARE(::waitpid(other, &status, 0), other);
-    QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-
-    for (int i = 0; i < ours; ++i)
-        expected.append(QStringLiteral("Ours %1").arg(i, 2, 10, QLatin1Char('0')));
-    expected.removeDuplicates();
-    expected.sort();
-    QCOMPARE(readAfresh(m_env->filePath(QStringLiteral("copy.ini"))).keys(), expected);
-}
-
-void tst_FZHistoricalResultSpotsSet::versionRecord_data()
-{
-    QTest::addColumn<bool>("setsStored");
-    QTest::addColumn<QString>("version"); // null: no version record
-    QTest::addColumn<int>("expectedCount");
-    QTest::addColumn<bool>("setAside");
-    QTest::newRow("empty database") << false << QString() << 0 << false;
-    QTest::newRow("sets without a version are set aside") << true << QString() << 0 << true;
-    QTest::newRow("version without sets") << false << QStringLiteral("0.9.3") << 0 << false;
-    QTest::newRow("any older version is read as it is") << true << QStringLiteral("0.1.7") << 2 << false;
-    QTest::newRow("an empty version text still counts") << true << QStringLiteral("") << 2 << false;
-}
-
-void tst_FZHistoricalResultSpotsSet::versionRecord()
-{
-    QFETCH(bool, setsStored);
-    QFETCH(QString, version);
-    QFETCH(int, expectedCount);
-    QFETCH(bool, setAside);
-    UserDefaults &defaults = UserDefaults::standard();
-    const Set::Dictionary stored{{QStringLiteral("A"), makeSet(QStringLiteral("A"), {QStringLiteral("Hall")})},
-                                 {QStringLiteral("B"), makeSet(QStringLiteral("B"), {})}};
-    const QByteArray blob = Set::archiveDictionary(stored);
-    if (setsStored)
-        defaults.setObject(blob, kSetsKey);
-    if (!version.isNull())
-        defaults.setObject(version, kVersionKey);
-
-    LogCapture log;
-    QCOMPARE(Set::allSpotsSets().size(), expectedCount);
-    QCOMPARE(backupKeys().size(), setAside ? 1 : 0);
-    if (setAside) {
-        QCOMPARE(defaults.dataForKey(backupKeys().first()), blob);
-        QVERIFY(log.lines().last().level == 3 && log.lines().last().message.contains(backupKeys().first()));
-    }
-    // Whatever was found, a readable store and a version record are there now.
-    QVERIFY(Set::unarchiveDictionary(defaults.dataForKey(kSetsKey)).has_value());
-    const QString current = Brightmere::FrameworkBundle::shortVersion() + u'.' + Brightmere::FrameworkBundle::buildVersion();
-    QCOMPARE(Set::currentDataVersion(), current);
-    QCOMPARE(*Set::savedDataVersion(), expectedCount ? version : current);
-}
-
-void tst_FZHistoricalResultSpotsSet::unreadableStoreIsSetAside_data()
-{
-    QTest::addColumn<QVariant>("stored");
-    const QByteArray valid = Set::archiveDictionary({{QStringLiteral("Home"), makeSet(QStringLiteral("Home"), {QStringLiteral("Kitchen")})}});
-    QByteArray corrupt = valid;
-    corrupt[corrupt.size() - 5] = char(corrupt.at(corrupt.size() - 5) ^ 0x40);
-    QByteArray future = valid;
-    future[5] = char(0x7f);
-    QStringList rooms;
-    for (int i = 0; i < 200; ++i)
-        rooms.append(QStringLiteral("Room %1").arg(i));
-    const QByteArray large = Set::archiveDictionary({{QStringLiteral("Home"), makeSet(QStringLiteral("Home"), rooms)}});
-    QTest::newRow("truncated") << QVariant(valid.left(valid.size() - 10));
-    QTest::newRow("truncated, in a file of its own") << QVariant(large.left(large.size() - 10));
-    QTest::newRow("written by an earlier version, truncated")
-        << QVariant(Brightmere::Archive::write([](QDataStream &s) { s << quint32(1) << QStringLiteral("Home"); }).chopped(3));
-    QTest::newRow("digest mismatch") << QVariant(corrupt);
-    QTest::newRow("future format") << QVariant(future);
-    QTest::newRow("foreign bytes") << QVariant(QByteArray("<plist>not ours</plist>"));
-    QTest::newRow("a text, not data") << QVariant(QStringLiteral("Home"));
-    QTest::newRow("broken nested spots") << QVariant(Brightmere::Archive::write([](QDataStream &s) {
-        s << quint32(1) << QStringLiteral("Home") << QStringLiteral("Home") << QStringLiteral("Net") << day(0)
-          << QByteArray("garbage");
-    }));
-    QTest::newRow("implausible set count") << QVariant(Brightmere::Archive::write([](QDataStream &s) { s << quint32(900000); }));
-}
-
-void tst_FZHistoricalResultSpotsSet::unreadableStoreIsSetAside()
-{
-    QFETCH(QVariant, stored);
-    UserDefaults &defaults = UserDefaults::standard();
-    defaults.setObject(stored, kSetsKey);
-    defaults.setObject(QStringLiteral("1.0.0.1"), kVersionKey);
-    LogCapture log;
-    QVERIFY(Set::allSpotsSets().isEmpty());
-
-    const QString expectedKey = QStringLiteral("kSetsDictionaryKey.backup.")
-        + QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).addSecs(qint64(kNow)).toString(QStringLiteral("yyyyMMddTHHmmss"));
-    QCOMPARE(backupKeys(), QStringList{expectedKey});
-    // The copy and the empty store reached the file together.
-    UserDefaults reader(m_env->defaultsFilePath());
-    QCOMPARE(reader.objectForKey(expectedKey), stored);
-    QCOMPARE(Set::unarchiveDictionary(reader.dataForKey(kSetsKey))->size(), 0);
-    QCOMPARE(log.lines().last().level, 3);
-    QVERIFY2(log.lines().last().message.contains(expectedKey), qPrintable(log.text()));
-}
-
-void tst_FZHistoricalResultSpotsSet::laterCopyNeverOverwritesEarlier()
-{
-    UserDefaults &defaults = UserDefaults::standard();
-    defaults.setObject(QByteArray("first"), kSetsKey);
-    QVERIFY(Set::allSpotsSets().isEmpty()); // no version record: set aside
-    defaults.setObject(QByteArray("second"), kSetsKey);
-    QVERIFY(Set::allSpotsSets().isEmpty()); // unreadable: set aside, same second
-    QStringList keys = backupKeys();
-    keys.sort();
-    QCOMPARE(keys.size(), 2);
-    QCOMPARE(defaults.dataForKey(keys.at(0)), QByteArray("first"));
-    QCOMPARE(defaults.dataForKey(keys.at(1)), QByteArray("second"));
-}
-
-void tst_FZHistoricalResultSpotsSet::replacementByTitleAndDeletion()
-{
-    QVERIFY(Set::saveSetWithName(QStringLiteral("Home"), QStringLiteral("NetA"), day(0), {spot(QStringLiteral("Hall"), 1)}));
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Office"), {QStringLiteral("Desk")}, 1)));
-    QVERIFY(Set::saveSpotSet(makeSet(QStringLiteral("Home"), {QStringLiteral("Attic")}, 2, QStringLiteral("NetB"))));
-    QCOMPARE(namesOf(Set::allSpotsSets()), (QStringList{QStringLiteral("Home"), QStringLiteral("Office")}));
-    QCOMPARE(Set::spotsSetWithName(QStringLiteral("Home"))->ssid(), QStringLiteral("NetB"));
-    QCOMPARE(Set::spotsSetWithName(QStringLiteral("Home"))->spots().first()->label(), QStringLiteral("Attic"));
-    QVERIFY(!Set::spotsSetWithName(QStringLiteral("Garage")));
-
-    // Sets are values: what a caller does to a loaded set stays with it.
-    for (const Set::Ptr &loaded : {Set::spotsSetWithName(QStringLiteral("Home")), Set::allSpotsSets().first()}) {
-        loaded->setSsid(QStringLiteral("Changed"));
-        loaded->mutableSpots().first()->setLabel(QStringLiteral("Changed"));
-        loaded->mutableSpots().append(spot(QStringLiteral("Extra"), 9));
-    }
-    const Set::Ptr again = Set::allSpotsSetsDictionary().value(QStringLiteral("Home"));
-    QCOMPARE(again->ssid(), QStringLiteral("NetB"));
-    QCOMPARE(again->spotsCount(), 1);
-    QCOMPARE(again->spots().first()->label(), QStringLiteral("Attic"));
-
-    QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Garage"), {})));
-    QCOMPARE(Set::allSpotsSets().size(), 2);
-    QVERIFY(Set::deleteSpotsSet(makeSet(QStringLiteral("Office"), {}, 0, QStringLiteral("other SSID"))));
-    QCOMPARE(namesOf(Set::allSpotsSets()), QStringList{QStringLiteral("Home")});
-
-    Set::deleteAllSpotsSets();
-    UserDefaults reader(m_env->defaultsFilePath());
-    QVERIFY(!reader.contains(kSetsKey));
-    QVERIFY(reader.contains(kVersionKey));
-    QVERIFY(Set::allSpotsSets().isEmpty());
-    QVERIFY(UserDefaults::standard().contains(kSetsKey));
-    QVERIFY(backupKeys().isEmpty());
-}
-
-void tst_FZHistoricalResultSpotsSet::comparableMarking_data()
-{
-    QTest::addColumn<QList<QStringList>>("labels"); // per set, newest first
-    QTest::addColumn<QList<bool>>("expected");
-    const QString kitchen = QStringLiteral("Kitchen");
-    QTest::newRow("two share Kitchen, a third shares nothing")
-        << QList<QStringList>{{kitchen, QStringLiteral("Hall")}, {QStringLiteral("Garage")}, {QStringLiteral("Attic"), kitchen}}
-        << QList<bool>{true, false, true};
-    QTest::newRow("a label repeated only within itself")
-        << QList<QStringList>{{kitchen, kitchen}, {QStringLiteral("Hall")}} << QList<bool>{false, false};
-    QTest::newRow("a single set") << QList<QStringList>{{kitchen}} << QList<bool>{false};
-    QTest::newRow("sets without spots") << QList<QStringList>{{}, {}} << QList<bool>{false, false};
-    QTest::newRow("labels match exactly, case included")
-        << QList<QStringList>{{kitchen}, {QStringLiteral("kitchen")}} << QList<bool>{false, false};
-    QTest::newRow("numerically equal labels are still different")
-        << QList<QStringList>{{QStringLiteral("Spot 7")}, {QStringLiteral("Spot 07")}} << QList<bool>{false, false};
-}
-
-void tst_FZHistoricalResultSpotsSet::comparableMarking()
-{
-    QFETCH(QList<QStringList>, labels);
-    QFETCH(QList<bool>, expected);
-    QStringList names;
-    for (qsizetype i = labels.size() - 1; i >= 0; --i) { // saved oldest first
-        names.prepend(QStringLiteral("Run %1").arg(i));
-        QVERIFY(Set::saveSpotSet(makeSet(names.first(), labels.at(i), -int(i))));
-    }
-    const Set::List sets = Set::allSpotsSets();
-    QCOMPARE(namesOf(sets), names);
-    QCOMPARE(flagsOf(sets), expected);
-}
-
-void tst_FZHistoricalResultSpotsSet::markingAgainstTarget()
-{
-    const auto a = makeSet(QStringLiteral("A"), {QStringLiteral("Kitchen"), QStringLiteral("Hall")}, 4);
-    const auto b = makeSet(QStringLiteral("B"), {QStringLiteral("Hall")}, 3);
-    const auto c = makeSet(QStringLiteral("C"), {QStringLiteral("Garage")}, 2);
-    const auto d = makeSet(QStringLiteral("D"), {}, 1);
-    for (const auto &set : {c, a, d, b})
-        QVERIFY(Set::saveSpotSet(set));
-
-    // The target is an equal copy, not the stored object: equality decides.
-    const Set::List sets = Set::allSpotsSetsWithTaretSetToCompare(makeSet(QStringLiteral("A"), {QStringLiteral("Hall")}));
-    QCOMPARE(namesOf(sets), (QStringList{"A", "B", "C", "D"}));
-    QCOMPARE(flagsOf(sets), (QList<bool>{true, true, false, false}));
-
-    const Set::List candidates{d, b, c, a};
-    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(a, candidates, false)), (QStringList{"B", "A"}));
-    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}), candidates, true)), QStringList{"B"});
-    // Same title, other SSID: not the target, so it stays.
-    QCOMPARE(namesOf(Set::allSpotsSetsWithTaretSetToCompare(makeSet("A", {"Hall"}, 0, "Other"), candidates, true)),
-             (QStringList{"B", "A"}));
-    QVERIFY(Set::allSpotsSetsWithTaretSetToCompare(nullptr, candidates, false).isEmpty());
-}
-
-void tst_FZHistoricalResultSpotsSet::labelIndexEqualsPairwise_data()
-{
-    QTest::addColumn<quint32>("seed");
-    QTest::addColumn<int>("labelPool");
-    QTest::addColumn<bool>("equalSetsUnderOtherKeys");
-    QTest::newRow("dense labels") << 1u << 4 << false;
-    QTest::newRow("sparse labels") << 2u << 300 << false;
-    QTest::newRow("medium labels") << 3u << 40 << false;
-    QTest::newRow("equal sets stored under other keys, dense") << 4u << 6 << true;
-    QTest::newRow("equal sets stored under other keys, sparse") << 5u << 120 << true;
-    QTest::newRow("another medium store") << 6u << 25 << true;
-}
-
-void tst_FZHistoricalResultSpotsSet::labelIndexEqualsPairwise()
-{
-    QFETCH(quint32, seed);
-    QFETCH(int, labelPool);
-    QFETCH(bool, equalSetsUnderOtherKeys);
-    QRandomGenerator random(seed);
-    for (int round = 0; round < 20; ++round) {
-        Set::Dictionary store;
-        const int count = random.bounded(0, 40);
-        for (int i = 0; i < count; ++i) {
-            QStringList labels;
-            for (int n = random.bounded(0, 7); n > 0; --n) // duplicates within a set happen
-                labels.append(QStringLiteral("Room %1").arg(random.bounded(labelPool)));
-            QString name = QStringLiteral("Run %1").arg(i);
-            const QString ssid = QStringLiteral("Net %1").arg(random.bounded(2));
-            if (equalSetsUnderOtherKeys && i > 0 && random.bounded(4) == 0)
-                name = QStringLiteral("Run %1").arg(random.bounded(i));
-            store.insert(QStringLiteral("key %1").arg(i), makeSet(name, labels, random.bounded(-50, 50), ssid));
-        }
-        QVERIFY(Set::saveAllSpotsSetDicitionary(store));
-        const Set::List sets = Set::allSpotsSets();
-        QCOMPARE(sets.size(), count);
-        QCOMPARE(flagsOf(sets), pairwiseComparable(sets));
-    }
-}
-
-void tst_FZHistoricalResultSpotsSet::sortedSpots_data()
-{
-    QTest::addColumn<int>("toggles");
-    QTest::addColumn<qint64>("sorting");
-    QTest::addColumn<QStringList>("expected"); // label@timeAfterTest
-    QTest::newRow("0: newest measurement first") << 0 << qint64(0) << QStringList{"Spot 2@4", "Spot 10@3", "Attic@2", "Spot 2@1"};
-    QTest::newRow("1: labels descending, ties newest first") << 1 << qint64(1) << QStringList{"Spot 10@3", "Spot 2@4", "Spot 2@1", "Attic@2"};
-    QTest::newRow("2: labels ascending, ties oldest first") << 2 << qint64(2) << QStringList{"Attic@2", "Spot 2@1", "Spot 2@4", "Spot 10@3"};
-    QTest::newRow("three toggles are back at 0") << 3 << qint64(0) << QStringList{"Spot 2@4", "Spot 10@3", "Attic@2", "Spot 2@1"};
-}
-
-void tst_FZHistoricalResultSpotsSet::sortedSpots()
-{
-    QFETCH(int, toggles);
-    QFETCH(qint64, sorting);
-    QFETCH(QStringList, expected);
-    const auto set = Set::create("Home", "Net", day(0),
-                                 {spot("Spot 2", 1), spot("Spot 10", 3), spot("Attic", 2), spot("Spot 2", 4)});
-    for (int i = 0; i < toggles; ++i)
-        set->toggleSorting();
-    QCOMPARE(set->isSortedAscending(), sorting);
-    QStringList order;
-    for (const auto &s : set->sortedSpots())
-        order.append(s->label() + u'@' + QString::number(s->timeAfterTest()));
-    QCOMPARE(order, expected);
-    QCOMPARE(set->spots().first()->timeAfterTest(), 1.0); // the stored order is untouched
-}
 
 QTEST_GUILESS_MAIN(tst_FZHistoricalResultSpotsSet)
 #include "tst_FZHistoricalResultSpotsSet.moc"

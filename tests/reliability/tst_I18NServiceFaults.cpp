@@ -89,11 +89,81 @@ class tst_I18NServiceFaults : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void faults_data();
-    void faults();
-    void cleanupTestCase();
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        QDir(cacheFile(QString())).removeRecursively();
+        BMSDKGeneralUtilities::setOSLanguageOverride(QStringLiteral("en-US"));
+        // No built-in table holds the keys used here: what shows is what was downloaded.
+        Brightmere::LocalizedBundle::framework().setRoot(m_env->filePath("none"));
+        Brightmere::LocalizedBundle::main().setRoot(m_env->filePath("none"));
+        BMI18NManager::resetSharedInstanceForTesting();
+        BMI18NServiceManager::sharedInstance()->clearAuthorizationToken();
+        BMI18NServiceManager::sharedInstance()->manager()->setMaximumResponseSize(kSizeCap);
+        m_outcomes = std::make_unique<Outcomes>();
+        BMI18NNotification::subscribe(m_outcomes.get(), BMNotificationDelivery::MainThread);
+    }
+
+    void cleanup()
+    {
+        QVERIFY(settle());
+        BMI18NNotification::unsubscribe(m_outcomes.get());
+        QCoreApplication::processEvents();
+        restoreLocalisationDefaults();
+        QDir(cacheFile(QString())).removeRecursively();
+        m_env.reset();
+    }
+
+    void faults_data(); // below the class: moc loses its way in its raw strings' braces
+
+    void faults()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, cause);
+        QFETCH(bool, recovers);
+        ++m_injected;
+
+        // Texts downloaded earlier, in memory and in the cache files.
+        deliver("en", {{"k_all", "held en"}, {"k_en", "held en only"}});
+        deliver("es", {{"k_all", "held es"}});
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("held es"));
+        const QByteArray english = readFile(cacheFile("bundle_en"));
+        const QByteArray spanish = readFile(cacheFile("bundle_user"));
+        const QByteArray record = storedRecord();
+        QVERIFY(english.contains("held en only") && spanish.contains("held es"));
+        m_outcomes->available = m_outcomes->notAvailable = 0;
+        BMI18NServiceManager::sharedInstance()->manager()->setTimeoutInterval(
+            cause == u"timed out" ? kShortTimeoutSeconds : kTimeoutSeconds);
+
+        ScriptedHttpServer server;
+        server.setAnswer(kTokenPath, S::http(200, kTokenBody));
+        server.setAnswer(kInfoPath, S::http(200, kInfoBody));
+        server.setAnswer(kBundlePath, S::http(200, kBundleBody));
+        server.setAnswer(path, fetched<QByteArray>("answer"), S::Ending(fetched<int>("ending")), fetched<int>("dripMs"));
+        BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
+        LogCapture log;
+
+        QSignalSpy ended(m_outcomes.get(), &Outcomes::ended);
+        BMI18NManager::sharedInstance()->updateBundleTexts();
+        QVERIFY(ended.wait(20000));
+        QVERIFY(settle());
+        QCOMPARE(m_outcomes->available + m_outcomes->notAvailable, 1);
+        QVERIFY2(log.text().contains(QRegularExpression(cause)), qPrintable(log.text()));
+        QCOMPARE(BMI18NManager::stringForCode("k_en"), QStringLiteral("held en only"));
+        QCOMPARE(readFile(cacheFile("bundle_en")), english);
+        QCOMPARE(recovers ? m_outcomes->available : m_outcomes->notAvailable, 1);
+        QCOMPARE(BMI18NManager::stringForCode("k_all"), QString(recovers ? "fresh es" : "held es"));
+        QVERIFY(recovers || (readFile(cacheFile("bundle_user")) == spanish && storedRecord() == record));
+        // A redirect loop is given up (after 50 hops, a few of them retried), not followed for ever.
+        const qsizetype requests = server.requestedPaths().count(path);
+        QVERIFY2(requests <= 100, qPrintable(QStringLiteral("%1 requests of %2").arg(requests).arg(path)));
+        ++m_survived;
+    }
+
+    void cleanupTestCase()
+    {
+        qInfo("%d faults injected, %d survived: no crash, texts and cache files kept", m_injected, m_survived);
+    }
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
@@ -101,32 +171,6 @@ private:
     int m_injected = 0;
     int m_survived = 0;
 };
-
-void tst_I18NServiceFaults::init()
-{
-    m_env = std::make_unique<TestEnvironment>();
-    QDir(cacheFile(QString())).removeRecursively();
-    BMSDKGeneralUtilities::setOSLanguageOverride(QStringLiteral("en-US"));
-    // No built-in table holds the keys used here: what shows is what was downloaded.
-    Brightmere::LocalizedBundle::framework().setRoot(m_env->filePath("none"));
-    Brightmere::LocalizedBundle::main().setRoot(m_env->filePath("none"));
-    BMI18NManager::resetSharedInstanceForTesting();
-    BMI18NServiceManager::sharedInstance()->clearAuthorizationToken();
-    BMSDKHTTPSessionManager *client = BMI18NServiceManager::sharedInstance()->manager();
-    client->setMaximumResponseSize(kSizeCap);
-    m_outcomes = std::make_unique<Outcomes>();
-    BMI18NNotification::subscribe(m_outcomes.get(), BMNotificationDelivery::MainThread);
-}
-
-void tst_I18NServiceFaults::cleanup()
-{
-    QVERIFY(settle());
-    BMI18NNotification::unsubscribe(m_outcomes.get());
-    QCoreApplication::processEvents();
-    restoreLocalisationDefaults();
-    QDir(cacheFile(QString())).removeRecursively();
-    m_env.reset();
-}
 
 void tst_I18NServiceFaults::faults_data()
 {
@@ -201,65 +245,6 @@ void tst_I18NServiceFaults::faults_data()
     QTest::newRow("bundle: code is a text")
         << kBundlePath << S::http(200, R"({"code":"OK","message":"odd","data":{"_id":"es","ts":2,"contents":{}}})")
         << close << 0 << "odd" << false;
-}
-
-void tst_I18NServiceFaults::faults()
-{
-    QFETCH(QString, path);
-    QFETCH(QByteArray, answer);
-    QFETCH(int, ending);
-    QFETCH(int, dripMs);
-    QFETCH(QString, cause);
-    QFETCH(bool, recovers);
-    ++m_injected;
-
-    // Texts downloaded earlier, in memory and in the cache files.
-    deliver("en", {{"k_all", "held en"}, {"k_en", "held en only"}});
-    deliver("es", {{"k_all", "held es"}});
-    QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("held es"));
-    const QByteArray english = readFile(cacheFile("bundle_en"));
-    const QByteArray spanish = readFile(cacheFile("bundle_user"));
-    const QByteArray record = storedRecord();
-    QVERIFY(english.contains("held en only") && spanish.contains("held es"));
-    m_outcomes->available = 0;
-    m_outcomes->notAvailable = 0;
-    BMI18NServiceManager::sharedInstance()->manager()->setTimeoutInterval(
-        cause == u"timed out" ? kShortTimeoutSeconds : kTimeoutSeconds);
-
-    ScriptedHttpServer server;
-    server.setAnswer(kTokenPath, S::http(200, kTokenBody));
-    server.setAnswer(kInfoPath, S::http(200, kInfoBody));
-    server.setAnswer(kBundlePath, S::http(200, kBundleBody));
-    server.setAnswer(path, answer, S::Ending(ending), dripMs);
-    BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
-    LogCapture log;
-
-    QSignalSpy ended(m_outcomes.get(), &Outcomes::ended);
-    BMI18NManager::sharedInstance()->updateBundleTexts();
-    QVERIFY(ended.wait(20000));
-    QVERIFY(settle());
-    QCOMPARE(m_outcomes->available + m_outcomes->notAvailable, 1);
-    QVERIFY2(log.text().contains(QRegularExpression(cause)), qPrintable(log.text()));
-    QCOMPARE(BMI18NManager::stringForCode("k_en"), QStringLiteral("held en only"));
-    QCOMPARE(readFile(cacheFile("bundle_en")), english);
-    if (recovers) {
-        QCOMPARE(m_outcomes->available, 1);
-        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("fresh es"));
-    } else {
-        QCOMPARE(m_outcomes->notAvailable, 1);
-        QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("held es"));
-        QCOMPARE(readFile(cacheFile("bundle_user")), spanish);
-        QCOMPARE(storedRecord(), record);
-    }
-    // A redirect loop is given up (after 50 hops, a few of them retried), not followed for ever.
-    const qsizetype requests = server.requestedPaths().count(path);
-    QVERIFY2(requests <= 100, qPrintable(QStringLiteral("%1 requests of %2").arg(requests).arg(path)));
-    ++m_survived;
-}
-
-void tst_I18NServiceFaults::cleanupTestCase()
-{
-    qInfo("%d faults injected, %d survived: no crash, texts and cache files kept", m_injected, m_survived);
 }
 
 QTEST_GUILESS_MAIN(tst_I18NServiceFaults)

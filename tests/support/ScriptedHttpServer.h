@@ -32,7 +32,7 @@ public:
     // The core library's response envelope around data, with code 200.
     static QByteArray envelope(const QByteArray &data);
 
-    ScriptedHttpServer();
+    explicit ScriptedHttpServer(const QHostAddress &address = QHostAddress::LocalHost);
 
     QString baseUrl() const;
     // With dripIntervalMs above 0 the head goes out at once and the body one
@@ -40,8 +40,13 @@ public:
     void setAnswer(const QString &path, const QByteArray &answer, Ending ending = Ending::Close,
                    int dripIntervalMs = 0);
     void setFallbackAnswer(const QByteArray &answer, Ending ending = Ending::Close);
-    // The paths asked for, in order of arrival.
+    // The answer to the next request of path only; later ones get the regular one.
+    void setAnswerOnce(const QString &path, const QByteArray &answer, Ending ending = Ending::Close);
+    // Ends every connection still open: a server that drops what it was sending.
+    void endOpenConnections(Ending ending);
+    // The paths asked for, in order of arrival, and the requests' heads.
     QStringList requestedPaths() const { return m_requested; }
+    QList<QByteArray> requestHeads() const { return m_heads; }
 
 private:
     struct Answer
@@ -53,9 +58,10 @@ private:
 
     void onReadyRead(QTcpSocket *socket);
     static void finish(QTcpSocket *socket, Ending ending);
-    static void drip(QTcpSocket *socket, const QByteArray &body, Ending ending, int intervalMs);
 
     QHash<QString, Answer> m_answers;
+    QHash<QString, Answer> m_once;
     Answer m_fallback;
     QStringList m_requested;
+    QList<QByteArray> m_heads;
 };

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QTemporaryDir>
+#include <QTest>
 
 // Puts a test case in a world of its own: QStandardPaths in test mode, a
 // fresh temporary folder, the standard user defaults in a file inside it,
@@ -20,3 +21,11 @@ public:
 private:
     QTemporaryDir m_dir;
 };
+
+// The current data row's value of a column, where an expression needs it and
+// QFETCH's declaration does not fit.
+template<typename T>
+const T &fetched(const char *column)
+{
+    return *static_cast<const T *>(QTest::qData(column, qMetaTypeId<T>()));
+}

@@ -1,4 +1,0 @@
-// Fuzz target: the bundle-data answer, from raw bytes through JSON to the manager.
-#include "FuzzEntryPoints.h"
-
-extern const FuzzEntryPoints::Target kFuzzTarget = FuzzEntryPoints::Target::BundleData;
