@@ -4,6 +4,7 @@
 // makes them: the simulated one, and the HTTP one against a loopback server
 // whose bytes the test counts out. That the customer's password is never
 // written is checked where the test screen runs a tester (tst_BMWifiScanVC).
+#include "WiFiTesterRecorder.h"
 #include "core/BMBaseNotification.h"
 #include "core/BMLogger.h"
 #include "core/BMReachabilityDelegate.h"
@@ -82,41 +83,7 @@ QString currentWifiNames()
     return shown(BMSDKNetworkUtilities::currentWifiSSID()) + u' ' + shown(BMSDKNetworkUtilities::currentWifiBSSID());
 }
 
-// Every delegate call ("setup", "setup-error", "result", "finish"); it can
-// act from inside one, as a screen would.
-struct Recorder : BMWiFiTesterDelegate
-{
-    QStringList events;
-    WifiTestResult::List results;
-    QList<BMError> errors;
-    std::function<void(BMWiFiTester *, const QString &)> onEvent;
-
-    void wiFiTesterDidFinishSetupWithError(BMWiFiTester *t, const std::optional<BMError> &e) override
-    {
-        note(t, e ? "setup-error" : "setup", e);
-    }
-    void wiFiTesterDidUpdateWithTestResult(BMWiFiTester *t, const WifiTestResult::Ptr &result) override
-    {
-        results << result;
-        note(t, "result", std::nullopt);
-    }
-    void wiFiTesterDidFinishWithError(BMWiFiTester *t, const std::optional<BMError> &e) override { note(t, "finish", e); }
-    QList<double> speeds() const
-    {
-        QList<double> list;
-        for (const auto &r : results)
-            list << r->speedInMbps();
-        return list;
-    }
-    void note(BMWiFiTester *tester, const QString &event, const std::optional<BMError> &error)
-    {
-        if (error)
-            errors << *error;
-        events << event;
-        if (onEvent)
-            onEvent(tester, event);
-    }
-};
+using Recorder = WiFiTesterRecorder;
 
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "BMSpeedSource.h"
-#include "../core/WiFiTesterRecorder.h"
+#include "WiFiTesterRecorder.h"
 #include "TestEnvironment.h"
 #include "core/BMHttpWiFiTester.h"
 #include "core/BMSDKBackend.h"
