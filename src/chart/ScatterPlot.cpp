@@ -175,7 +175,13 @@ void ScatterPlot::cacheChanged(qsizetype first, qsizetype last)
     m_ascending = first == 0 && last == m_cache.size() ? isAscending(0, last)
                                                       : m_ascending && isAscending(first, last + 1);
     m_fedSlice = {-1, -1};
+    Q_EMIT cachedPointsChanged();
     feedVisiblePoints();
+}
+
+bool ScatterPlot::isBehind(double minimum) const
+{
+    return m_cache.isEmpty() || (m_ascending && m_cache.last().x() < minimum);
 }
 
 void ScatterPlot::attachToChart(QChart *chart, QAbstractAxis *xAxis, QAbstractAxis *yAxis)

@@ -74,9 +74,17 @@ public:
     // which x range is visible.
     void attachToChart(QChart *chart, QAbstractAxis *xAxis, QAbstractAxis *yAxis);
     void setVisibleXRange(double minimum, double maximum);
+    // Whether no x range from minimum on can show a point of the plot: it
+    // has none, or its x never decreases and the last is left of minimum.
+    bool isBehind(double minimum) const;
 
     QLineSeries *lineSeries() const { return m_line; }
     QAreaSeries *areaSeries() const { return m_area; }
+
+Q_SIGNALS:
+    // The cached records changed; sent before the series are fed again, so
+    // that a graph that stopped giving this plot its x range can give it now.
+    void cachedPointsChanged();
 
 private:
     QPointF loadRecord(qsizetype index) const;

@@ -8,6 +8,7 @@
 #include <QLegend>
 #include <QValueAxis>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -104,10 +105,45 @@ void XYGraph::setXRange(const PlotRange &range)
     }
     if (range == m_xRange)
         return;
+    const bool movedLeft = range.location < m_xRange.location;
     m_xRange = range;
     m_xAxis->setRange(range.location, range.end());
-    for (ScatterPlot *plot : std::as_const(m_plots))
-        plot->setVisibleXRange(range.location, range.end());
+    giveXRangeToPlots(movedLeft);
+}
+
+void XYGraph::giveXRangeToPlots(bool movedLeft)
+{
+    if (movedLeft && !m_plotsBehind.isEmpty()) {
+        // Rare (the live chart only ever scrolls right), so a plain walk.
+        m_plotsInReach.clear();
+        for (ScatterPlot *plot : std::as_const(m_plots)) {
+            if (!m_plotsBehind.contains(plot) || !plot->isBehind(m_xRange.location)) {
+                m_plotsBehind.remove(plot);
+                m_plotsInReach.append(plot);
+            }
+        }
+    }
+    qsizetype kept = 0;
+    for (qsizetype i = 0; i < m_plotsInReach.size(); ++i) {
+        ScatterPlot *plot = m_plotsInReach.at(i);
+        plot->setVisibleXRange(m_xRange.location, m_xRange.end());
+        if (plot->isBehind(m_xRange.location))
+            m_plotsBehind.insert(plot);
+        else
+            m_plotsInReach[kept++] = plot;
+    }
+    m_plotsInReach.resize(kept);
+}
+
+void XYGraph::bringBack(ScatterPlot *plot)
+{
+    if (!m_plotsBehind.remove(plot))
+        return;
+    // In the order the plots were added, so that plots coming into view
+    // together put their series into the chart in that order.
+    const auto addedBefore = [this](ScatterPlot *a, ScatterPlot *b) { return m_addedAt.value(a) < m_addedAt.value(b); };
+    m_plotsInReach.insert(std::upper_bound(m_plotsInReach.begin(), m_plotsInReach.end(), plot, addedBefore), plot);
+    plot->setVisibleXRange(m_xRange.location, m_xRange.end());
 }
 
 void XYGraph::setYRange(const PlotRange &range)
@@ -117,6 +153,8 @@ void XYGraph::setYRange(const PlotRange &range)
                                                  range.length);
         return;
     }
+    if (range == m_yRange)
+        return;
     m_yRange = range;
     m_yAxis->setRange(range.location, range.end());
 }
@@ -128,7 +166,10 @@ void XYGraph::addPlot(ScatterPlot *plot)
         return;
     }
     plot->setParent(this);
+    m_addedAt.insert(plot, m_plots.size());
     m_plots.append(plot);
+    m_plotsInReach.append(plot);
+    connect(plot, &ScatterPlot::cachedPointsChanged, this, [this, plot] { bringBack(plot); });
     plot->attachToChart(this, m_xAxis, m_yAxis);
     plot->setVisibleXRange(m_xRange.location, m_xRange.end());
     plot->reloadData();

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QChart>
+#include <QHash>
 #include <QList>
 #include <QMarginsF>
 #include <QPointF>
+#include <QSet>
 
 class QGraphicsRectItem;
 class QValueAxis;
@@ -61,6 +63,9 @@ public:
     // The graph takes the plot (as its QObject child) and shows it.
     void addPlot(ScatterPlot *plot);
     QList<ScatterPlot *> allPlots() const;
+    // The plots still given each new x range: those not behind it (see
+    // ScatterPlot::isBehind), in the order they were added.
+    QList<ScatterPlot *> plotsInReach() const { return m_plotsInReach; }
     void reloadData();
 
     // The plot area the paddings give for the graph's current size.
@@ -68,6 +73,10 @@ public:
 
 private:
     void updatePlotArea();
+    // Gives the plots in reach the x range and leaves behind those it has
+    // passed; a range that moved left first brings back those it reaches.
+    void giveXRangeToPlots(bool movedLeft);
+    void bringBack(ScatterPlot *plot);
 
     QGraphicsRectItem *m_plotAreaFrame = nullptr;
     QValueAxis *m_xAxis = nullptr;
@@ -78,4 +87,10 @@ private:
     PlotRange m_xRange{0.0, 1.0};
     PlotRange m_yRange{0.0, 1.0};
     QList<ScatterPlot *> m_plots;
+    // A long test scrolls hundreds of plots out of the window for good: only
+    // those in reach cost anything per new range. Those left behind hear
+    // again only when their points change or the range moves back.
+    QList<ScatterPlot *> m_plotsInReach;
+    QSet<ScatterPlot *> m_plotsBehind;
+    QHash<ScatterPlot *, qsizetype> m_addedAt;
 };

@@ -62,3 +62,17 @@ std::optional<BMI18NBundleFile::Texts> BMI18NBundleFile::decode(const QByteArray
         *skippedLines = skipped;
     return texts;
 }
+
+QString BMI18NBundleFile::keysForLog(QStringList keys)
+{
+    // How many keys a log line names.
+    constexpr qsizetype named = 5;
+    keys.sort();
+    const qsizetype total = keys.size();
+    if (total > named)
+        keys.resize(named);
+    QString text = u'"' + keys.join(QStringLiteral("\", \"")) + u'"';
+    if (total > named)
+        text += QStringLiteral(" and %1 more").arg(total - named);
+    return text;
+}

@@ -29,4 +29,7 @@ public:
     // bundle); otherwise every line that parses. skippedLines counts the
     // non-empty lines without "=".
     static std::optional<Texts> decode(const QByteArray &data, int *skippedLines = nullptr);
+
+    // A few of keys for a log line, sorted and quoted: '"a", "b" and 3 more'.
+    static QString keysForLog(QStringList keys);
 };

@@ -1,5 +1,7 @@
 #include "BMI18NManager.h"
 
+#include "BMI18NBundleAnswer.h"
+#include "BMI18NBundleCache.h"
 #include "BMI18NNotification.h"
 #include "BMI18NNumberFormatter.h"
 #include "BMI18NServiceManager.h"
@@ -9,11 +11,6 @@
 #include "platform/foundation/LocalizedBundle.h"
 #include "platform/foundation/UserDefaults.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
-#include <QStandardPaths>
 
 #include <algorithm>
 #include <atomic>
@@ -26,10 +23,6 @@ const QString kModule = QStringLiteral("BMI18NManager");
 const QString kDefaultLang = QString::fromLatin1(kI18NDefaultLang);
 const QString kPrefix = QString::fromLatin1(kPrefixString);
 const QString kPlaceholder = QString::fromLatin1(kReplacePlaceholder);
-const QString kBundleArrayKey = QStringLiteral("bundleArray");
-const QString kIdKey = QStringLiteral("_id");
-const QString kTsKey = QStringLiteral("ts");
-const QString kContentsKey = QStringLiteral("contents");
 
 // The languages the kit ships tables for: the seed of the choosable list.
 const QSet<QString> &builtInLanguages()
@@ -40,45 +33,11 @@ const QSet<QString> &builtInLanguages()
 
 // Lookups with keys made up at run time must not grow the cache without end.
 constexpr qsizetype kTextCacheLimit = 4096;
-// A cache file is a few tens of kilobytes; anything far larger is not ours.
-constexpr qint64 kMaximumCacheFileSize = 16 * 1024 * 1024;
-// How many offending keys a log line names.
-constexpr qsizetype kKeysNamedInLog = 5;
-
-const QByteArray kCacheDirTagSignature = QByteArrayLiteral("Signature: 8a477f597d28d172789f06886806bc55");
 
 template<typename... Args>
 void logLine(int level, const char *format, const Args &...arguments)
 {
     BMLogger::sharedInstance().logFromModule(kModule, level, QString::fromUtf8(format), arguments...);
-}
-
-QString someKeys(QStringList keys)
-{
-    keys.sort();
-    const qsizetype total = keys.size();
-    if (total > kKeysNamedInLog)
-        keys.resize(kKeysNamedInLog);
-    QString text = u'"' + keys.join(QStringLiteral("\", \"")) + u'"';
-    if (total > kKeysNamedInLog)
-        text += QStringLiteral(" and %1 more").arg(total - kKeysNamedInLog);
-    return text;
-}
-
-// A time stamp is a JSON number; anything else counts as absent.
-std::optional<double> numberFrom(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return value.toDouble();
-    default:
-        return std::nullopt;
-    }
 }
 
 bool isMap(const QVariant &value)
@@ -138,7 +97,7 @@ BMI18NManager::BMI18NManager()
         && !m_bundleTexts.value(kDefaultLang).isEmpty()) {
         const QVariantMap stamps = storedStamps.toMap();
         for (auto it = stamps.cbegin(); it != stamps.cend(); ++it) {
-            if (const std::optional<double> ts = numberFrom(it.value()))
+            if (const std::optional<double> ts = BMI18NBundleAnswer::timestamp(it.value()))
                 m_timestamp.insert(it.key(), *ts);
             else
                 logLine(2, "the stored time stamp of %@ is not a number; that bundle will be downloaded again",
@@ -507,13 +466,7 @@ void BMI18NManager::handleBundleInfo(const QVariantMap &response)
 
     // Without a list every comparison is missing, which downloads the
     // current language: the safe reading of a damaged answer.
-    QVariantList entries;
-    const QVariant data = response.value(QLatin1String(kRestServiceResponseDataKey));
-    const QVariant list = isMap(data) ? data.toMap().value(kBundleArrayKey) : QVariant();
-    if (list.typeId() == QMetaType::QVariantList)
-        entries = list.toList();
-    else
-        logLine(3, "the bundle list answer holds no \"bundleArray\" list; the current language is downloaded");
+    const QList<BMI18NBundleAnswer::Listed> listed = BMI18NBundleAnswer::listedBundles(response);
 
     bool needCurrent = true;
     bool needDefault = false;
@@ -526,23 +479,7 @@ void BMI18NManager::handleBundleInfo(const QVariantMap &response)
             return !ts || held == m_timestamp.cend() || *held != *ts;
         };
         m_languagesList = builtInLanguages();
-        for (const QVariant &entry : std::as_const(entries)) {
-            const QVariantMap fields = entry.toMap();
-            const QVariant id = fields.value(kIdKey);
-            if (!isMap(entry) || id.typeId() != QMetaType::QString) {
-                logLine(3, "a bundle list entry without a language code is skipped: %@", entry);
-                continue;
-            }
-            const QString code = id.toString();
-            if (!isLanguageCode(code)) {
-                logLine(3, "a bundle list entry whose language \"%@\" is no language code is skipped", code.left(64));
-                continue;
-            }
-            const QVariant tsValue = fields.value(kTsKey);
-            const std::optional<double> ts = numberFrom(tsValue);
-            if (!ts && tsValue.isValid())
-                logLine(3, "the time stamp of %@ in the bundle list is not a number (%@); it counts as missing",
-                        code, tsValue);
+        for (const auto &[code, ts] : listed) {
             if (code == language)
                 needCurrent = needed(code, ts);
             else if (code == kDefaultLang)
@@ -568,52 +505,12 @@ void BMI18NManager::handleBundleInfo(const QVariantMap &response)
 
 void BMI18NManager::handleBundleData(const QVariantMap &response)
 {
-    bool isNumber = false;
-    const int code = response.value(QLatin1String(kRestServiceResponseCodeKey)).toInt(&isNumber);
-    if (!isNumber || code != kRestServiceResponseCodeSuccessValue) {
-        logLine(2, "requestBundleDataError %@", response.value(QLatin1String(kRestServiceResponseMessageKey)));
+    const std::optional<BMI18NBundleAnswer::Bundle> bundle = BMI18NBundleAnswer::bundle(response);
+    if (!bundle) {
         BMI18NNotification::postTextBundleNotAvailable();
         return;
     }
-
-    // A damaged answer changes nothing: the texts held stay in use.
-    const QVariant data = response.value(QLatin1String(kRestServiceResponseDataKey));
-    const QVariantMap payload = data.toMap();
-    const QVariant id = payload.value(kIdKey);
-    const QVariant contents = payload.value(kContentsKey);
-    QString problem;
-    if (!isMap(data))
-        problem = QStringLiteral("the answer holds no data object");
-    else if (id.typeId() != QMetaType::QString || id.toString().isEmpty())
-        problem = QStringLiteral("the bundle has no language code");
-    else if (!isLanguageCode(id.toString()))
-        problem = QStringLiteral("the bundle's language \"%1\" is no language code").arg(id.toString().left(64));
-    else if (!isMap(contents))
-        problem = QStringLiteral("the bundle's \"contents\" is not a dictionary");
-    if (!problem.isEmpty()) {
-        logLine(3, "requestBundleDataError %@", problem);
-        BMI18NNotification::postTextBundleNotAvailable();
-        return;
-    }
-
-    const QString language = id.toString();
-    Texts texts;
-    QStringList notTexts;
-    const QVariantMap entries = contents.toMap();
-    for (auto it = entries.cbegin(); it != entries.cend(); ++it) {
-        if (it.value().typeId() == QMetaType::QString)
-            texts.insert(it.key(), it.value().toString());
-        else
-            notTexts.append(it.key());
-    }
-    if (!notTexts.isEmpty())
-        logLine(3, "bundle %@: %@ entr(ies) whose value is not a text were skipped: %@", language, notTexts.size(),
-                someKeys(notTexts));
-    const QVariant tsValue = payload.value(kTsKey);
-    const std::optional<double> ts = numberFrom(tsValue);
-    if (!ts)
-        logLine(3, "bundle %@ has no numeric time stamp (%@); it will be downloaded again on the next refresh",
-                language, tsValue);
+    const QString &language = bundle->language;
 
     // Only one non-default language is cached: the one held before gives way.
     QString previousLanguage;
@@ -628,9 +525,9 @@ void BMI18NManager::handleBundleData(const QVariantMap &response)
         std::unique_lock lock(m_lock);
         if (!previousLanguage.isEmpty())
             removeLanguageLocked(previousLanguage);
-        m_bundleTexts.insert(language, texts);
-        if (ts)
-            m_timestamp.insert(language, *ts);
+        m_bundleTexts.insert(language, bundle->texts);
+        if (bundle->ts)
+            m_timestamp.insert(language, *bundle->ts);
         else
             m_timestamp.remove(language);
         if (language != kDefaultLang || !m_languagesList.contains(m_langCode))
@@ -681,86 +578,20 @@ void BMI18NManager::save()
 
 QString BMI18NManager::bundleFilePath(const QString &code) const
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-    if (folder.isEmpty())
-        return QString();
-    return QDir(folder).filePath(code == kDefaultLang ? QStringLiteral("bundle_en") : QStringLiteral("bundle_user"));
+    return BMI18NBundleCache::filePath(code);
 }
 
 BMI18NManager::Texts BMI18NManager::loadBundle(const QString &code) const
 {
-    const QString path = bundleFilePath(code);
-    if (path.isEmpty() || !QFileInfo::exists(path))
-        return {};
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        logLine(3, "loadBundle %@: cannot read %@ (%@)", code, path, file.errorString());
-        return {};
-    }
-    if (file.size() > kMaximumCacheFileSize) {
-        logLine(3, "loadBundle %@: %@ is %@ bytes, too large for a bundle; it is ignored", code, path, file.size());
-        return {};
-    }
-    int skippedLines = 0;
-    const std::optional<Texts> texts = BMI18NBundleFile::decode(file.readAll(), &skippedLines);
-    if (!texts) {
-        logLine(3, "loadBundle %@: %@ is not UTF-8 text; it is ignored", code, path);
-        return {};
-    }
-    if (skippedLines > 0)
-        logLine(2, "loadBundle %@: %@ line(s) without \"=\" in %@ were skipped", code, skippedLines, path);
-    return *texts;
+    return BMI18NBundleCache::load(code);
 }
 
 void BMI18NManager::saveBundle(const QString &code, const Texts &withTexts)
 {
-    QStringList skipped;
-    const QByteArray text = BMI18NBundleFile::encode(withTexts, &skipped);
-    if (!skipped.isEmpty())
-        logLine(2, "saveBundle %@: %@ key(s) holding \"=\" or a line feed cannot be cached and were left out: %@",
-                code, skipped.size(), someKeys(skipped));
-
-    const QString path = bundleFilePath(code);
-    if (path.isEmpty()) {
-        logLine(3, "saveBundle %@: the platform names no caches folder; the bundle stays in memory only", code);
-        return;
-    }
-    const QString folder = QFileInfo(path).absolutePath();
-    if (!QDir().mkpath(folder)) {
-        logLine(3, "saveBundle %@: cannot create the caches folder %@; the bundle stays in memory only", code,
-                folder);
-        return;
-    }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        logLine(3, "saveBundle %@: cannot write %@ (%@); the bundle stays in memory only", code, path,
-                file.errorString());
-        file.cancelWriting();
-        return;
-    }
-    addSkipBackupAttributeToItemAtURL(QUrl::fromLocalFile(path));
+    BMI18NBundleCache::save(code, withTexts);
 }
 
 bool BMI18NManager::addSkipBackupAttributeToItemAtURL(const QUrl &url) const
 {
-    const QString path = url.toLocalFile();
-    if (path.isEmpty() || !QFileInfo::exists(path))
-        return false;
-    const QFileInfo info(path);
-    const QString tagPath = QDir(info.absolutePath()).filePath(QStringLiteral("CACHEDIR.TAG"));
-    {
-        QFile existing(tagPath);
-        if (existing.open(QIODevice::ReadOnly) && existing.read(kCacheDirTagSignature.size()) == kCacheDirTagSignature)
-            return true;
-    }
-    QSaveFile tag(tagPath);
-    const QByteArray content = kCacheDirTagSignature
-        + "\n# This file is a cache directory tag created by BrightmereMobileSDKUI.\n"
-          "# For information about cache directory tags see https://bford.info/cachedir/\n";
-    if (!tag.open(QIODevice::WriteOnly) || tag.write(content) != content.size() || !tag.commit()) {
-        logLine(3, "Error excluding %@ from backup %@", info.fileName(), tag.errorString());
-        tag.cancelWriting();
-        return false;
-    }
-    return true;
+    return BMI18NBundleCache::excludeFromBackup(url);
 }

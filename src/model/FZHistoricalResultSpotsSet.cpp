@@ -1,6 +1,7 @@
 #include "FZHistoricalResultSpotsSet.h"
 
 #include "BMNumericStringComparison.h"
+#include "FZSpotsSetsArchive.h"
 #include "core/BMLogger.h"
 #include "core/BMSDKBackend.h"
 #include "platform/foundation/Archive.h"
@@ -9,12 +10,9 @@
 #include "platform/foundation/UserDefaults.h"
 #include "resources/FrameworkBundle.h"
 
-#include <QCryptographicHash>
 #include <QHash>
-#include <QIODevice>
 #include <QMutex>
 #include <QSet>
-#include <QtEndian>
 
 #include <algorithm>
 
@@ -24,10 +22,6 @@ using Brightmere::UserDefaults;
 namespace {
 
 const QString kModule = QStringLiteral("FZHistoricalResultSpotsSet");
-
-// Smallest archived entry: the key, name and SSID (4 bytes each when empty),
-// a date and the nested blob's length.
-constexpr qint64 kMinimumEntryBytes = 16;
 
 QString key(const char *name)
 {
@@ -40,36 +34,8 @@ BMLogger &logger()
 }
 
 using Set = FZHistoricalResultSpotsSet;
-
-// The store's archive. Earlier versions wrote one kit archive of the count
-// and then each title and set, so every save hashed and wrote every set
-// again. This format keeps the sets apart: a table, behind the kit's archive
-// header, of each title with the length and digest of its packed set, then
-// the packed sets (each set's fields, compressed). A save packs only the
-// set that changed and hashes only the table; a reader checks each set's
-// digest before it unpacks it.
-constexpr quint32 kStoreMagic = 0x424D5353; // "BMSS"
-constexpr quint16 kStoreFormat = 2;
-// Integrity, not secrecy: the fastest digest Qt has, several times SHA-256's speed.
-constexpr auto kSetDigest = QCryptographicHash::Blake2b_256;
-constexpr int kSetDigestBytes = 32;
-// Smallest table entry: an empty title (4 bytes), a length and a digest.
-constexpr qint64 kMinimumTableEntryBytes = 4 + 4 + kSetDigestBytes;
-// A spot's fields take at least this many bytes.
-constexpr qint64 kMinimumSpotBytes = 40;
-// No set comes near; a packed set claiming more is refused before it is unpacked.
-constexpr quint32 kMaximumSetBytes = 64 * 1024 * 1024;
-
-// A stored set with the bytes it is stored as: a slice of the stored value
-// it was read from or written to, or bytes of its own while it waits to be
-// written (a set read from the earlier format has none until then).
-struct StoredSet
-{
-    Set::Ptr set;
-    QByteArray packed;
-    QByteArray digest;
-};
-using StoredSets = QMap<QString, StoredSet>;
+using StoredSet = FZSpotsSetsArchive::StoredSet;
+using StoredSets = FZSpotsSetsArchive::StoredSets;
 
 // The sets and the stored value their bytes are slices of: one is only
 // valid with the other.
@@ -78,248 +44,6 @@ struct StoreImage
     QByteArray blob;
     StoredSets sets;
 };
-
-// A packed set: its fields in archive order, the spots inline rather than
-// as a nested archive (the set's digest already covers them, and checking a
-// digest per set again costs more than reading it), compressed.
-QByteArray encodedSet(const Set &set)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream.setVersion(Archive::kStreamVersion);
-    stream << set.name() << set.ssid() << set.date().toUTC() << quint32(set.spotsCount());
-    for (const WifiTestResult::Ptr &spot : set.mutableSpots())
-        (spot ? *spot : WifiTestResult()).encode(stream);
-    return bytes;
-}
-
-Set::Ptr unpackedSet(const QByteArray &packed, QString *error)
-{
-    if (packed.size() < 4 || qFromBigEndian<quint32>(packed.constData()) > kMaximumSetBytes) {
-        *error = QStringLiteral("implausible packed size");
-        return nullptr;
-    }
-    const QByteArray bytes = qUncompress(packed);
-    if (bytes.size() != qsizetype(qFromBigEndian<quint32>(packed.constData()))) {
-        *error = QStringLiteral("cannot be unpacked");
-        return nullptr;
-    }
-    QDataStream stream(bytes);
-    stream.setVersion(Archive::kStreamVersion);
-    QString name;
-    QString ssid;
-    QDateTime date;
-    quint32 count = 0;
-    stream >> name >> ssid >> date >> count;
-    if (stream.status() != QDataStream::Ok || count > quint64(stream.device()->bytesAvailable() / kMinimumSpotBytes)) {
-        *error = QStringLiteral("cannot be read");
-        return nullptr;
-    }
-    WifiTestResult::List spots;
-    spots.reserve(count);
-    for (quint32 i = 0; i < count; ++i) {
-        auto spot = std::make_shared<WifiTestResult>();
-        if (!spot->decode(stream)) {
-            *error = QStringLiteral("spot %1 cannot be read").arg(i + 1);
-            return nullptr;
-        }
-        spots.append(std::move(spot));
-    }
-    if (!stream.atEnd()) {
-        *error = QStringLiteral("has bytes after its last spot");
-        return nullptr;
-    }
-    return Set::create(name, ssid, date, spots);
-}
-
-FZHistoricalResultSpotsSet::Ptr copyOf(const FZHistoricalResultSpotsSet &set)
-{
-    WifiTestResult::List spots;
-    spots.reserve(set.spotsCount());
-    for (const WifiTestResult::Ptr &spot : set.mutableSpots())
-        spots.append(std::make_shared<WifiTestResult>(*spot));
-    return FZHistoricalResultSpotsSet::create(set.name(), set.ssid(), set.date(), spots);
-}
-
-// A set given by a caller, packed; what is kept for reading is decoded from
-// the very bytes written, not the caller's object, so sets stay values.
-StoredSet packed(const Set &set, bool decodeBack = true)
-{
-    StoredSet stored;
-    stored.packed = qCompress(encodedSet(set));
-    stored.digest = QCryptographicHash::hash(stored.packed, kSetDigest);
-    if (!decodeBack)
-        return stored;
-    QString error;
-    stored.set = unpackedSet(stored.packed, &error);
-    if (!stored.set) {
-        logger().logFromModule(kModule, 3, "set '%@' does not read back as packed (%@); a copy is kept", set.name(), error);
-        stored.set = copyOf(set);
-    }
-    return stored;
-}
-
-// The stored value of the sets. Sets still stored side by side in the value
-// they were read from are copied in one run, so a save of one set among
-// thousands copies a few large blocks, not a block per set. Each set's bytes
-// become a slice of the new value.
-QByteArray assembled(StoredSets &sets)
-{
-    const QByteArray table = Archive::write([&sets](QDataStream &stream) {
-        stream << quint32(sets.size());
-        for (auto it = sets.cbegin(); it != sets.cend(); ++it) {
-            stream << it.key() << quint32(it->packed.size());
-            stream.writeRawData(it->digest.constData(), kSetDigestBytes);
-        }
-    });
-    qsizetype total = 0;
-    for (const StoredSet &stored : std::as_const(sets))
-        total += stored.packed.size();
-    QByteArray blob;
-    {
-        QDataStream stream(&blob, QIODevice::WriteOnly);
-        stream.setVersion(Archive::kStreamVersion);
-        stream << kStoreMagic << kStoreFormat << table;
-    }
-    const qsizetype bodyOffset = blob.size();
-    blob.reserve(bodyOffset + total);
-    const char *run = nullptr;
-    qsizetype runLength = 0;
-    for (const StoredSet &stored : std::as_const(sets)) {
-        if (run && stored.packed.constData() == run + runLength) {
-            runLength += stored.packed.size();
-            continue;
-        }
-        blob.append(run, runLength);
-        run = stored.packed.constData();
-        runLength = stored.packed.size();
-    }
-    blob.append(run, runLength);
-    qsizetype offset = bodyOffset;
-    for (StoredSet &stored : sets) {
-        const qsizetype length = stored.packed.size();
-        stored.packed = QByteArray::fromRawData(blob.constData() + offset, length);
-        offset += length;
-    }
-    return blob;
-}
-
-// The earlier format: every set decoded, none packed yet.
-std::optional<StoredSets> readEarlierFormat(const QByteArray &blob, QString *error)
-{
-    StoredSets sets;
-    QString reason;
-    const Archive::Error status = Archive::read(blob, [&sets, &reason](QDataStream &stream) {
-        quint32 count = 0;
-        stream >> count;
-        if (stream.status() != QDataStream::Ok
-            || count > quint64(stream.device()->bytesAvailable() / kMinimumEntryBytes + 1)) {
-            reason = QStringLiteral("implausible number of sets");
-            return false;
-        }
-        for (quint32 i = 0; i < count; ++i) {
-            QString title;
-            stream >> title;
-            auto set = std::make_shared<Set>();
-            if (stream.status() != QDataStream::Ok || !set->decode(stream)) {
-                reason = QStringLiteral("set %1 of %2 cannot be read").arg(i + 1).arg(count);
-                return false;
-            }
-            sets.insert(title, StoredSet{std::move(set), {}, {}});
-        }
-        return true;
-    });
-    if (status == Archive::Error::None)
-        return sets;
-    *error = reason.isEmpty() ? Archive::errorString(status) : Archive::errorString(status) + QStringLiteral(": ") + reason;
-    return std::nullopt;
-}
-
-// The sets' bytes are slices of blob. Sets whose digest is among `known`
-// are taken from there, not unpacked again.
-std::optional<StoredSets> readStore(const QByteArray &blob, const StoredSets &known, QString *error)
-{
-    if (blob.size() >= 4 && qFromBigEndian<quint32>(blob.constData()) == Archive::kMagic)
-        return readEarlierFormat(blob, error);
-    QDataStream stream(blob);
-    stream.setVersion(Archive::kStreamVersion);
-    quint32 magic = 0;
-    quint16 format = 0;
-    QByteArray table;
-    stream >> magic >> format;
-    if (blob.isEmpty() || magic != kStoreMagic) {
-        *error = Archive::errorString(blob.isEmpty() ? Archive::Error::Empty : Archive::Error::Foreign);
-        return std::nullopt;
-    }
-    if (format > kStoreFormat) {
-        *error = Archive::errorString(Archive::Error::FutureVersion);
-        return std::nullopt;
-    }
-    stream >> table;
-    if (stream.status() != QDataStream::Ok || format != kStoreFormat) {
-        *error = Archive::errorString(Archive::Error::Truncated);
-        return std::nullopt;
-    }
-    struct Entry
-    {
-        QString title;
-        quint32 length = 0;
-        QByteArray digest;
-    };
-    QList<Entry> entries;
-    const Archive::Error status = Archive::read(table, [&entries](QDataStream &in) {
-        quint32 count = 0;
-        in >> count;
-        if (in.status() != QDataStream::Ok || count > quint64(in.device()->bytesAvailable() / kMinimumTableEntryBytes))
-            return false;
-        entries.reserve(count);
-        for (quint32 i = 0; i < count; ++i) {
-            Entry entry;
-            entry.digest.resize(kSetDigestBytes);
-            in >> entry.title >> entry.length;
-            if (in.readRawData(entry.digest.data(), kSetDigestBytes) != kSetDigestBytes || in.status() != QDataStream::Ok)
-                return false;
-            entries.append(std::move(entry));
-        }
-        return true;
-    });
-    if (status != Archive::Error::None) {
-        *error = Archive::errorString(status) + QStringLiteral(": the table of sets");
-        return std::nullopt;
-    }
-    qsizetype offset = qsizetype(stream.device()->pos());
-    qint64 total = 0;
-    for (const Entry &entry : entries)
-        total += entry.length;
-    if (total != blob.size() - offset) {
-        *error = Archive::errorString(total > blob.size() - offset ? Archive::Error::Truncated : Archive::Error::Corrupt);
-        return std::nullopt;
-    }
-    StoredSets sets;
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        const Entry &entry = entries.at(i);
-        const QByteArray bytes = QByteArray::fromRawData(blob.constData() + offset, entry.length);
-        offset += entry.length;
-        const QString where = QStringLiteral("set %1 of %2").arg(i + 1).arg(entries.size());
-        if (QCryptographicHash::hash(bytes, kSetDigest) != entry.digest || sets.contains(entry.title)) {
-            *error = Archive::errorString(Archive::Error::Corrupt) + QStringLiteral(": ") + where;
-            return std::nullopt;
-        }
-        const auto same = known.constFind(entry.title);
-        if (same != known.cend() && same->digest == entry.digest) {
-            sets.insert(entry.title, StoredSet{same->set, bytes, entry.digest});
-            continue;
-        }
-        QString reason;
-        Set::Ptr set = unpackedSet(bytes, &reason);
-        if (!set) {
-            *error = Archive::errorString(Archive::Error::Corrupt) + QStringLiteral(": ") + where + u' ' + reason;
-            return std::nullopt;
-        }
-        sets.insert(entry.title, StoredSet{std::move(set), bytes, entry.digest});
-    }
-    return sets;
-}
 
 // The sets last read from the store or written to it, with the stored value
 // they stand for. Holding that value keeps its buffer alive, so a stored
@@ -434,16 +158,16 @@ QByteArray FZHistoricalResultSpotsSet::archiveDictionary(const Dictionary &dicti
     StoredSets sets;
     for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
         if (it.value())
-            sets.insert(it.key(), packed(*it.value(), false));
+            sets.insert(it.key(), FZSpotsSetsArchive::packed(*it.value(), false));
     }
-    return assembled(sets);
+    return FZSpotsSetsArchive::assembled(sets);
 }
 
 std::optional<FZHistoricalResultSpotsSet::Dictionary> FZHistoricalResultSpotsSet::unarchiveDictionary(
     const QByteArray &blob, QString *error)
 {
     QString reason;
-    const std::optional<StoredSets> sets = readStore(blob, {}, &reason);
+    const std::optional<StoredSets> sets = FZSpotsSetsArchive::read(blob, {}, &reason);
     if (!sets) {
         if (error)
             *error = reason;
@@ -487,11 +211,11 @@ bool writeStoredSets(StoreImage image)
     for (StoredSet &stored : image.sets) {
         if (stored.packed.isEmpty()) { // read from the earlier format: packed once, on its first write
             const Set::Ptr set = stored.set;
-            stored = packed(*set, false);
+            stored = FZSpotsSetsArchive::packed(*set, false);
             stored.set = set;
         }
     }
-    const QByteArray blob = assembled(image.sets);
+    const QByteArray blob = FZSpotsSetsArchive::assembled(image.sets);
     UserDefaults &defaults = UserDefaults::standard();
     defaults.setObject(blob, key(Set::kSetsDictionaryKey));
     defaults.setObject(Set::currentDataVersion(), key(Set::kLastDataVersionKey));
@@ -563,7 +287,7 @@ StoreReading readStoredSets()
         known = cache.image;
     }
     QString error;
-    std::optional<StoredSets> sets = readStore(*blob, known.sets, &error);
+    std::optional<StoredSets> sets = FZSpotsSetsArchive::read(*blob, known.sets, &error);
     if (!sets)
         return {std::nullopt, error, true};
     QMutexLocker lock(&cache.mutex);
@@ -625,7 +349,7 @@ bool FZHistoricalResultSpotsSet::saveAllSpotsSetDicitionary(const Dictionary &di
     StoreImage image;
     for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
         if (it.value())
-            image.sets.insert(it.key(), packed(*it.value()));
+            image.sets.insert(it.key(), FZSpotsSetsArchive::packed(*it.value()));
     }
     return writeStoredSets(std::move(image));
 }
@@ -635,7 +359,7 @@ FZHistoricalResultSpotsSet::Dictionary FZHistoricalResultSpotsSet::allSpotsSetsD
     Dictionary copy;
     const StoreImage image = storedSets();
     for (auto it = image.sets.cbegin(); it != image.sets.cend(); ++it)
-        copy.insert(copy.cend(), it.key(), copyOf(*it->set));
+        copy.insert(copy.cend(), it.key(), FZSpotsSetsArchive::copyOf(*it->set));
     return copy;
 }
 
@@ -645,7 +369,7 @@ bool FZHistoricalResultSpotsSet::saveSpotSet(const Ptr &set)
         logger().logFromModule(kModule, 3, "an absent set cannot be saved");
         return false;
     }
-    const StoredSet stored = packed(*set);
+    const StoredSet stored = FZSpotsSetsArchive::packed(*set);
     return changeStore([&set, &stored](StoredSets &sets) {
         sets.insert(set->name(), stored);
         return true;
@@ -665,7 +389,7 @@ FZHistoricalResultSpotsSet::Ptr FZHistoricalResultSpotsSet::spotsSetWithName(con
 {
     const StoreImage image = storedSets();
     const auto stored = image.sets.constFind(name);
-    return stored != image.sets.cend() ? copyOf(*stored->set) : nullptr;
+    return stored != image.sets.cend() ? FZSpotsSetsArchive::copyOf(*stored->set) : nullptr;
 }
 
 bool FZHistoricalResultSpotsSet::deleteSpotsSet(const Ptr &set)
@@ -689,7 +413,7 @@ bool FZHistoricalResultSpotsSet::changeStoredSets(const std::function<Change(con
         const Change wanted = change(stored);
         for (auto it = wanted.put.cbegin(); it != wanted.put.cend(); ++it) {
             if (it.value())
-                sets.insert(it.key(), packed(*it.value()));
+                sets.insert(it.key(), FZSpotsSetsArchive::packed(*it.value()));
         }
         for (const QString &title : wanted.remove)
             sets.remove(title);

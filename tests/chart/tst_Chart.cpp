@@ -10,9 +10,11 @@
 #include "ui/BrightmereColor.h"
 
 #include <QChartView>
+#include <QSet>
 #include <QTest>
 #include <QValueAxis>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -179,6 +181,48 @@ private Q_SLOTS:
         QCOMPARE(fed.size(), 10);
         QCOMPARE(fed.first(), QPointF(490, 490 % 40));
         QCOMPARE(fed.last(), QPointF(499, 499 % 40));
+    }
+
+    void onlyLinesInTheWindowAreInTheChart_data()
+    {
+        QTest::addColumn<double>("movedBackTo");
+        QTest::addColumn<bool>("thenASample");
+        QTest::newRow("live") << -1.0 << false;
+        QTest::newRow("back to the start") << 0.0 << false;
+        QTest::newRow("back mid-run, between samples") << 101.5 << false;
+        QTest::newRow("back, then a sample scrolls on") << 40.0 << true;
+    }
+
+    void onlyLinesInTheWindowAreInTheChart()
+    {
+        QFETCH(double, movedBackTo);
+        QFETCH(bool, thenASample);
+        // 120 recordings, a line begun every second sample.
+        for (int i = 0; i < 480; ++i) {
+            if (i % 2 == 1)
+                m_plot->isRecording() ? m_plot->stopRecording() : m_plot->startRecording();
+            m_plot->addSpeedToGraph(i % 50);
+        }
+        XYGraph *graph = m_plot->graph();
+        if (movedBackTo >= 0.0)
+            graph->setXRange({movedBackTo, 8.0});
+        if (thenASample)
+            m_plot->addSpeedToGraph(7.0);
+        const double from = graph->xAxis()->min();
+        const double to = graph->xAxis()->max();
+        QSet<QAbstractSeries *> inView;
+        for (ScatterPlot *line : m_plot->allPlots().value()) {
+            const QList<QPointF> &points = line->cachedPoints();
+            if (std::any_of(points.cbegin(), points.cend(), [&](const QPointF &p) { return p.x() >= from && p.x() <= to; }))
+                inView << line->lineSeries() << line->areaSeries();
+            // Out of the chart or not, the source still answers every number.
+            const QList<double> numbers = m_plot->plotsData().value(line->identifier());
+            QCOMPARE(m_plot->numberOfRecordsForPlot(line), numbers.size());
+            QCOMPARE(m_plot->numberForPlot(line, PlotDataSource::FieldY, numbers.size() - 1), QVariant(numbers.last()));
+        }
+        QVERIFY(inView.size() >= 2 && inView.size() <= 12);
+        const QList<QAbstractSeries *> charted = graph->series();
+        QCOMPARE(QSet<QAbstractSeries *>(charted.cbegin(), charted.cend()), inView);
     }
 
     void theNewestPointIsDrawnAtTheRightEdge()
