@@ -313,7 +313,22 @@ bool BMWifiScanView::eventFilter(QObject *watched, QEvent *event)
     }
     if (watched == m_viewPlotHolderContainer && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
         placePlotHolder();
+    if (watched == m_scrollTutorial.data() && event->type() == QEvent::Resize)
+        placeTutorialPages();
     return QWidget::eventFilter(watched, event);
+}
+
+void BMWifiScanView::placeTutorialPages()
+{
+    // A page is as wide as the strip, whatever the window did since the
+    // pages were made; the page on show stays on show.
+    const QSize page = m_scrollTutorial->size();
+    const QList<QWidget *> pages = m_scrollTutorial->subviews();
+    for (int i = 0; i < pages.size(); ++i)
+        pages.at(i)->setGeometry(QRect(QPoint(i * page.width(), 0), page));
+    m_scrollTutorial->setContentSize(QSize(int(pages.size()) * page.width(), page.height()));
+    m_scrollTutorial->setContentOffset(QPoint(m_pageResults ? m_pageResults->currentPage() * page.width() : 0, 0),
+                                       false);
 }
 
 // ---------------------------------------------------------------------------
@@ -447,6 +462,7 @@ void BMWifiScanView::setupTutorial()
         page.translate(frame.width(), 0);
     }
     m_scrollTutorial->setContentSize(QSize(kTutorialPages * frame.width(), frame.height()));
+    m_scrollTutorial->installEventFilter(this);
     m_scrollTutorial->show();
     m_pageResults->show();
 }

@@ -92,6 +92,7 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void placeTutorialPages();
 
 private:
     void buildPanel();

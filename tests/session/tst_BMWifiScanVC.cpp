@@ -289,6 +289,14 @@ void tst_BMWifiScanVC::tutorialPaging()
     Q_EMIT h.screen->pageResults()->valueChanged();
     QTRY_COMPARE(strip->contentOffset().x(), 2 * strip->width());
     QCOMPARE(h.recorder.sinceMark(), QStringList{});
+
+    // A narrower window: every page as wide as the strip, the same one on show.
+    h.nav->resize(320, 640);
+    QCoreApplication::processEvents();
+    QCOMPARE(strip->width(), 320 - 16);
+    for (QWidget *page : strip->subviews())
+        QCOMPARE(page->width(), strip->width());
+    QCOMPARE(strip->contentOffset().x(), 2 * strip->width());
 }
 
 void tst_BMWifiScanVC::tutorialRebuiltThenRemovedForGood()
