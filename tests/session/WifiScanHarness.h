@@ -12,10 +12,12 @@
 #include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/ScrollView.h"
+#include "platform/views/Storyboard.h"
 #include "platform/views/TableView.h"
 #include "popups/FZConfirmSpotModificationPopup.h"
 #include "session/BMSpeedRecordCell.h"
 #include "session/BMWifiScanVC.h"
+#include "storyboard/BMSDKUIStoryboard.h"
 #include "ui/BMImageButton.h"
 
 #include <QCoreApplication>
@@ -59,6 +61,13 @@ public:
         nav.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         BMSDKBackend::setClock(nullptr);
+    }
+
+    // The kit's segues, so the bar's history control leads on.
+    void useStoryboard()
+    {
+        BMSDKUIStoryboard::registerSegues(&board);
+        screen->setStoryboard(&board);
     }
 
     // Start on Wi-Fi and let the tester finish its setup: preparing.
@@ -122,7 +131,7 @@ public:
 
     // Runs a comma-separated script: start (and let setup finish),
     // startStop (the control alone), results:N, press, release, releaseOut,
-    // record (press and release), wifiOff, resultNoWifi, background,
+    // record (press and release), wifiOff, background,
     // resign, hide, show, edit (hand over a saved set of two spots), mark,
     // touchPress and touchOut (a finger on Record, lifted outside it), sound.
     void run(const QString &steps)
@@ -146,8 +155,6 @@ public:
                 QTest::mouseClick(screen->btnSound(), Qt::LeftButton);
             else if (step == "wifiOff")
                 setWifi(false);
-            else if (step == "resultNoWifi")
-                screen->wiFiTesterDidUpdateWithTestResult(screen->session()->wifiTester(), WifiTestResult::create(5.0));
             else if (step == "background")
                 Brightmere::ApplicationNotifications::postDidEnterBackground();
             else if (step == "resign")
@@ -188,6 +195,7 @@ public:
     }
 
     TestEnvironment env;
+    Brightmere::Storyboard board;
     Brightmere::ManualClock clock{1000.0};
     ScanDelegateRecorder recorder;
     std::unique_ptr<Brightmere::NavigationController> nav;
