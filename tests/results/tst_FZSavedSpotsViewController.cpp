@@ -1,4 +1,5 @@
 #include "PointerInput.h"
+#include "PopupInput.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "model/FZHistoricalResultSpotsSet.h"
@@ -8,7 +9,6 @@
 #include "platform/views/NavigationItem.h"
 #include "platform/views/Storyboard.h"
 #include "platform/views/TableView.h"
-#include "popups/FZOptionsPopup.h"
 #include "screens/results/FZCompareSpotsSetsViewController.h"
 #include "screens/results/FZSavedSpotsCell.h"
 #include "ui/BMLabel.h"
@@ -16,7 +16,6 @@
 #include "screens/results/FZSpotsSetViewController.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 
-#include <QPushButton>
 #include <QTest>
 
 using Brightmere::IndexPath;
@@ -180,7 +179,7 @@ private Q_SLOTS:
         QFETCH(int, mode);
         QCOMPARE(m_screen->navigationItem()->rightBarButtonItem(), m_screen->optionsButton());
         m_screen->optionsButton()->trigger();
-        choose(choice);
+        QVERIFY(PopupInput::choose(PopupInput::shown(m_nav.get()), choice));
         QCOMPARE(m_screen->currentUIMode(), mode);
         QCOMPARE(m_screen->canEditRowAtIndexPath(m_screen->tableView(), IndexPath(0, 0)), mode == 0);
         if (mode == 0)
@@ -315,22 +314,6 @@ private:
         PointerInput::press(PointerInput::Kind::Mouse, viewport, at);
         PointerInput::release(PointerInput::Kind::Mouse, viewport, at);
     }
-    void choose(int index)
-    {
-        QCoreApplication::processEvents();
-        for (FZOptionsPopup *popup : m_nav->findChildren<FZOptionsPopup *>()) {
-            if (!popup->isVisible())
-                continue;
-            for (QPushButton *button : popup->optionButtons()) {
-                if (FZOptionsPopup::tagOf(button) == index) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                    return;
-                }
-            }
-        }
-        QFAIL("no popup with that option");
-    }
-
     std::unique_ptr<TestEnvironment> m_env;
     Brightmere::Storyboard m_board;
     EditSetter m_setter;
