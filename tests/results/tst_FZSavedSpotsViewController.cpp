@@ -22,12 +22,10 @@ using Brightmere::IndexPath;
 
 namespace {
 
-// Stands in for the test screen taking a set back.
-class EditSetter : public QObject, public BMWifiScanVCEditSpotsSetSetter
+// Stands in for the test screen, which takes a set back.
+struct EditSetter : QObject, BMWifiScanVCEditSpotsSetSetter
 {
-public:
-    void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &set) override { received = set; }
-    FZHistoricalResultSpotsSet::Ptr received;
+    void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &) override {}
 };
 
 WifiTestResult::List spots(const QStringList &labels)
@@ -128,24 +126,17 @@ private Q_SLOTS:
         QCOMPARE(shown, expected);
     }
 
-    void comparableMarkOnlyInCompareMode_data()
-    {
-        QTest::addColumn<bool>("compare");
-        QTest::addColumn<QList<bool>>("marks");
-        QTest::newRow("normal") << false << QList<bool>{false, false, false, false};
-        QTest::newRow("compare") << true << QList<bool>{true, true, false, true};
-    }
-
     void comparableMarkOnlyInCompareMode()
     {
-        QFETCH(bool, compare);
-        QFETCH(QList<bool>, marks);
-        if (compare)
-            m_screen->enableCompareSetsMode();
-        QList<bool> shown;
-        for (int row = 0; row < 4; ++row)
-            shown << cell(row)->comparableIconImageView()->isVisible();
-        QCOMPARE(shown, marks);
+        const auto marks = [this] {
+            QList<bool> shown;
+            for (int row = 0; row < 4; ++row)
+                shown << cell(row)->comparableIconImageView()->isVisible();
+            return shown;
+        };
+        QCOMPARE(marks(), (QList<bool>{false, false, false, false}));
+        m_screen->enableCompareSetsMode();
+        QCOMPARE(marks(), (QList<bool>{true, true, false, true}));
         QCOMPARE(cell(0)->dateTextView()->text(),
                  BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(m_screen->allSpotsSets().at(0)->date()));
     }

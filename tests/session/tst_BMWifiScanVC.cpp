@@ -330,24 +330,19 @@ private Q_SLOTS:
         }
     }
 
-    void holdNoteShowsWhole_data()
-    {
-        QTest::addColumn<QString>("language");
-        QTest::newRow("en") << "en";
-        QTest::newRow("es") << "es";
-    }
     void holdNoteShowsWhole()
     {
-        QFETCH(QString, language);
-        WifiScanHarness h;
-        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
-        h.run("start");
-        BMLabel *note = h.screen->lblHoldToAverage();
-        const QStringList lines = note->linesForWidth(note->contentsRect().width());
-        BMI18NManager::sharedInstance()->setCurrentLanguage("en");
-        QVERIFY(lines.size() <= 2);
-        QVERIFY2(!lines.join(' ').contains(QChar(0x2026)), qPrintable(lines.join('|')));
-        QVERIFY(note->height() >= int(lines.size()) * note->fontMetrics().lineSpacing());
+        for (const char *language : {"en", "es"}) {
+            WifiScanHarness h;
+            BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+            h.run("start");
+            BMLabel *note = h.screen->lblHoldToAverage();
+            const QStringList lines = note->linesForWidth(note->contentsRect().width());
+            BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+            QVERIFY(lines.size() <= 2);
+            QVERIFY2(!lines.join(' ').contains(QChar(0x2026)), qPrintable(lines.join('|')));
+            QVERIFY(note->height() >= int(lines.size()) * note->fontMetrics().lineSpacing());
+        }
     }
 
     // Results arrive at 10, 20, 30, 40 ... Mbps, one every half second; one
