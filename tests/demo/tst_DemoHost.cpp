@@ -8,7 +8,7 @@
 #include "DemoWalkthrough.h"
 #include "DemoWindow.h"
 #include "../reports/ReportFixtures.h"
-#include "LogCapture.h"
+#include "PopupInput.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSDKRestServiceManager.h"
@@ -19,27 +19,19 @@
 #include "platform/views/NavigationBar.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/Storyboard.h"
-#include "popups/FZOptionsPopup.h"
-#include "reports/FZSpotsSetsBackup.h"
 #include "screens/results/FZCompareSpotsSetsViewController.h"
 #include "screens/results/FZSavedSpotsViewController.h"
-#include "screens/results/FZSpotsSetViewController.h"
-#include "platform/views/TableView.h"
 #include "session/BMWifiScanVC.h"
 #include "storyboard/BMSDKUIStoryboard.h"
-#include "ui/BMScreenChangeNotification.h"
 
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QToolButton>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QPushButton>
 #include <QTest>
 
 // The demo host's own parts: what its command line means, the event log,
@@ -65,9 +57,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("tester");
         QTest::addColumn<QString>("walkthrough");
         QTest::addColumn<int>("errors");
-        QTest::newRow("nothing: simulated, customer demo") << QStringList{} << QStringList{} << "demo" << "" << "" << ""
-                                                            << 0;
-        QTest::newRow("environment") << QStringList{}
+        const QStringList none;
+        QTest::newRow("nothing: simulated, customer demo") << none << none << "demo" << "" << "" << "" << 0;
+        QTest::newRow("environment") << none
                                      << QStringList{"BRIGHTMERE_CUSTOMER=acme", "BRIGHTMERE_PASSWORD=s3cret",
                                                     "BRIGHTMERE_DOWNLOAD_URL=http://127.0.0.1:8080/file"}
                                      << "acme" << "s3cret" << "http://127.0.0.1:8080/file" << "" << 0;
@@ -75,23 +67,18 @@ private Q_SLOTS:
             << QStringList{"--customer", "shop", "--tester", "https://example.test/x"}
             << QStringList{"BRIGHTMERE_CUSTOMER=acme", "BRIGHTMERE_DOWNLOAD_URL=http://127.0.0.1/y"} << "shop" << ""
             << "https://example.test/x" << "" << 0;
-        QTest::newRow("blank customer keeps demo") << QStringList{"--customer", "  "} << QStringList{} << "demo" << ""
-                                                   << "" << "" << 0;
-        QTest::newRow("walkthrough") << QStringList{"--walkthrough", "out"} << QStringList{} << "demo" << "" << ""
-                                     << "out" << 0;
-        QTest::newRow("tester not http") << QStringList{"--tester", "ftp://host/file"} << QStringList{} << "demo" << ""
-                                         << "" << "" << 1;
-        QTest::newRow("tester without host") << QStringList{"--tester", "http:/file"} << QStringList{} << "demo" << ""
-                                             << "" << "" << 1;
+        QTest::newRow("blank customer keeps demo") << QStringList{"--customer", "  "} << none << "demo" << "" << ""
+                                                   << "" << 0;
+        QTest::newRow("walkthrough") << QStringList{"--walkthrough", "out"} << none << "demo" << "" << "" << "out" << 0;
+        QTest::newRow("tester not http") << QStringList{"--tester", "ftp://host/file"} << none << "demo" << "" << ""
+                                         << "" << 1;
         QTest::newRow("walkthrough refuses a real tester")
-            << QStringList{"--walkthrough", "out", "--tester", "http://127.0.0.1/f"} << QStringList{} << "demo" << ""
+            << QStringList{"--walkthrough", "out", "--tester", "http://127.0.0.1/f"} << none << "demo" << ""
             << "http://127.0.0.1/f" << "out" << 1;
-        QTest::newRow("walkthrough and screenshot") << QStringList{"--walkthrough", "out", "--screenshot", "a.png"}
-                                                    << QStringList{} << "demo" << "" << "" << "out" << 1;
-        QTest::newRow("any link needs a tester") << QStringList{"--any-link"} << QStringList{} << "demo" << "" << ""
-                                                 << "" << 1;
-        QTest::newRow("unknown option") << QStringList{"--fast"} << QStringList{} << "demo" << "" << "" << "" << 1;
-        QTest::newRow("stray argument") << QStringList{"extra"} << QStringList{} << "demo" << "" << "" << "" << 1;
+        QTest::newRow("walkthrough and screenshot")
+            << QStringList{"--walkthrough", "out", "--screenshot", "a.png"} << none << "demo" << "" << "" << "out" << 1;
+        QTest::newRow("any link needs a tester") << QStringList{"--any-link"} << none << "demo" << "" << "" << "" << 1;
+        QTest::newRow("unknown option") << QStringList{"--fast"} << none << "demo" << "" << "" << "" << 1;
     }
     void options()
     {
@@ -120,19 +107,17 @@ private Q_SLOTS:
         QVERIFY(log.header()->text().contains(QStringLiteral("(205)")));
         QCOMPARE(log.height(), DemoEventLog::kCollapsedHeight);
         log.header()->click();
-        QVERIFY(log.isExpanded());
-        QCOMPARE(log.height(), DemoEventLog::kExpandedHeight);
+        QVERIFY(log.isExpanded() && log.height() == DemoEventLog::kExpandedHeight);
     }
 
-    void hostHearsTheKitButNeverThePassword()
+    // The password never showing is checked where the screen is handed it,
+    // and on the whole walkthrough's output (the demo_walkthrough test).
+    void hostHearsTheKit()
     {
-        LogCapture capture;
         Brightmere::ManualClock clock(1000.0);
         BMSDKBackend::setClock(&clock);
         BMSDKBackend::setSampleInterval(0.5);
-        DemoOptions options;
-        options.password = QString::fromLatin1(kPassword);
-        auto window = makeWindow(options);
+        auto window = makeWindow(DemoOptions());
         QSignalSpy menu(window->hostDelegate(), &DemoHostDelegate::menuRequested);
         window->show();
         window->scan()->actStartStop();
@@ -153,10 +138,6 @@ private Q_SLOTS:
         QCOMPARE(menu.count(), 2);
         QVERIFY(window->menu()->popup());
         QCOMPARE(window->eventLog()->total(), events.size());
-        for (const LogCapture::Line &line : capture.lines())
-            QVERIFY2(!line.message.contains(QString::fromLatin1(kPassword)), qPrintable(line.message));
-        for (const QString &line : events)
-            QVERIFY(!line.contains(QString::fromLatin1(kPassword)));
         window.reset();
         BMSDKBackend::setClock(nullptr);
     }
@@ -166,20 +147,16 @@ private Q_SLOTS:
         QTest::addColumn<int>("option");
         QTest::addColumn<QString>("screen"); // the class on top afterwards
         QTest::addColumn<QString>("language");
-        QTest::addColumn<bool>("done");
-        QTest::newRow("confirmations") << int(DemoMenu::ConfirmationSettings)
-                                       << "FZMiscellaneousSettingsViewController" << "en" << true;
-        QTest::newRow("spot names") << int(DemoMenu::SpotNameSettings) << "FZSpotNamesSettingsViewController" << "en"
-                                    << true;
-        QTest::newRow("saved sets") << int(DemoMenu::SavedSets) << "FZSavedSpotsViewController" << "en" << true;
-        QTest::newRow("Spanish") << int(DemoMenu::Spanish) << "BMWifiScanVC" << "es" << true;
-        QTest::newRow("cancel") << int(DemoMenu::Cancel) << "BMWifiScanVC" << "en" << true;
-        QTest::newRow("no such option") << 42 << "BMWifiScanVC" << "en" << false;
+        QTest::newRow("confirmations") << int(DemoMenu::ConfirmationSettings) << "FZMiscellaneousSettingsViewController"
+                                       << "en";
+        QTest::newRow("saved sets") << int(DemoMenu::SavedSets) << "FZSavedSpotsViewController" << "en";
+        QTest::newRow("Spanish") << int(DemoMenu::Spanish) << "BMWifiScanVC" << "es";
+        QTest::newRow("no such option") << 42 << "BMWifiScanVC" << "en";
     }
     void menuLeadsTo()
     {
         QFETCH(int, option);
-        QFETCH(bool, done);
+        const bool done = option != 42;
         auto window = makeWindow(DemoOptions());
         window->show();
         QCoreApplication::processEvents();
@@ -207,8 +184,6 @@ private Q_SLOTS:
         const int csv = DemoReportActions::ExportCsv, pdf = DemoReportActions::ExportPdf,
                   share = DemoReportActions::Share;
         QTest::newRow("set CSV") << "set" << csv << "" << "Saved" << "Flat, 2_3 *.csv";
-        QTest::newRow("set PDF") << "set" << pdf << "" << "Saved" << "Flat, 2_3 *.pdf";
-        QTest::newRow("comparison CSV") << "compare" << csv << "" << "Saved" << "Upstairs vs Flat, 2_3 *.csv";
         QTest::newRow("comparison PDF") << "compare" << pdf << "" << "Saved" << "Upstairs vs Flat, 2_3 *.pdf";
         QTest::newRow("no mail: say so") << "set" << share << "" << "No mail program" << "";
         QTest::newRow("no mail: save the text") << "compare" << share << "Save to file" << "Saved"
@@ -253,7 +228,7 @@ private Q_SLOTS:
         const QList<QToolButton *> bar = window->navigation()->navigationBar()->rightButtons();
         QVERIFY(!bar.isEmpty());
         QTest::mouseClick(bar.constFirst(), Qt::LeftButton); // share button, or the list's options
-        QVERIFY(clickOption(*window, option));
+        QVERIFY(PopupInput::choose(PopupInput::shown(window.get()), option));
         if (!press.isEmpty())
             QVERIFY(clickAlertButton(*window, press));
         Brightmere::Alert *alert = Brightmere::Alert::shownAlert(window.get());
@@ -262,49 +237,39 @@ private Q_SLOTS:
         const QStringList written = QDir(folder).entryList(QDir::Files);
         QCOMPARE(written.size(), file.isEmpty() ? 0 : 1);
         if (!file.isEmpty()) {
-            QVERIFY2(filesLike(folder, file).size() == 1, qPrintable(written.join(", ")));
+            QVERIFY2(written.constFirst().contains(QRegularExpression(QRegularExpression::wildcardToRegularExpression(file))),
+                     qPrintable(written.join(", ")));
             // The alert names the file and its folder; the event log says the same.
             QVERIFY(alert->message().contains(written.constFirst()) && alert->message().contains(QDir::toNativeSeparators(folder)));
             QVERIFY(window->eventLog()->lines().join(u'\n').contains(written.constFirst()));
         }
         if (press == u"Copy text")
             QVERIFY(QGuiApplication::clipboard()->text().startsWith("Flat, 2/3\n") && QGuiApplication::clipboard()->text().contains("\nHall: 10 Mbps"));
-        if (file.endsWith(u".txt")) {
-            QFile text(QDir(folder).filePath(written.constFirst()));
-            QVERIFY(text.open(QIODevice::ReadOnly));
-            QVERIFY(text.readAll().startsWith("Upstairs vs Flat, 2/3\n"));
-        }
         QVERIFY(clickAlertButton(*window, alert->buttonTitles().constLast()));
         QVERIFY(!Brightmere::Alert::shownAlert(window.get()));
-        window.reset();
     }
 
-    void longTitlesStillExport_data()
-    {
-        QTest::addColumn<QString>("title");
-        QTest::newRow("100 CJK characters") << QString(100, QChar(0x5BA2));
-        QTest::newRow("300 letters") << QString(300, u'a');
-        QTest::newRow("70 emoji") << QString::fromUtf8("\xF0\x9F\x8F\xA0").repeated(70);
-    }
+    // 100 CJK characters, 70 emoji: titles longer than a file name may be.
     void longTitlesStillExport()
     {
-        QFETCH(QString, title);
         QTemporaryDir folder;
         const DemoReports reports(folder.path());
-        const auto set = ReportFixtures::makeSet(title, {"Hall"});
-        for (const DemoReports::Outcome &outcome : {reports.exportSetCsv(set), reports.exportSetPdf(set)}) {
-            QVERIFY2(outcome.ok, qPrintable(outcome.message));
-            const QString name = QFileInfo(outcome.path).fileName();
-            QVERIFY(name.toUtf8().size() <= 255);
-            QVERIFY(name.startsWith(title.left(10)));
-            // Cut between whole characters: the name reads back as it was written.
-            QCOMPARE(QString::fromUtf8(name.toUtf8()), name);
+        for (const QString &title : {QString(100, QChar(0x5BA2)), QString::fromUtf8("\xF0\x9F\x8F\xA0").repeated(70)}) {
+            const auto set = ReportFixtures::makeSet(title, {"Hall"});
+            for (const DemoReports::Outcome &outcome : {reports.exportSetCsv(set), reports.exportSetPdf(set)}) {
+                QVERIFY2(outcome.ok, qPrintable(outcome.message));
+                const QString name = QFileInfo(outcome.path).fileName();
+                QVERIFY(name.toUtf8().size() <= 255);
+                QVERIFY(name.startsWith(title.left(10)));
+                // Cut between whole characters: the name reads back as it was written.
+                QCOMPARE(QString::fromUtf8(name.toUtf8()), name);
+            }
         }
     }
 
     // With the localisation service running on the sample bundles, no text
-    // on any screen is cut, in either language; the bundles keep the
-    // built-in texts' lengths, and the bar's tooltip says where they came from.
+    // on any screen is cut, in either language, and the bar's tooltip says
+    // where they came from.
     void textsFitOnEveryScreen_data()
     {
         QTest::addColumn<QString>("language");
@@ -314,17 +279,6 @@ private Q_SLOTS:
     void textsFitOnEveryScreen()
     {
         QFETCH(QString, language);
-        QFile bundleFile(QStringLiteral(BRIGHTMERE_BUNDLES_DIR "/%1.json").arg(language));
-        QVERIFY(bundleFile.open(QIODevice::ReadOnly));
-        const QVariantMap bundle = QJsonDocument::fromJson(bundleFile.readAll()).object().toVariantMap().value("contents").toMap();
-        QVERIFY(!bundle.isEmpty());
-        BMI18NManager *i18n = BMI18NManager::sharedInstance();
-        for (auto it = bundle.cbegin(); it != bundle.cend(); ++it) {
-            const QString builtIn = i18n->getLocalStringWithCode(it.key(), language, QString());
-            QVERIFY2(it.value().toString().size() == builtIn.size(),
-                     qPrintable(QStringLiteral("%1: \"%2\" against \"%3\"").arg(it.key(), it.value().toString(), builtIn)));
-        }
-
         BMLocalisationService service;
         service.setFolder(QStringLiteral(BRIGHTMERE_BUNDLES_DIR));
         QVERIFY(service.listen() != 0);
@@ -334,17 +288,13 @@ private Q_SLOTS:
         auto window = makeWindow(DemoOptions());
         window->show();
         QSignalSpy refreshed(window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed);
-        i18n->setCurrentLanguage(language);
-        i18n->updateBundleTexts();
+        BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+        BMI18NManager::sharedInstance()->updateBundleTexts();
         QTRY_VERIFY_WITH_TIMEOUT(!refreshed.isEmpty(), 10000);
         QVERIFY(refreshed.constLast().first().toBool());
         QVERIFY2(window->navigation()->navigationBar()->toolTip().contains(" downloaded (service " + service.baseUrl()),
                  qPrintable(window->navigation()->navigationBar()->toolTip()));
 
-        const auto open = [&](const char *segue) {
-            window->navigation()->popToRootViewControllerAnimated(false);
-            window->scan()->performSegueWithIdentifier(QString::fromLatin1(segue), nullptr);
-        };
         QStringList cut;
         const auto look = [&](const QString &where) {
             QCoreApplication::processEvents();
@@ -358,15 +308,15 @@ private Q_SLOTS:
                     cut << QStringLiteral("%1: \"%2\"").arg(where, text);
             }
         };
-        look("test screen");
-        open(BMSDKUIStoryboard::kShowMiscellaneousSettingsSegue);
-        look("confirmations");
-        open(BMSDKUIStoryboard::kShowSpotNamesSettingsSegue);
-        look("spot names");
-        open(BMSDKUIStoryboard::kShowSavedSpotsSegue);
+        for (const char *segue : {"", BMSDKUIStoryboard::kShowMiscellaneousSettingsSegue,
+                                  BMSDKUIStoryboard::kShowSpotNamesSettingsSegue, BMSDKUIStoryboard::kShowSavedSpotsSegue}) {
+            window->navigation()->popToRootViewControllerAnimated(false);
+            if (*segue)
+                window->scan()->performSegueWithIdentifier(QString::fromLatin1(segue), nullptr);
+            look(*segue ? segue : "test screen");
+        }
         auto *list = top<FZSavedSpotsViewController>(*window);
         QVERIFY(list);
-        look("saved list");
         list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
         look("spots set");
         window->navigation()->popViewControllerAnimated(false);
@@ -382,7 +332,8 @@ private Q_SLOTS:
         BMSDKRestServiceManager::setBrightmereServerURL(QString());
     }
 
-    // A step that cannot save its picture fails, and the tour stops there.
+    // A step that cannot save its picture fails, and the tour stops there;
+    // a folder that cannot be made stops it before the first.
     void walkthroughStopsAtTheFirstFailedStep()
     {
         QString text;
@@ -393,57 +344,23 @@ private Q_SLOTS:
         auto window = makeWindow(DemoOptions());
         QVERIFY(!walk.run(window.get(), DemoOptions()));
         QCOMPARE(walk.steps().size(), 2);
-        QVERIFY(walk.steps().at(0).ok);
-        QVERIFY(!walk.steps().at(1).ok);
+        QVERIFY(walk.steps().at(0).ok && !walk.steps().at(1).ok);
         QVERIFY(walk.summary().contains("FAIL  preparing: tester setting up (picture not saved)"));
         QVERIFY(walk.summary().contains("2 steps, 1 failed"));
-        QVERIFY(text.contains("walkthrough stopped at preparing"));
-        window.reset();
-    }
-
-    void walkthroughNeedsAFolder()
-    {
-        QString text;
-        QTextStream out(&text);
-        QTemporaryDir parent;
-        QFile file(parent.filePath("taken"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.close();
-        DemoWalkthrough walk(parent.filePath("taken"), out);
-        QVERIFY(!walk.isReady());
-        QVERIFY(!walk.run(nullptr, DemoOptions()));
-        QVERIFY(text.contains("cannot prepare"));
+        QFile taken(folder.filePath("02-preparing.png/taken"));
+        QVERIFY(taken.open(QIODevice::WriteOnly));
+        taken.close();
+        DemoWalkthrough blocked(taken.fileName(), out);
+        QVERIFY(!blocked.isReady());
+        QVERIFY(!blocked.run(nullptr, DemoOptions()));
     }
 
 private:
-    static constexpr const char *kPassword = "pw-7Qz!k";
-
-    static QStringList filesLike(const QString &folder, const QString &wildcard)
-    {
-        const QRegularExpression like(QRegularExpression::wildcardToRegularExpression(wildcard));
-        return QDir(folder).entryList(QDir::Files).filter(like);
-    }
-
     template<typename T>
     static T *top(DemoWindow &window)
     {
         QCoreApplication::processEvents();
         return qobject_cast<T *>(window.navigation()->topViewController());
-    }
-
-    static bool clickOption(DemoWindow &window, int option)
-    {
-        QCoreApplication::processEvents();
-        for (FZOptionsPopup *popup : window.findChildren<FZOptionsPopup *>()) {
-            for (QPushButton *button : popup->optionButtons()) {
-                if (popup->isVisible() && FZOptionsPopup::tagOf(button) == option) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                    QCoreApplication::processEvents();
-                    return true;
-                }
-            }
-        }
-        return false;
     }
 
     static bool clickAlertButton(DemoWindow &window, const QString &title)

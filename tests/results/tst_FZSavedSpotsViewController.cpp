@@ -1,4 +1,5 @@
 #include "PointerInput.h"
+#include "PopupInput.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "model/FZHistoricalResultSpotsSet.h"
@@ -8,7 +9,6 @@
 #include "platform/views/NavigationItem.h"
 #include "platform/views/Storyboard.h"
 #include "platform/views/TableView.h"
-#include "popups/FZOptionsPopup.h"
 #include "screens/results/FZCompareSpotsSetsViewController.h"
 #include "screens/results/FZSavedSpotsCell.h"
 #include "ui/BMLabel.h"
@@ -16,19 +16,16 @@
 #include "screens/results/FZSpotsSetViewController.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 
-#include <QPushButton>
 #include <QTest>
 
 using Brightmere::IndexPath;
 
 namespace {
 
-// Stands in for the test screen taking a set back.
-class EditSetter : public QObject, public BMWifiScanVCEditSpotsSetSetter
+// Stands in for the test screen, which takes a set back.
+struct EditSetter : QObject, BMWifiScanVCEditSpotsSetSetter
 {
-public:
-    void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &set) override { received = set; }
-    FZHistoricalResultSpotsSet::Ptr received;
+    void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &) override {}
 };
 
 WifiTestResult::List spots(const QStringList &labels)
@@ -129,24 +126,17 @@ private Q_SLOTS:
         QCOMPARE(shown, expected);
     }
 
-    void comparableMarkOnlyInCompareMode_data()
-    {
-        QTest::addColumn<bool>("compare");
-        QTest::addColumn<QList<bool>>("marks");
-        QTest::newRow("normal") << false << QList<bool>{false, false, false, false};
-        QTest::newRow("compare") << true << QList<bool>{true, true, false, true};
-    }
-
     void comparableMarkOnlyInCompareMode()
     {
-        QFETCH(bool, compare);
-        QFETCH(QList<bool>, marks);
-        if (compare)
-            m_screen->enableCompareSetsMode();
-        QList<bool> shown;
-        for (int row = 0; row < 4; ++row)
-            shown << cell(row)->comparableIconImageView()->isVisible();
-        QCOMPARE(shown, marks);
+        const auto marks = [this] {
+            QList<bool> shown;
+            for (int row = 0; row < 4; ++row)
+                shown << cell(row)->comparableIconImageView()->isVisible();
+            return shown;
+        };
+        QCOMPARE(marks(), (QList<bool>{false, false, false, false}));
+        m_screen->enableCompareSetsMode();
+        QCOMPARE(marks(), (QList<bool>{true, true, false, true}));
         QCOMPARE(cell(0)->dateTextView()->text(),
                  BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(m_screen->allSpotsSets().at(0)->date()));
     }
@@ -180,7 +170,7 @@ private Q_SLOTS:
         QFETCH(int, mode);
         QCOMPARE(m_screen->navigationItem()->rightBarButtonItem(), m_screen->optionsButton());
         m_screen->optionsButton()->trigger();
-        choose(choice);
+        QVERIFY(PopupInput::choose(PopupInput::shown(m_nav.get()), choice));
         QCOMPARE(m_screen->currentUIMode(), mode);
         QCOMPARE(m_screen->canEditRowAtIndexPath(m_screen->tableView(), IndexPath(0, 0)), mode == 0);
         if (mode == 0)
@@ -315,22 +305,6 @@ private:
         PointerInput::press(PointerInput::Kind::Mouse, viewport, at);
         PointerInput::release(PointerInput::Kind::Mouse, viewport, at);
     }
-    void choose(int index)
-    {
-        QCoreApplication::processEvents();
-        for (FZOptionsPopup *popup : m_nav->findChildren<FZOptionsPopup *>()) {
-            if (!popup->isVisible())
-                continue;
-            for (QPushButton *button : popup->optionButtons()) {
-                if (FZOptionsPopup::tagOf(button) == index) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                    return;
-                }
-            }
-        }
-        QFAIL("no popup with that option");
-    }
-
     std::unique_ptr<TestEnvironment> m_env;
     Brightmere::Storyboard m_board;
     EditSetter m_setter;

@@ -1,19 +1,14 @@
 #include "../session/WifiScanHarness.h"
+#include "PopupInput.h"
 
-#include "i18n/BMI18NManager.h"
 #include "platform/views/BarButtonItem.h"
-#include "platform/views/Storyboard.h"
 #include "platform/views/Switch.h"
-#include "popups/FZOptionsPopup.h"
 #include "popups/FZTextViewOptionsPopup.h"
 #include "screens/results/FZCompareSpotsSetsViewController.h"
 #include "screens/results/FZSavedSpotsViewController.h"
 #include "screens/results/FZSpotsSetViewController.h"
-#include "storyboard/BMSDKUIStoryboard.h"
 
 #include <QDir>
-#include <QLineEdit>
-#include <QPushButton>
 
 // The whole way of a saved result on the simulated home network and a
 // manual clock: record, save, record again, save again, open the list, open
@@ -28,9 +23,7 @@ private Q_SLOTS:
     void recordSaveCompareAndContinue()
     {
         WifiScanHarness h({8.0, 12.0, 30.0, 45.0});
-        Brightmere::Storyboard board;
-        BMSDKUIStoryboard::registerSegues(&board);
-        h.screen->setStoryboard(&board);
+        h.useStoryboard();
 
         // First run: three spots, saved as "Ground floor".
         h.run("start,results:1,record,results:1,record,results:1,record");
@@ -114,34 +107,16 @@ private:
         const QDir folder(QCoreApplication::applicationDirPath());
         QVERIFY(h.nav->grab().save(folder.filePath(QString::fromLatin1(name) + ".png")));
     }
-    static void choose(FZOptionsPopup *popup, int index)
-    {
-        QVERIFY(popup);
-        for (QPushButton *button : popup->optionButtons()) {
-            if (FZOptionsPopup::tagOf(button) == index) {
-                QTest::mouseClick(button, Qt::LeftButton);
-                QCoreApplication::processEvents();
-                return;
-            }
-        }
-        QFAIL("no such option");
-    }
     // Through the history menu and the title prompt, as a user does.
     static void saveAs(WifiScanHarness &h, const QString &title, const char *snapshot)
     {
         h.screen->historyButton()->trigger();
-        QCoreApplication::processEvents();
-        FZOptionsPopup *menu = nullptr;
-        for (FZOptionsPopup *popup : h.nav->findChildren<FZOptionsPopup *>()) {
-            if (popup->isVisible())
-                menu = popup;
-        }
-        choose(menu, 1);
+        QVERIFY(PopupInput::choose(PopupInput::shown(h.nav.get()), 1));
         QVERIFY(h.screen->saveFlow()->saveCurrentSpotAlert());
         h.screen->spotNameTextField()->setText(title);
         if (snapshot)
             snap(h, snapshot);
-        choose(h.screen->saveFlow()->saveCurrentSpotAlert(), 2);
+        QVERIFY(PopupInput::choose(h.screen->saveFlow()->saveCurrentSpotAlert(), 2));
     }
 };
 

@@ -12,10 +12,12 @@
 #include "platform/views/KeyWindow.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/ScrollView.h"
+#include "platform/views/Storyboard.h"
 #include "platform/views/TableView.h"
 #include "popups/FZConfirmSpotModificationPopup.h"
 #include "session/BMSpeedRecordCell.h"
 #include "session/BMWifiScanVC.h"
+#include "storyboard/BMSDKUIStoryboard.h"
 #include "ui/BMImageButton.h"
 
 #include <QCoreApplication>
@@ -61,36 +63,13 @@ public:
         BMSDKBackend::setClock(nullptr);
     }
 
-    // Start on Wi-Fi and let the tester finish its setup: preparing.
-    void start()
+    // The kit's segues, so the bar's history control leads on.
+    void useStoryboard()
     {
-        clickStartStop();
-        clock.advance(kInterval);
+        BMSDKUIStoryboard::registerSegues(&board);
+        screen->setStoryboard(&board);
     }
-    void clickStartStop() { QTest::mouseClick(screen->btnStartStop(), Qt::LeftButton); }
-    void results(int count) { clock.advance(count * kInterval); }
-    void pressRecord()
-    {
-        BMImageButton *control = screen->btnRecordReset();
-        QTest::mousePress(control, Qt::LeftButton, {}, control->rect().center());
-    }
-    void releaseRecord(bool inside = true)
-    {
-        BMImageButton *control = screen->btnRecordReset();
-        QTest::mouseRelease(control, Qt::LeftButton, {}, inside ? control->rect().center() : QPoint(-30, 10));
-    }
-    // A finger on the record control; lifted after moving out of it.
-    void touchRecord(bool press)
-    {
-        static QPointingDevice *finger = QTest::createTouchDevice();
-        BMImageButton *control = screen->btnRecordReset();
-        if (press) {
-            QTest::touchEvent(control, finger).press(0, control->rect().center());
-            return;
-        }
-        QTest::touchEvent(control, finger).move(0, QPoint(-30, 10));
-        QTest::touchEvent(control, finger).release(0, QPoint(-30, 10));
-    }
+
     // A point on a row's speed area (its re-record control), in the
     // coordinates of the table's viewport, which stays put while rows move.
     QPoint rowSpeedArea(int index) const
@@ -108,12 +87,6 @@ public:
     {
         PointerInput::release(PointerInput::Kind::Mouse, screen->tblRecords()->viewport(), rowSpeedArea(index));
     }
-    void recordSpot(int resultsWhileHeld = 0)
-    {
-        pressRecord();
-        results(resultsWhileHeld);
-        releaseRecord();
-    }
     void setWifi(bool on)
     {
         BMSimulatedNetwork::shared().setReachabilityStatus(on ? BMSimulatedNetwork::kReachableViaWiFi
@@ -122,32 +95,35 @@ public:
 
     // Runs a comma-separated script: start (and let setup finish),
     // startStop (the control alone), results:N, press, release, releaseOut,
-    // record (press and release), wifiOff, resultNoWifi, background,
+    // record (press and release), wifiOff, background,
     // resign, hide, show, edit (hand over a saved set of two spots), mark,
     // touchPress and touchOut (a finger on Record, lifted outside it), sound.
     void run(const QString &steps)
     {
+        static QPointingDevice *finger = QTest::createTouchDevice();
+        BMImageButton *record = screen->btnRecordReset();
+        const QPoint inside = record->rect().center(), outside(-30, 10);
         for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
-            if (step == "start")
-                start();
-            else if (step == "startStop")
-                clickStartStop();
-            else if (step.startsWith("results:"))
-                results(step.section(':', 1).toInt());
-            else if (step == "press")
-                pressRecord();
-            else if (step == "release" || step == "releaseOut")
-                releaseRecord(step == "release");
-            else if (step == "touchPress" || step == "touchOut")
-                touchRecord(step == "touchPress");
-            else if (step == "record")
-                recordSpot();
-            else if (step == "sound")
+            if (step == "start" || step == "startStop") {
+                QTest::mouseClick(screen->btnStartStop(), Qt::LeftButton);
+                if (step == "start")
+                    clock.advance(kInterval); // the tester's setup
+            } else if (step.startsWith("results:"))
+                clock.advance(step.section(':', 1).toInt() * kInterval);
+            else if (step == "press" || step == "release" || step == "releaseOut" || step == "record") {
+                if (step == "press" || step == "record")
+                    QTest::mousePress(record, Qt::LeftButton, {}, inside);
+                if (step != "press")
+                    QTest::mouseRelease(record, Qt::LeftButton, {}, step == "releaseOut" ? outside : inside);
+            } else if (step == "touchPress")
+                QTest::touchEvent(record, finger).press(0, inside);
+            else if (step == "touchOut") {
+                QTest::touchEvent(record, finger).move(0, outside);
+                QTest::touchEvent(record, finger).release(0, outside);
+            } else if (step == "sound")
                 QTest::mouseClick(screen->btnSound(), Qt::LeftButton);
             else if (step == "wifiOff")
                 setWifi(false);
-            else if (step == "resultNoWifi")
-                screen->wiFiTesterDidUpdateWithTestResult(screen->session()->wifiTester(), WifiTestResult::create(5.0));
             else if (step == "background")
                 Brightmere::ApplicationNotifications::postDidEnterBackground();
             else if (step == "resign")
@@ -158,8 +134,7 @@ public:
                     nav->activateWindow();
                     (void)QTest::qWaitForWindowActive(nav.get());
                 }
-            }
-            else if (step == "edit")
+            } else if (step == "edit")
                 screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::create(
                     "Upstairs", "HomeNet", QDateTime(), {WifiTestResult::create(12.0), WifiTestResult::create(30.0)}));
             else if (step == "mark")
@@ -188,6 +163,7 @@ public:
     }
 
     TestEnvironment env;
+    Brightmere::Storyboard board;
     Brightmere::ManualClock clock{1000.0};
     ScanDelegateRecorder recorder;
     std::unique_ptr<Brightmere::NavigationController> nav;

@@ -1,423 +1,831 @@
 #include "LogCapture.h"
+#include "PopupInput.h"
 #include "WifiScanHarness.h"
 #include "chart/RealTimePlot.h"
 #include "chart/XYGraph.h"
 #include "core/BMReachabilityManager.h"
 #include "core/BMWiFiTester.h"
 #include "i18n/BMI18NManager.h"
+#include "model/BMSDKUISettings.h"
+#include "platform/foundation/Clock.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/views/BarButtonItem.h"
+#include "platform/views/KeyboardNotifications.h"
+#include "platform/views/NavigationBar.h"
 #include "platform/views/PageControl.h"
+#include "platform/views/Switch.h"
+#include "popups/FZLabelOptionsPopup.h"
+#include "screens/results/FZSavedSpotsViewController.h"
 #include "session/BMFairzoneTutorialPageView.h"
 #include "session/BMWiFiFairzoneTestNotification.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
 
+#include <QApplication>
 #include <QChartView>
-#include <QValueAxis>
-#include <QDir>
-#include <QGraphicsTextItem>
-#include <QTextDocument>
+#include <QCompleter>
 #include <QFile>
-#include <QLabel>
+#include <QGraphicsTextItem>
+#include <QLineEdit>
+#include <QStringListModel>
+#include <QTextDocument>
 #include <QTextDocumentFragment>
+#include <QToolButton>
+#include <QValueAxis>
 
 using namespace Brightmere;
 
-// The test screen's session: what the host hears and when, the controls in
-// each state, results on screen, the feedback sound, the SSID line, the
-// tutorial, and what a person sees. The session's own logic (spots,
-// holds, the sound's pacing) is tested without a screen.
+// The test screen as a person uses it: what the host hears and when, the
+// controls in each state, the SSID line, the tutorial and the layout; spots
+// recorded, measured again, deleted and renamed; the run saved as a set.
+// The session's own logic (holds, averages, names, the sound's pacing) is
+// tested without a screen; here one case per rule shows the screen uses it.
 class tst_BMWifiScanVC : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void delegateCallOrder_data();
-    void delegateCallOrder();
-    void controlsPerState_data();
-    void controlsPerState();
-    void resultsOnScreen_data();
-    void resultsOnScreen();
-    void ssidLine_data();
-    void ssidLine();
-    void tutorialPaging_data();
-    void tutorialPaging();
-    void tutorialRebuiltThenRemovedForGood();
-    void passwordStaysInMemoryOnly();
-    void followsTheWindowWidth_data();
-    void followsTheWindowWidth();
-    void holdNoteShowsWhole_data();
-    void holdNoteShowsWhole();
-};
-
-void tst_BMWifiScanVC::delegateCallOrder_data()
-{
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QStringList>("expected"); // since the last "mark", or since the load without one
-    QTest::addColumn<bool>("alert");
-    QTest::addColumn<bool>("scanning");
-    QTest::addColumn<int>("tested");
-    QTest::addColumn<int>("spots");
-    QTest::addColumn<int>("startedPosts");
-
-    QTest::newRow("load and appear: a stop before the load")
-        << "" << QStringList{"StopTesting", "ViewDidLoad", "ViewWillAppear"} << false << false << 0 << 0 << 0;
-    QTest::newRow("sound on") << "mark,sound" << QStringList{"SoundOnOff:1"} << false << false << 0 << 0 << 0;
-    QTest::newRow("start") << "mark,start" << QStringList{"StartTesting", "ActStart"} << false << true << 0 << 0 << 1;
-    QTest::newRow("stop") << "start,results:2,mark,startStop" << QStringList{"StopTesting", "ActStop"} << false << false
-                          << 2 << 0 << 1;
-    QTest::newRow("stop while preparing is ignored")
-        << "startStop,mark,startStop" << QStringList{} << false << true << 0 << 0 << 1;
-    QTest::newRow("start without Wi-Fi") << "wifiOff,mark,start" << QStringList{"ActStartAndNoWifi"} << true << false
-                                         << 0 << 0 << 0;
-    QTest::newRow("Wi-Fi lost, found at the tester's finish: results and spots stay")
-        << "start,results:2,record,mark,wifiOff,results:1" << QStringList{"StopTesting", "ShowNoWifiPopup"} << true
-        << false << 2 << 1 << 1;
-    QTest::newRow("Wi-Fi lost, found at the next result, which is dropped")
-        << "start,results:2,record,mark,wifiOff,resultNoWifi" << QStringList{"StopTesting", "ShowNoWifiPopup"}
-        << true << false << 2 << 1 << 1;
-    QTest::newRow("background while recording abandons the spot")
-        << "start,results:2,press,mark,background" << QStringList{"StopTesting"} << false << false << 2 << 0 << 1;
-    QTest::newRow("resign active while recording saves the spot and goes on")
-        << "start,results:2,press,mark,resign" << QStringList{"SaveRecord"} << false << true << 2 << 1 << 1;
-    QTest::newRow("disappear while testing") << "start,results:1,mark,hide"
-                                             << QStringList{"StopTesting", "ViewWillDisappear"} << false << false << 1
-                                             << 0 << 1;
-    QTest::newRow("an edit load appearance only resets")
-        << "hide,edit,mark,show" << QStringList{"ActReset"} << false << false << 0 << 2 << 0;
-}
-
-void tst_BMWifiScanVC::delegateCallOrder()
-{
-    QFETCH(QString, steps);
-    QFETCH(QStringList, expected);
-    QFETCH(bool, alert);
-    QFETCH(bool, scanning);
-    QFETCH(int, tested);
-    QFETCH(int, spots);
-    QFETCH(int, startedPosts);
-
-    WifiScanHarness h;
-    int posts = 0;
-    NotificationCenter::defaultCenter().addObserver(&posts, QString::fromLatin1(kWiFiFairzoneTestStarted),
-                                                    [&posts](const Notification &) { ++posts; });
-    int subscribersAtMark = -1;
-    const auto reachability = BMReachabilityManager::sharedInstance();
-    h.run(steps.section("mark", 0, 0));
-    if (steps.contains("mark")) {
-        h.recorder.mark();
-        subscribersAtMark = reachability->subscriberCount();
-        h.run(steps.section("mark", 1));
+    void delegateCallOrder_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QStringList>("expected"); // since the last "mark", or since the load without one
+        QTest::addColumn<bool>("alert");
+        QTest::addColumn<bool>("scanning");
+        QTest::addColumn<int>("tested");
+        QTest::addColumn<int>("spots");
+        QTest::addColumn<int>("startedPosts");
+        QTest::newRow("load and appear: a stop before the load")
+            << "" << QStringList{"StopTesting", "ViewDidLoad", "ViewWillAppear"} << false << false << 0 << 0 << 0;
+        QTest::newRow("sound on") << "mark,sound" << QStringList{"SoundOnOff:1"} << false << false << 0 << 0 << 0;
+        QTest::newRow("start") << "mark,start" << QStringList{"StartTesting", "ActStart"} << false << true << 0 << 0 << 1;
+        QTest::newRow("stop") << "start,results:2,mark,startStop" << QStringList{"StopTesting", "ActStop"} << false
+                              << false << 2 << 0 << 1;
+        QTest::newRow("stop while preparing is ignored")
+            << "startStop,mark,startStop" << QStringList{} << false << true << 0 << 0 << 1;
+        QTest::newRow("start without Wi-Fi") << "wifiOff,mark,start" << QStringList{"ActStartAndNoWifi"} << true
+                                             << false << 0 << 0 << 0;
+        QTest::newRow("Wi-Fi lost: stopped and told, results and spots stay")
+            << "start,results:2,record,mark,wifiOff,results:1" << QStringList{"StopTesting", "ShowNoWifiPopup"}
+            << true << false << 2 << 1 << 1;
+        QTest::newRow("background while recording abandons the spot")
+            << "start,results:2,press,mark,background" << QStringList{"StopTesting"} << false << false << 2 << 0 << 1;
+        QTest::newRow("resign active while recording saves the spot and goes on")
+            << "start,results:2,press,mark,resign" << QStringList{"SaveRecord"} << false << true << 2 << 1 << 1;
+        QTest::newRow("disappear while testing") << "start,results:1,mark,hide"
+                                                 << QStringList{"StopTesting", "ViewWillDisappear"} << false << false
+                                                 << 1 << 0 << 1;
+        QTest::newRow("an edit load appearance only resets")
+            << "hide,edit,mark,show" << QStringList{"ActReset"} << false << false << 0 << 2 << 0;
     }
-    NotificationCenter::defaultCenter().removeObserver(&posts);
+    void delegateCallOrder()
+    {
+        QFETCH(QString, steps);
+        WifiScanHarness h;
+        int posts = 0;
+        NotificationCenter::defaultCenter().addObserver(&posts, QString::fromLatin1(kWiFiFairzoneTestStarted),
+                                                        [&posts](const Notification &) { ++posts; });
+        int subscribersAtMark = -1;
+        const auto reachability = BMReachabilityManager::sharedInstance();
+        h.run(steps.section("mark", 0, 0));
+        if (steps.contains("mark")) {
+            h.recorder.mark();
+            subscribersAtMark = reachability->subscriberCount();
+            h.run(steps.section("mark", 1));
+        }
+        NotificationCenter::defaultCenter().removeObserver(&posts);
 
-    QCOMPARE(h.recorder.sinceMark(), expected);
-    Alert *shown = h.alert();
-    QCOMPARE(shown != nullptr, alert);
-    if (shown) {
-        QCOMPARE(shown->title(), BMI18NManager::stringForCode("bmOops"));
-        QCOMPARE(shown->message(), BMI18NManager::stringForCode("switch_wifi_to_continue"));
+        QTEST(h.recorder.sinceMark(), "expected");
+        Alert *shown = h.alert();
+        QTEST(shown != nullptr, "alert");
+        if (shown) {
+            QCOMPARE(shown->title(), BMI18NManager::stringForCode("bmOops"));
+            QCOMPARE(shown->message(), BMI18NManager::stringForCode("switch_wifi_to_continue"));
+        }
+        QTEST(h.screen->session()->isScanning(), "scanning");
+        QTEST(int(h.screen->session()->testedSpeeds().size()), "tested");
+        QTEST(int(h.screen->session()->recordedSpeeds().size()), "spots");
+        QTEST(posts, "startedPosts");
+        QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->btnSound()),
+                 steps.contains("sound") ? QString("buttonAudioOn") : QString("buttonAudioOff"));
+        if (steps.contains("edit")) {
+            // No reachability subscription in that appearance either.
+            QCOMPARE(reachability->subscriberCount(), subscribersAtMark);
+            QCOMPARE(h.screen->session()->spotsSetName(), QString("Upstairs"));
+            QVERIFY(h.screen->btnRecordReset()->isEnabled());
+            QVERIFY(!h.screen->scrollTutorial());
+        }
     }
-    QCOMPARE(h.screen->session()->isScanning(), scanning);
-    QCOMPARE(h.screen->session()->testedSpeeds().size(), tested);
-    QCOMPARE(h.screen->session()->recordedSpeeds().size(), spots);
-    QCOMPARE(posts, startedPosts);
-    QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->btnSound()),
-             steps.contains("sound") ? QString("buttonAudioOn") : QString("buttonAudioOff"));
-    if (steps.contains("edit")) {
-        // No reachability subscription in that appearance either.
-        QCOMPARE(reachability->subscriberCount(), subscribersAtMark);
-        QCOMPARE(h.screen->session()->spotsSetName(), QString("Upstairs"));
-        QVERIFY(h.screen->btnRecordReset()->isEnabled());
-        QVERIFY(!h.screen->scrollTutorial());
+
+    void controlsPerState_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<bool>("startEnabled");
+        QTest::addColumn<QString>("startLook"); // image:title key
+        QTest::addColumn<bool>("recordEnabled");
+        QTest::addColumn<QString>("recordLook");
+        QTest::addColumn<bool>("holdShown");
+        QTest::addColumn<bool>("preparingShown");
+        QTest::addColumn<QString>("counter");
+        QTest::addColumn<QString>("speed");
+        const QString start = "buttonStart.png:start", stop = "buttonStop.png:stop";
+        const QString reset = "buttonReset.png:reset", record = "buttonRecord.png:record";
+        QTest::newRow("stopped, nothing measured")
+            << "" << true << start << false << reset << false << false << "wifiCounter" << "0.0";
+        QTest::newRow("preparing") << "startStop" << false << stop << true << record << true << true << "wifiCounter"
+                                   << "0.0";
+        QTest::newRow("preparing, setup finished")
+            << "start" << true << stop << true << record << true << true << "wifiCounter" << "0.0";
+        QTest::newRow("testing: cut to one digit, not rounded")
+            << "start,results:1" << true << stop << true << record << true << false << "wifiCounter" << "2.7";
+        QTest::newRow("recording shows the running average") << "start,results:1,press,results:1" << true << stop
+                                                             << true << record << true << false
+                                                             << "wifiCounterRecording" << "11.3";
+        QTest::newRow("stopped after results")
+            << "start,results:2,startStop" << true << start << true << reset << false << false << "wifiCounter" << "0.0";
     }
-}
-
-void tst_BMWifiScanVC::controlsPerState_data()
-{
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<bool>("startEnabled");
-    QTest::addColumn<QString>("startLook"); // image:title key
-    QTest::addColumn<bool>("recordEnabled");
-    QTest::addColumn<QString>("recordLook");
-    QTest::addColumn<bool>("holdShown");
-    QTest::addColumn<bool>("preparingShown");
-    QTest::addColumn<QString>("counter");
-    QTest::addColumn<QString>("speed");
-
-    QTest::newRow("stopped, nothing measured") << "" << true << "buttonStart.png:start" << false
-                                               << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
-    QTest::newRow("preparing") << "startStop" << false << "buttonStop.png:stop" << true << "buttonRecord.png:record"
-                               << true << true << "wifiCounter" << "0.0";
-    QTest::newRow("preparing, setup finished") << "start" << true << "buttonStop.png:stop" << true
-                                               << "buttonRecord.png:record" << true << true << "wifiCounter" << "0.0";
-    QTest::newRow("testing") << "start,results:1" << true << "buttonStop.png:stop" << true << "buttonRecord.png:record"
-                             << true << false << "wifiCounter" << "10.0";
-    QTest::newRow("recording shows the running average")
-        << "start,results:1,press,results:1" << true << "buttonStop.png:stop" << true << "buttonRecord.png:record"
-        << true << false << "wifiCounterRecording" << "15.0";
-    QTest::newRow("stopped after results") << "start,results:2,startStop" << true << "buttonStart.png:start" << true
-                                           << "buttonReset.png:reset" << false << false << "wifiCounter" << "0.0";
-}
-
-void tst_BMWifiScanVC::controlsPerState()
-{
-    QFETCH(QString, steps);
-    QFETCH(bool, startEnabled);
-    QFETCH(QString, startLook);
-    QFETCH(bool, recordEnabled);
-    QFETCH(QString, recordLook);
-    QFETCH(bool, holdShown);
-    QFETCH(bool, preparingShown);
-    QFETCH(QString, counter);
-    QFETCH(QString, speed);
-
-    WifiScanHarness h({10.0, 20.0});
-    h.run(steps);
-    BMWifiScanVC *s = h.screen;
-    const auto look = [](BMImageButton *button) {
-        const QString key = button->isEnabled() ? button->titleForState(BMImageButton::State::Normal)
-                                                : button->titleForState(BMImageButton::State::Disabled);
-        return BMWifiScanVC::imageNameOf(button) + ":" + key;
-    };
-    const auto localised = [](const QString &imageAndKey) {
-        return imageAndKey.section(':', 0, 0) + ":" + BMI18NManager::stringForCode(imageAndKey.section(':', 1));
-    };
-    QCOMPARE(s->btnStartStop()->isEnabled(), startEnabled);
-    QCOMPARE(look(s->btnStartStop()), localised(startLook));
-    QCOMPARE(s->btnRecordReset()->isEnabled(), recordEnabled);
-    QCOMPARE(look(s->btnRecordReset()), localised(recordLook));
-    QCOMPARE(s->btnRecordReset()->text(), localised(recordLook).section(':', 1)); // what is drawn
-    QCOMPARE(s->lblHoldToAverage()->isVisibleTo(s), holdShown);
-    QCOMPARE(s->lblPreparing()->isVisibleTo(s), preparingShown);
-    QCOMPARE(BMWifiScanVC::imageNameOf(s->wifiCounterBackground()), counter);
-    QCOMPARE(s->lblWifiSpeed()->text(), speed);
-    // White on the recording green, and the normal colour back afterwards.
-    const QColor speedColour = s->lblWifiSpeed()->palette().color(QPalette::WindowText);
-    QCOMPARE(speedColour == Color::colorWithR(255, 255, 255), counter == "wifiCounterRecording");
-}
-
-void tst_BMWifiScanVC::resultsOnScreen_data()
-{
-    QTest::addColumn<QList<double>>("speeds");
-    QTest::addColumn<int>("kept");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<double>("lastPlotted");
-    QTest::newRow("cut to one digit, not rounded") << QList<double>{2.79} << 1 << "2.7" << 2.79;
-    QTest::newRow("zero is kept, shown and plotted") << QList<double>{0.0} << 1 << "0.0" << 0.0;
-}
-
-void tst_BMWifiScanVC::resultsOnScreen()
-{
-    QFETCH(QList<double>, speeds);
-    QFETCH(int, kept);
-    QFETCH(QString, shown);
-    QFETCH(double, lastPlotted);
-    WifiScanHarness h;
-    h.start();
-    WifiTestResult::List results;
-    for (double speed : speeds) {
-        results << WifiTestResult::create(speed);
-        results.last()->setLabel("from the tester");
-        h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->session()->wifiTester(), results.last());
+    void controlsPerState()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QString, counter);
+        WifiScanHarness h({2.79, 20.0});
+        h.run(steps);
+        BMWifiScanVC *s = h.screen;
+        const auto look = [](BMImageButton *button) {
+            const auto state = button->isEnabled() ? BMImageButton::State::Normal : BMImageButton::State::Disabled;
+            return BMWifiScanVC::imageNameOf(button) + ":" + button->titleForState(state);
+        };
+        const auto localised = [](const QString &imageAndKey) {
+            return imageAndKey.section(':', 0, 0) + ":" + BMI18NManager::stringForCode(imageAndKey.section(':', 1));
+        };
+        QTEST(s->btnStartStop()->isEnabled(), "startEnabled");
+        QFETCH(QString, startLook);
+        QCOMPARE(look(s->btnStartStop()), localised(startLook));
+        QTEST(s->btnRecordReset()->isEnabled(), "recordEnabled");
+        QFETCH(QString, recordLook);
+        QCOMPARE(look(s->btnRecordReset()), localised(recordLook));
+        QCOMPARE(s->btnRecordReset()->text(), localised(recordLook).section(':', 1)); // what is drawn
+        QTEST(s->lblHoldToAverage()->isVisibleTo(s), "holdShown");
+        QTEST(s->lblPreparing()->isVisibleTo(s), "preparingShown");
+        QCOMPARE(BMWifiScanVC::imageNameOf(s->wifiCounterBackground()), counter);
+        QTEST(s->lblWifiSpeed()->text(), "speed");
+        // White on the recording green, and the normal colour back afterwards.
+        const QColor speedColour = s->lblWifiSpeed()->palette().color(QPalette::WindowText);
+        QCOMPARE(speedColour == Color::colorWithR(255, 255, 255), counter == "wifiCounterRecording");
     }
-    QCOMPARE(h.screen->session()->testedSpeeds().size(), kept);
-    QCOMPARE(h.screen->lblWifiSpeed()->text(), shown);
-    QCOMPARE(h.screen->charPlot()->lastSpeedAdded(), lastPlotted);
-    QVERIFY(!h.screen->session()->isPreparingWifiTester());
-    const WifiTestResult::Ptr first = h.screen->session()->testedSpeeds().constFirst();
-    QCOMPARE(first->label(), QString()); // labels are the screen's to give
-    QCOMPARE(first->coordinate().has_value(), h.screen->session()->wifiTester()->location().has_value());
-}
 
-void tst_BMWifiScanVC::ssidLine_data()
-{
-    QTest::addColumn<QString>("ssid");
-    QTest::addColumn<QString>("bssid");
-    QTest::addColumn<bool>("wifi");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("name and grey BSSID") << "Loft <5G>" << "02:1a:2b:3c:4d:5e" << true << "Loft <5G> (02:1a:2b:3c:4d:5e)";
-    QTest::newRow("BSSID without a name shows nothing") << "" << "02:1a:2b:3c:4d:5e" << true << "";
-    QTest::newRow("off Wi-Fi") << "HomeNet" << "02:1a:2b:3c:4d:5e" << false << "";
-}
-
-void tst_BMWifiScanVC::ssidLine()
-{
-    QFETCH(QString, ssid);
-    QFETCH(QString, bssid);
-    QFETCH(bool, wifi);
-    QFETCH(QString, shown);
-    WifiScanHarness h;
-    BMSimulatedNetwork::shared().setNetwork(ssid, bssid);
-    h.setWifi(wifi);
-    h.screen->updateSSID();
-    const QString html = h.screen->lblSSID()->text();
-    QCOMPARE(QTextDocumentFragment::fromHtml(html).toPlainText(), shown);
-    QCOMPARE(html.contains("color:#999999"), !bssid.isEmpty() && !shown.isEmpty());
-    QCOMPARE(h.screen->lblSSID()->palette().color(QPalette::WindowText), Color::colorWithHexString("3593da"));
-}
-
-void tst_BMWifiScanVC::tutorialPaging_data()
-{
-    QTest::addColumn<QList<double>>("restingPages"); // where each drag comes to rest, in page widths
-    QTest::addColumn<QStringList>("expected");
-    QTest::addColumn<int>("currentPage");
-    QTest::newRow("to the second page") << QList<double>{1.0} << QStringList{"TutorialView:2"} << 1;
-    QTest::newRow("on and on") << QList<double>{1.0, 3.0, 3.0}
-                               << QStringList{"TutorialView:2", "TutorialView:4"} << 3;
-}
-
-void tst_BMWifiScanVC::tutorialPaging()
-{
-    QFETCH(QList<double>, restingPages);
-    QFETCH(QStringList, expected);
-    QFETCH(int, currentPage);
-    WifiScanHarness h;
-    ScrollView *strip = h.screen->scrollTutorial();
-    QVERIFY(strip);
-    h.recorder.mark();
-    for (double page : restingPages) {
-        strip->setContentOffset(QPoint(int(page * strip->width()), 0), false);
-        Q_EMIT strip->didEndDecelerating();
-    }
-    QCOMPARE(h.recorder.sinceMark(), expected);
-    QCOMPARE(h.screen->pageResults()->currentPage(), currentPage);
-
-    // A tap on the dots scrolls there, telling the host nothing.
-    h.recorder.mark();
-    h.screen->pageResults()->setCurrentPage(2);
-    Q_EMIT h.screen->pageResults()->valueChanged();
-    QTRY_COMPARE(strip->contentOffset().x(), 2 * strip->width());
-    QCOMPARE(h.recorder.sinceMark(), QStringList{});
-
-    // A narrower window: every page as wide as the strip, the same one on show.
-    h.nav->resize(320, 640);
-    QCoreApplication::processEvents();
-    QCOMPARE(strip->width(), 320 - 16);
-    for (QWidget *page : strip->subviews())
-        QCOMPARE(page->width(), strip->width());
-    QCOMPARE(strip->contentOffset().x(), 2 * strip->width());
-}
-
-void tst_BMWifiScanVC::tutorialRebuiltThenRemovedForGood()
-{
-    WifiScanHarness h;
-    for (int appearance = 0; appearance < 2; ++appearance, h.run("hide,show")) {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        const auto pages = h.screen->scrollTutorial()->findChildren<BMFairzoneTutorialPageView *>();
-        QCOMPARE(pages.size(), kTutorialPages);
-        QCOMPARE(pages.last()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_4"));
-        QCOMPARE(h.screen->scrollTutorial()->contentSize().width(), kTutorialPages * h.screen->scrollTutorial()->width());
-        QVERIFY(h.screen->pageResults()->isVisibleTo(h.screen));
-    }
-    h.run("start,startStop,hide,show");
-    QVERIFY(!h.screen->scrollTutorial() && !h.screen->pageResults());
-}
-
-void tst_BMWifiScanVC::passwordStaysInMemoryOnly()
-{
-    LogCapture log;
+    // Zero is a result like any other; labels are the screen's to give.
+    void zeroIsShownAndPlotted()
     {
         WifiScanHarness h;
-        h.run("start,results:2,record,startStop"); // a stop writes the remembered spot names
-        QVERIFY(h.screen->session()->wifiTester()->hasSdkPassword());
-        QCOMPARE(h.screen->session()->wifiTester()->sdkCustomer(), QString("acme"));
-        QVERIFY(h.screen->session()->wifiTester()->usesProductionServer());
-        QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenName(), QString("WiFiSpeedScanScreen"));
-        QFile defaults(h.env.defaultsFilePath());
-        QVERIFY(defaults.open(QIODevice::ReadOnly));
-        QVERIFY(!defaults.readAll().contains(WifiScanHarness::kPassword));
+        h.run("start");
+        const WifiTestResult::Ptr result = WifiTestResult::create(0.0);
+        result->setLabel("from the tester");
+        h.screen->wiFiTesterDidUpdateWithTestResult(h.screen->session()->wifiTester(), result);
+        QCOMPARE(h.screen->session()->testedSpeeds().size(), 1);
+        QCOMPARE(h.screen->lblWifiSpeed()->text(), QString("0.0"));
+        QCOMPARE(h.screen->charPlot()->lastSpeedAdded(), 0.0);
+        QVERIFY(!h.screen->session()->isPreparingWifiTester());
+        const WifiTestResult::Ptr kept = h.screen->session()->testedSpeeds().constFirst();
+        QCOMPARE(kept->label(), QString());
+        QCOMPARE(kept->coordinate().has_value(), h.screen->session()->wifiTester()->location().has_value());
     }
-    QVERIFY(!log.text().isEmpty());
-    QVERIFY(!log.contains(WifiScanHarness::kPassword));
-}
 
-void tst_BMWifiScanVC::followsTheWindowWidth_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::newRow("320") << 320;
-    QTest::newRow("375") << 375;
-    QTest::newRow("1280") << 1280;
-}
-
-void tst_BMWifiScanVC::followsTheWindowWidth()
-{
-    QFETCH(int, width);
-    // Three-digit speeds: the widest labels of the speed axis.
-    WifiScanHarness h({48.0, 131.0, 96.0, 142.0});
-    QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
-    h.start();
-    h.results(6);
-    h.recordSpot();
-    // Resized while shown, as a person drags the window's edge.
-    h.nav->resize(width, 640);
-    QCoreApplication::processEvents();
-    QWidget *panel = h.screen->viewBordered();
-    QCOMPARE(panel->width(), width - 16);
-    QCOMPARE(h.screen->tblRecords()->width(), width);
-    QCOMPARE(h.row(0)->width(), width);
-    // The chart fills its holder, which runs 20 points under the panel's
-    // frame on both sides; its axes' labels and titles stay in what shows.
-    QWidget *holder = h.screen->viewPlotHolder();
-    QCOMPARE(holder->width(), panel->width() + 40);
-    auto *chart = holder->findChild<QChartView *>();
-    QVERIFY(chart);
-    QCOMPARE(chart->width(), holder->width());
-    XYGraph *graph = h.screen->charPlot()->graph();
-    QCOMPARE(graph->size().width(), qreal(holder->width()));
-    QVERIFY(graph->plotArea().right() <= holder->width() - 20);
-    // Every label and title is drawn whole in what shows, the top speed and
-    // the end of the time axis among them (laid out anew for this width).
-    const QRectF shown(20, 0, holder->width() - 40, holder->height());
-    QStringList texts;
-    for (QGraphicsItem *item : chart->scene()->items()) {
-        auto *text = dynamic_cast<QGraphicsTextItem *>(item);
-        if (!text || !text->isVisible() || text->toPlainText().isEmpty())
-            continue;
-        texts << text->toPlainText().trimmed();
-        // The glyphs: the item's rectangle less its document's margin.
-        const qreal margin = text->document()->documentMargin();
-        const QRectF glyphs = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
-        QVERIFY2(shown.contains(glyphs), qPrintable(text->toPlainText()));
-        if (text->toPlainText() == QString::number(int(graph->xAxis()->max())))
-            QVERIFY(qAbs(text->sceneBoundingRect().center().x() - graph->plotArea().right()) < 10);
+    void ssidLine_data()
+    {
+        QTest::addColumn<QString>("ssid");
+        QTest::addColumn<QString>("bssid");
+        QTest::addColumn<bool>("wifi");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("name and grey BSSID") << "Loft <5G>" << "02:1a:2b:3c:4d:5e" << true
+                                             << "Loft <5G> (02:1a:2b:3c:4d:5e)";
+        QTest::newRow("BSSID without a name shows nothing") << "" << "02:1a:2b:3c:4d:5e" << true << "";
+        QTest::newRow("off Wi-Fi") << "HomeNet" << "02:1a:2b:3c:4d:5e" << false << "";
     }
-    for (const QString &wanted : {QString("Mbps"), QString("sec"), QString::number(h.screen->charPlot()->gMax())})
-        QVERIFY2(texts.contains(wanted), qPrintable(texts.join(',')));
-    // Every control inside the panel, none over another.
-    const QList<QWidget *> controls{h.screen->btnStartStop(), h.screen->btnRecordReset(), h.screen->btnSound(),
-                                    h.screen->wifiCounterBackground(), h.screen->lblHoldToAverage(),
-                                    h.screen->lblSSID()};
-    for (int i = 0; i < controls.size(); ++i) {
-        QVERIFY2(panel->rect().contains(controls.at(i)->geometry()), qPrintable(controls.at(i)->objectName()));
-        for (int j = i + 1; j < controls.size(); ++j)
-            QVERIFY2(!controls.at(i)->geometry().intersects(controls.at(j)->geometry()),
-                     qPrintable(controls.at(i)->objectName() + " " + controls.at(j)->objectName()));
+    void ssidLine()
+    {
+        QFETCH(QString, ssid);
+        QFETCH(QString, bssid);
+        QFETCH(bool, wifi);
+        QFETCH(QString, shown);
+        WifiScanHarness h;
+        BMSimulatedNetwork::shared().setNetwork(ssid, bssid);
+        h.setWifi(wifi);
+        h.screen->updateSSID();
+        const QString html = h.screen->lblSSID()->text();
+        QCOMPARE(QTextDocumentFragment::fromHtml(html).toPlainText(), shown);
+        QCOMPARE(html.contains("color:#999999"), !bssid.isEmpty() && !shown.isEmpty());
     }
-    const QString path = QCoreApplication::applicationDirPath() + QString("/wifiscan-%1.png").arg(width);
-    QVERIFY(h.nav->grab().save(path));
-}
 
-void tst_BMWifiScanVC::holdNoteShowsWhole_data()
-{
-    QTest::addColumn<QString>("language");
-    QTest::newRow("en") << "en";
-    QTest::newRow("es") << "es";
-}
+    void tutorialPagesAndDots()
+    {
+        WifiScanHarness h;
+        ScrollView *strip = h.screen->scrollTutorial();
+        QVERIFY(strip);
+        h.recorder.mark();
+        // Where each drag comes to rest, in page widths: the host hears each new page once.
+        for (const int page : {1, 3, 3}) {
+            strip->setContentOffset(QPoint(page * strip->width(), 0), false);
+            Q_EMIT strip->didEndDecelerating();
+        }
+        QCOMPARE(h.recorder.sinceMark(), (QStringList{"TutorialView:2", "TutorialView:4"}));
+        QCOMPARE(h.screen->pageResults()->currentPage(), 3);
+        // A tap on the dots scrolls there, telling the host nothing.
+        h.recorder.mark();
+        h.screen->pageResults()->setCurrentPage(2);
+        Q_EMIT h.screen->pageResults()->valueChanged();
+        QTRY_COMPARE(strip->contentOffset().x(), 2 * strip->width());
+        QCOMPARE(h.recorder.sinceMark(), QStringList{});
+        // A narrower window: every page as wide as the strip, the same one on show.
+        h.nav->resize(320, 640);
+        QCoreApplication::processEvents();
+        QCOMPARE(strip->width(), 320 - 16);
+        for (QWidget *page : strip->subviews())
+            QCOMPARE(page->width(), strip->width());
+        QCOMPARE(strip->contentOffset().x(), 2 * strip->width());
+    }
 
-void tst_BMWifiScanVC::holdNoteShowsWhole()
-{
-    QFETCH(QString, language);
-    WifiScanHarness h;
-    BMI18NManager::sharedInstance()->setCurrentLanguage(language);
-    h.start();
-    BMLabel *note = h.screen->lblHoldToAverage();
-    const QStringList lines = note->linesForWidth(note->contentsRect().width());
-    BMI18NManager::sharedInstance()->setCurrentLanguage("en");
-    QVERIFY(lines.size() <= 2);
-    QVERIFY2(!lines.join(' ').contains(QChar(0x2026)), qPrintable(lines.join('|')));
-    QVERIFY(note->height() >= int(lines.size()) * note->fontMetrics().lineSpacing());
-}
+    void tutorialRebuiltThenRemovedForGood()
+    {
+        WifiScanHarness h;
+        for (int appearance = 0; appearance < 2; ++appearance, h.run("hide,show")) {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            const auto pages = h.screen->scrollTutorial()->findChildren<BMFairzoneTutorialPageView *>();
+            QCOMPARE(pages.size(), kTutorialPages);
+            QCOMPARE(pages.last()->lblText()->text(), BMI18NManager::stringForCode("fairzones_tutorial_4"));
+            QCOMPARE(h.screen->scrollTutorial()->contentSize().width(), kTutorialPages * h.screen->scrollTutorial()->width());
+            QVERIFY(h.screen->pageResults()->isVisibleTo(h.screen));
+        }
+        h.run("start,startStop,hide,show");
+        QVERIFY(!h.screen->scrollTutorial() && !h.screen->pageResults());
+    }
+
+    void passwordStaysInMemoryOnly()
+    {
+        LogCapture log;
+        {
+            WifiScanHarness h;
+            h.run("start,results:2,record,startStop"); // a stop writes the remembered spot names
+            QVERIFY(h.screen->session()->wifiTester()->hasSdkPassword());
+            QCOMPARE(h.screen->session()->wifiTester()->sdkCustomer(), QString("acme"));
+            QVERIFY(h.screen->session()->wifiTester()->usesProductionServer());
+            QCOMPARE(h.screen->screenNameAndClassForEventTracker().screenName(), QString("WiFiSpeedScanScreen"));
+            QFile defaults(h.env.defaultsFilePath());
+            QVERIFY(defaults.open(QIODevice::ReadOnly));
+            QVERIFY(!defaults.readAll().contains(WifiScanHarness::kPassword));
+        }
+        QVERIFY(!log.text().isEmpty());
+        QVERIFY(!log.contains(WifiScanHarness::kPassword));
+    }
+
+    void followsTheWindowWidth_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::newRow("320") << 320;
+        QTest::newRow("1280") << 1280;
+    }
+    void followsTheWindowWidth()
+    {
+        QFETCH(int, width);
+        // Three-digit speeds: the widest labels of the speed axis.
+        WifiScanHarness h({48.0, 131.0, 96.0, 142.0});
+        QVERIFY(QTest::qWaitForWindowExposed(h.nav.get()));
+        h.run("start,results:6,record");
+        // Resized while shown, as a person drags the window's edge.
+        h.nav->resize(width, 640);
+        QCoreApplication::processEvents();
+        QWidget *panel = h.screen->viewBordered();
+        QCOMPARE(panel->width(), width - 16);
+        QCOMPARE(h.screen->tblRecords()->width(), width);
+        QCOMPARE(h.row(0)->width(), width);
+        // The chart fills its holder, which runs 20 points under the panel's
+        // frame on both sides; its axes' labels and titles stay in what shows.
+        QWidget *holder = h.screen->viewPlotHolder();
+        QCOMPARE(holder->width(), panel->width() + 40);
+        auto *chart = holder->findChild<QChartView *>();
+        QVERIFY(chart);
+        QCOMPARE(chart->width(), holder->width());
+        XYGraph *graph = h.screen->charPlot()->graph();
+        QCOMPARE(graph->size().width(), qreal(holder->width()));
+        QVERIFY(graph->plotArea().right() <= holder->width() - 20);
+        // Every label and title is drawn whole in what shows, the top speed and
+        // the end of the time axis among them (laid out anew for this width).
+        const QRectF shown(20, 0, holder->width() - 40, holder->height());
+        QStringList texts;
+        for (QGraphicsItem *item : chart->scene()->items()) {
+            auto *text = dynamic_cast<QGraphicsTextItem *>(item);
+            if (!text || !text->isVisible() || text->toPlainText().isEmpty())
+                continue;
+            texts << text->toPlainText().trimmed();
+            // The glyphs: the item's rectangle less its document's margin.
+            const qreal margin = text->document()->documentMargin();
+            const QRectF glyphs = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
+            QVERIFY2(shown.contains(glyphs), qPrintable(text->toPlainText()));
+            if (text->toPlainText() == QString::number(int(graph->xAxis()->max())))
+                QVERIFY(qAbs(text->sceneBoundingRect().center().x() - graph->plotArea().right()) < 10);
+        }
+        for (const QString &wanted : {QString("Mbps"), QString("sec"), QString::number(h.screen->charPlot()->gMax())})
+            QVERIFY2(texts.contains(wanted), qPrintable(texts.join(',')));
+        // Every control inside the panel, none over another.
+        const QList<QWidget *> controls{h.screen->btnStartStop(), h.screen->btnRecordReset(), h.screen->btnSound(),
+                                        h.screen->wifiCounterBackground(), h.screen->lblHoldToAverage(),
+                                        h.screen->lblSSID()};
+        for (int i = 0; i < controls.size(); ++i) {
+            QVERIFY2(panel->rect().contains(controls.at(i)->geometry()), qPrintable(controls.at(i)->objectName()));
+            for (int j = i + 1; j < controls.size(); ++j)
+                QVERIFY2(!controls.at(i)->geometry().intersects(controls.at(j)->geometry()),
+                         qPrintable(controls.at(i)->objectName() + " " + controls.at(j)->objectName()));
+        }
+    }
+
+    void holdNoteShowsWhole()
+    {
+        for (const char *language : {"en", "es"}) {
+            WifiScanHarness h;
+            BMI18NManager::sharedInstance()->setCurrentLanguage(language);
+            h.run("start");
+            BMLabel *note = h.screen->lblHoldToAverage();
+            const QStringList lines = note->linesForWidth(note->contentsRect().width());
+            BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+            QVERIFY(lines.size() <= 2);
+            QVERIFY2(!lines.join(' ').contains(QChar(0x2026)), qPrintable(lines.join('|')));
+            QVERIFY(note->height() >= int(lines.size()) * note->fontMetrics().lineSpacing());
+        }
+    }
+
+    // Results arrive at 10, 20, 30, 40 ... Mbps, one every half second; one
+    // is on show before the steps.
+    void recordControl_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QStringList>("labels");
+        QTest::addColumn<bool>("average");
+        QTest::addColumn<double>("duration");
+        QTest::addColumn<double>("speed");
+        QTest::newRow("a new result between presses makes a second spot")
+            << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
+        QTest::newRow("released outside still saves") << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
+                                                      << 10.0;
+        QTest::newRow("a finger held over a result, dragged out and released")
+            << "touchPress,results:1,touchOut" << QStringList{"Spot 1"} << true << 0.5 << 15.0;
+        QTest::newRow("stopped: released inside resets the run")
+            << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
+        QTest::newRow("stopped: released outside keeps it")
+            << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+    }
+    void recordControl()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QStringList, labels);
+        QFETCH(bool, average);
+        WifiScanHarness h({10.0, 20.0, 30.0, 40.0, 50.0});
+        h.run("start,results:1," + steps);
+        QCOMPARE(h.labels(), labels);
+        QVERIFY(!h.screen->isRecording());
+        QCOMPARE(h.recorder.calls.contains("ActReset"), steps.endsWith("startStop,press,release"));
+        QCOMPARE(h.recorder.calls.last(), QString("ActResetTouchUpInside"));
+        if (labels.isEmpty())
+            return;
+        const WifiTestResult::Ptr newest = h.screen->session()->recordedSpeeds().constFirst();
+        QCOMPARE(newest->isAverage(), average);
+        QTEST(newest->duration(), "duration");
+        QTEST(newest->speedInMbps(), "speed");
+        QCOMPARE(h.row(0)->lblArea()->text(), labels.first());
+        // Rows stripe from the top whatever was inserted above them.
+        for (int i = average ? 1 : 0; i < labels.size(); ++i)
+            QCOMPARE(h.row(i)->viewBg()->palette().color(QPalette::Window), Color::system(i % 2 == 0 ? 3 : 4));
+    }
+
+    void reRecord_data()
+    {
+        QTest::addColumn<bool>("alwaysReplace");
+        QTest::addColumn<bool>("alwaysCopy");
+        QTest::addColumn<int>("choice"); // popup option; 0: Escape; -1: no popup expected
+        QTest::addColumn<bool>("switchOn");
+        QTest::addColumn<QList<double>>("speeds"); // of the spots afterwards, newest first
+        QTest::addColumn<QString>("remembered");   // the standing answer afterwards
+        // The row held is a 10 Mbps spot; the hold sees 20 (on show), 30 and 40.
+        QTest::newRow("replace") << false << false << 4 << false << QList<double>{30.0} << "";
+        QTest::newRow("copy") << false << false << 3 << false << QList<double>{30.0, 10.0} << "";
+        QTest::newRow("replace, always") << false << false << 4 << true << QList<double>{30.0} << "replace";
+        QTest::newRow("cancel with the switch on remembers nothing")
+            << false << false << 2 << true << QList<double>{10.0} << "";
+        QTest::newRow("always replace asks nothing") << true << false << -1 << false << QList<double>{30.0} << "replace";
+        QTest::newRow("both always: copy wins") << true << true << -1 << false << QList<double>{30.0, 10.0} << "both";
+        QTest::newRow("Escape drops the measurement") << false << false << 0 << false << QList<double>{10.0} << "";
+    }
+    void reRecord()
+    {
+        QFETCH(bool, alwaysReplace);
+        QFETCH(bool, alwaysCopy);
+        QFETCH(int, choice);
+        QFETCH(QList<double>, speeds);
+        QFETCH(QString, remembered);
+        WifiScanHarness h({10.0, 20.0, 30.0, 40.0});
+        BMSDKUISettings &settings = BMSDKUISettings::sharedInstance();
+        settings.setAlwaysReplaceRecording(alwaysReplace);
+        settings.setAlwaysCopyRecording(alwaysCopy);
+        h.run("start,results:1,record,results:1");
+        h.holdRow(0);
+        h.run("results:2");
+        h.clock.advance(0.2);
+        h.releaseRow(0);
+
+        FZConfirmSpotModificationPopup *popup = h.screen->spotsTable()->editPopup();
+        QCOMPARE(popup != nullptr, choice >= 0);
+        if (popup) {
+            QVERIFY(!h.screen->isRecording()); // stopped while the user decides
+            const QString note = popup->noteLabel()->text();
+            QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_replace_record_confirm_always") + "<br/>"));
+            QVERIFY(note.contains(BMI18NManager::stringForCode("fairzones_delete_record_can_be_cleared_in_settings")));
+            // Readable on the white card: system colour 1, not 3.
+            QCOMPARE(popup->noteLabel()->palette().color(QPalette::WindowText), Color::system(1));
+            QCOMPARE(popup->optionButtons().size(), 3);
+            QFETCH(bool, switchOn);
+            answer(popup, choice, switchOn);
+        }
+        QList<double> after;
+        for (const WifiTestResult::Ptr &spot : h.screen->session()->recordedSpeeds())
+            after << spot->speedInMbps();
+        QCOMPARE(after, speeds);
+        QCOMPARE(h.labels(), QStringList(speeds.size(), "Spot 1"));
+        QVERIFY(!h.screen->isRecording() && !h.screen->session()->wifiRecordBeingEdited()
+                && h.screen->session()->nextSpotRecordName().isNull());
+        if (speeds.first() == 30.0) {
+            const WifiTestResult::Ptr measured = h.screen->session()->recordedSpeeds().constFirst();
+            QVERIFY(measured->isAverage());
+            QVERIFY(measured->duration() >= 1.2 - 1e-9);
+        }
+        if (choice == 4 || (choice < 0 && !alwaysCopy)) // a replaced spot is stamped anew
+            QCOMPARE(h.screen->session()->recordedSpeeds().constFirst()->timeAfterTest(), h.clock.now());
+        QCOMPARE(settings.alwaysReplaceRecording(), remembered == "replace" || remembered == "both");
+        QCOMPARE(settings.alwaysCopyRecording(), remembered == "copy" || remembered == "both");
+    }
+
+    void deleteSpot_data()
+    {
+        QTest::addColumn<bool>("alwaysDelete");
+        QTest::addColumn<int>("choice"); // -1: no popup expected
+        QTest::addColumn<bool>("switchOn");
+        QTest::addColumn<QStringList>("remaining");
+        QTest::newRow("always: at once, no question") << true << -1 << false << QStringList{"Spot 3", "Spot 1"};
+        QTest::newRow("confirmed") << false << 3 << false << QStringList{"Spot 3", "Spot 1"};
+        QTest::newRow("confirmed, always from now on") << false << 3 << true << QStringList{"Spot 3", "Spot 1"};
+        QTest::newRow("cancelled") << false << 2 << true << QStringList{"Spot 3", "Spot 2", "Spot 1"};
+    }
+    void deleteSpot()
+    {
+        QFETCH(bool, alwaysDelete);
+        QFETCH(int, choice);
+        QFETCH(bool, switchOn);
+        QFETCH(QStringList, remaining);
+        WifiScanHarness h;
+        BMSDKUISettings::sharedInstance().setAlwaysDeleteRecording(alwaysDelete);
+        h.run("start,results:1,record,results:1,record,results:1,record,startStop,mark");
+        // A swipe to the left that begins on the row's speed.
+        const QPoint from = h.rowSpeedArea(1);
+        PointerInput::drag(PointerInput::Kind::Mouse, h.screen->tblRecords()->viewport(), from, from - QPoint(80, 0));
+        FZConfirmSpotModificationPopup *popup = h.screen->spotsTable()->editPopup();
+        QCOMPARE(popup != nullptr, choice >= 0);
+        if (popup) {
+            QCOMPARE(PopupInput::title(popup), QString("Spot 2"));
+            answer(popup, choice, switchOn);
+        } else {
+            QCOMPARE(h.labels().size(), 3); // on the next turn of the main queue
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(h.labels(), remaining);
+        for (int i = 0; i < remaining.size(); ++i) {
+            QCOMPARE(h.row(i)->lblArea()->text(), remaining.at(i));
+            QVERIFY(!h.row(i)->isEditing());
+        }
+        QVERIFY(!h.screen->tblRecords()->isEditing());
+        QCOMPARE(BMSDKUISettings::sharedInstance().alwaysDeleteRecording(), alwaysDelete || (choice == 3 && switchOn));
+        QCOMPARE(h.recorder.sinceMark(), QStringList{}); // the host is not told
+    }
+
+    void renameSpot_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("endWithRecord"); // else Return
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<QStringList>("remembered");
+        QTest::addColumn<QStringList>("forgotten");
+        // Default names are remembered, except the highest.
+        QTest::newRow("blank keeps the old label") << "   " << false << "Spot 1" << QStringList{"Spot 1"}
+                                                   << QStringList{"Spot 2"};
+        QTest::newRow("trimmed and remembered") << "  Hall  " << false << "Hall" << QStringList{"Hall"}
+                                                << QStringList{"Spot 2", "Spot 1", "  Hall  "};
+        // A desktop keyboard sends no keyboard notifications: what was typed
+        // must still reach its spot when Record is pressed and released.
+        QTest::newRow("typed, then a spot recorded") << "Kitchen" << true << "Kitchen" << QStringList{"Kitchen"}
+                                                     << QStringList{"Spot 3", "Spot 1"};
+    }
+    void renameSpot()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, endWithRecord);
+        QFETCH(QString, label);
+        WifiScanHarness h;
+        h.screen->setAdHeight(50.0);
+        h.run("start,results:1,record,results:1,record");
+        const WifiTestResult::Ptr spot = h.screen->session()->recordedSpeeds().at(1);
+        BMSpeedRecordCell *row = h.row(1);
+        // The remembered names, presets included, are offered as completions.
+        QVERIFY(qobject_cast<QStringListModel *>(row->completer()->model())->stringList().contains("Living Room"));
+
+        QTest::mouseClick(row->lblArea(), Qt::LeftButton);
+        QVERIFY(row->lblArea()->hasFocus());
+        QVERIFY(!h.screen->btnStartStop()->isEnabled());
+        QVERIFY(h.screen->btnRecordReset()->isEnabled()); // a running test keeps it
+        QVERIFY(h.screen->spotsTable()->isEditingRecordName());
+        if (!endWithRecord) {
+            // A phone's keyboard over the row lifts the table by its height less the ad strip.
+            const QRect keyboard(0, h.nav->height() - 300, h.nav->width(), 300);
+            KeyboardNotifications::postKeyboardDidShow(keyboard);
+            QCOMPARE(h.screen->spotsTable()->keyboardSize(), keyboard.size());
+            QCOMPARE(h.screen->spotsTable()->tblRecordsBottomConstraint(), 250);
+        }
+        QTest::keyClick(row->lblArea(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(row->lblArea(), typed);
+        h.recorder.mark();
+        if (endWithRecord) {
+            h.run("results:1,record");
+            QCOMPARE(h.labels(), (QStringList{"Spot 3", "Spot 2", label}));
+        } else {
+            QTest::keyClick(row->lblArea(), Qt::Key_Return);
+            KeyboardNotifications::postKeyboardWillHide(QRect());
+            QCOMPARE(row->lblArea()->text(), label);
+            QCOMPARE(h.screen->spotsTable()->tblRecordsBottomConstraint(), 0);
+        }
+        QCOMPARE(spot->label(), label);
+        QVERIFY(h.recorder.sinceMark().contains("DidEndEditingSpeedRecord"));
+        QVERIFY(h.screen->btnStartStop()->isEnabled());
+        QVERIFY(!h.screen->spotsTable()->isEditingRecordName());
+
+        h.run("startStop");
+        const QStringList saved = BMSDKUISettings::sharedInstance().savedSpots();
+        QFETCH(QStringList, remembered);
+        for (const QString &name : remembered)
+            QVERIFY2(saved.contains(name), qPrintable(name));
+        QFETCH(QStringList, forgotten);
+        for (const QString &name : forgotten)
+            QVERIFY2(!saved.contains(name), qPrintable(name));
+    }
+
+    // The row's own gestures are the cell's to tell apart; here, what the
+    // screen makes of a hold on a row while a test runs with one spot listed.
+    void rowHold_data()
+    {
+        QTest::addColumn<QString>("steps"); // hold or touchHold on the row, off: dragged off it; else run()'s
+        QTest::newRow("held, then dragged off the row") << "hold,off";
+        QTest::newRow("held while Record is held") << "press,touchHold,touchRelease,release";
+        QTest::newRow("Start pressed while Record is held") << "press,startStop,release";
+    }
+    void rowHold()
+    {
+        QFETCH(QString, steps);
+        WifiScanHarness h({10.0, 20.0, 30.0});
+        h.run("start,results:1,record,results:1");
+        const QColor normal = h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText);
+        QWidget *viewport = h.screen->tblRecords()->viewport();
+        const QPoint speed = h.rowSpeedArea(0);
+        for (const QString &step : steps.split(',')) {
+            if (step == "hold") {
+                h.holdRow(0);
+                QVERIFY(h.screen->isRecording());
+            } else if (step == "off") {
+                PointerInput::move(PointerInput::Kind::Mouse, viewport, speed + QPoint(0, 15));
+                PointerInput::move(PointerInput::Kind::Mouse, viewport, speed + QPoint(0, 30));
+                h.clock.advance(0.3);
+                PointerInput::release(PointerInput::Kind::Mouse, viewport, speed + QPoint(0, 30));
+            } else if (step == "touchHold") {
+                PointerInput::press(PointerInput::Kind::Touch, viewport, speed);
+                h.clock.advance(0.3);
+            } else if (step == "touchRelease") {
+                PointerInput::release(PointerInput::Kind::Touch, viewport, speed);
+            } else {
+                h.run(step);
+            }
+        }
+        QVERIFY(!h.screen->spotsTable()->editPopup());
+        QVERIFY(!h.screen->isRecording() && !h.screen->session()->wifiRecordBeingEdited());
+        QVERIFY(h.screen->session()->isScanning());
+        // Back in the normal look, and nothing saved that nobody held: leaving
+        // the application (which keeps a spot being recorded) adds none.
+        QCOMPARE(BMWifiScanVC::imageNameOf(h.screen->wifiCounterBackground()), QString("wifiCounter"));
+        QCOMPARE(h.screen->lblWifiSpeed()->palette().color(QPalette::WindowText), normal);
+        const QStringList before = h.labels();
+        h.run("resign");
+        QCOMPARE(h.labels(), before);
+    }
+
+    void tabFollowsTheScreen()
+    {
+        WifiScanHarness h;
+        h.run("start,results:1,record,results:1,record,startStop");
+        // Clicks leave the focus with the screen, where no control is ringed.
+        QCOMPARE(QApplication::focusWidget(), h.screen);
+        // From the bar's buttons, left to right, down the screen.
+        QList<QWidget *> expected;
+        for (auto *button : h.nav->navigationBar()->findChildren<QToolButton *>()) {
+            if (button->isVisible())
+                expected << button;
+        }
+        std::sort(expected.begin(), expected.end(), [](QWidget *a, QWidget *b) { return a->x() < b->x(); });
+        QCOMPARE(expected.size(), 3);
+        expected << h.screen->btnSound() << h.screen->btnStartStop() << h.screen->btnRecordReset()
+                 << h.row(0)->lblArea() << h.row(1)->lblArea() << expected.first();
+        for (QWidget *widget : std::as_const(expected)) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget(), widget);
+        }
+        h.row(1)->lblArea()->setFocus(Qt::TabFocusReason);
+        // Tabbed into, a name is not selected: a stray key does not wipe it.
+        QLineEdit *name = h.row(1)->lblArea();
+        QVERIFY(!name->hasSelectedText());
+        QTest::keyClick(name, Qt::Key_Space);
+        QCOMPARE(name->text(), QString("Spot 1 "));
+        QTest::keyClick(name, Qt::Key_Return);
+        // Space on a focused control presses it: Start.
+        h.screen->btnStartStop()->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(h.screen->btnStartStop(), Qt::Key_Space);
+        QVERIFY(h.screen->session()->isScanning());
+    }
+
+    void rowsFollowLanguage()
+    {
+        WifiScanHarness h;
+        h.run("start,results:1,record");
+        QVERIFY(h.row(0)->lblSpeed()->text().contains(u'.'));
+        BMI18NManager::sharedInstance()->setCurrentLanguage("es");
+        const QString spanish = h.row(0)->lblSpeed()->text();
+        BMI18NManager::sharedInstance()->setCurrentLanguage("en");
+        QVERIFY2(spanish.contains(u','), qPrintable(spanish));
+    }
+
+    // Saving the run: the history menu, the title prompt, the blank-title
+    // and overwrite popups, and the way to the saved list.
+    void historyMenu_data()
+    {
+        QTest::addColumn<int>("spots");
+        QTest::addColumn<int>("choice"); // -1: no menu expected
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("no spots: straight to the list") << 0 << -1 << "list";
+        QTest::newRow("save") << 2 << 1 << "prompt";
+        QTest::newRow("view saved list") << 2 << 2 << "list";
+        QTest::newRow("cancel") << 2 << 3 << "nothing";
+    }
+    void historyMenu()
+    {
+        QFETCH(int, spots);
+        QFETCH(int, choice);
+        QFETCH(QString, outcome);
+        WifiScanHarness h({10.0, 30.0});
+        h.useStoryboard();
+        if (spots)
+            h.run("start" + QString(",results:1,record").repeated(spots));
+        h.screen->historyButton()->trigger();
+        FZOptionsPopup *menu = PopupInput::shown(h.nav.get());
+        QCOMPARE(menu != nullptr, choice >= 0);
+        if (menu) {
+            QCOMPARE(PopupInput::title(menu), BMI18NManager::stringForCode("fairzones_historical_results_title"));
+            QVERIFY(PopupInput::choose(menu, choice));
+        }
+        QCOMPARE(listOnTop(h) != nullptr, outcome == "list");
+        QCOMPARE(h.screen->saveFlow()->saveCurrentSpotAlert() != nullptr, outcome == "prompt");
+        if (FZSavedSpotsViewController *list = listOnTop(h))
+            QCOMPARE(list->editSpotsSetSetterObject(), h.screen); // handed over for continuing a set
+    }
+
+    void saveTitle_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("outcome");
+        QTest::addColumn<QStringList>("stored");
+        QTest::newRow("blanks around are trimmed") << "  Ground floor \t" << "list"
+                                                   << QStringList{"Ground floor", "Upstairs"};
+        QTest::newRow("only blanks count as empty") << "   " << "nil" << QStringList{"Upstairs"};
+        QTest::newRow("taken once trimmed asks first") << " Upstairs  " << "exists" << QStringList{"Upstairs"};
+    }
+    void saveTitle()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, outcome);
+        WifiScanHarness h({10.0, 30.0});
+        h.useStoryboard();
+        storeUpstairs();
+        h.run("start,results:1,record,results:1,record");
+        openPrompt(h);
+        QCOMPARE(h.screen->spotNameTextField()->text(), QString()); // a new run proposes nothing
+        QCOMPARE(h.screen->spotNameTextField()->placeholderText(),
+                 BMI18NManager::stringForCode("fairzones_historical_results_save_alert_title_placeholder"));
+        typeAndEnter(h, typed);
+
+        QStringList names;
+        for (const auto &set : FZHistoricalResultSpotsSet::allSpotsSets())
+            names << set->name();
+        names.sort();
+        QTEST(names, "stored");
+        QCOMPARE(listOnTop(h) != nullptr, outcome == "list");
+        QCOMPARE(PopupInput::shown<FZLabelOptionsPopup>(h.nav.get()) != nullptr, outcome == "nil");
+        if (outcome == "exists")
+            QCOMPARE(PopupInput::title(PopupInput::shown(h.nav.get())),
+                     "'Upstairs' " + BMI18NManager::stringForCode("fairzones_historical_result_save_already_exist_title"));
+        // Only a newly taken title becomes the run's name; the set holds the run, which stays.
+        QCOMPARE(h.screen->session()->spotsSetName(), outcome == "list" ? QString("Ground floor") : QString());
+        if (outcome != "list")
+            return;
+        const FZHistoricalResultSpotsSet::Ptr set = FZHistoricalResultSpotsSet::spotsSetWithName("Ground floor");
+        QCOMPARE(set->ssid(), QString("HomeNet"));
+        QCOMPARE(set->date().toSecsSinceEpoch(), qint64(h.clock.now() + Clock::kReferenceDateUnixSeconds));
+        QStringList labels;
+        for (const auto &spot : set->spots())
+            labels << spot->label();
+        QCOMPARE(labels, h.labels()); // newest first, as listed
+        QCOMPARE(h.screen->session()->recordedSpeeds().size(), 2);
+    }
+
+    void overwriteConfirmation_data()
+    {
+        QTest::addColumn<bool>("editing"); // the run is "Upstairs" loaded for editing
+        QTest::addColumn<int>("choice");
+        QTest::addColumn<QString>("prompted"); // the prompt's text after the choice; none: no prompt
+        QTest::addColumn<int>("storedSpots");
+        QTest::addColumn<QString>("nameAfter");
+        QTest::newRow("cancel, new run: back to an empty prompt") << false << 1 << "" << 1 << "";
+        QTest::newRow("confirm, new run: replaced, name unchanged") << false << 2 << QString() << 3 << "";
+        QTest::newRow("cancel, edited set: back to its own title") << true << 1 << "Upstairs" << 1 << "Upstairs";
+        QTest::newRow("confirm, edited set: replaced") << true << 2 << QString() << 3 << "Upstairs";
+    }
+    void overwriteConfirmation()
+    {
+        QFETCH(bool, editing);
+        QFETCH(QString, prompted);
+        WifiScanHarness h({10.0, 30.0});
+        h.useStoryboard();
+        storeUpstairs();
+        if (editing) {
+            h.screen->setSpotsSetToEdit(FZHistoricalResultSpotsSet::spotsSetWithName("Upstairs"));
+            h.run("hide,show,start,results:1,record,results:1,record"); // one spot more, three in all
+        } else {
+            h.run("start,results:1,record,results:1,record,results:1,record");
+        }
+        openPrompt(h);
+        // An edited set proposes its own title, selected: typing replaces it.
+        QCOMPARE(h.screen->spotNameTextField()->text(), editing ? QString("Upstairs") : QString());
+        typeAndEnter(h, "Upstairs");
+        QFETCH(int, choice);
+        QVERIFY(PopupInput::choose(PopupInput::shown(h.nav.get()), choice));
+
+        QTEST(int(FZHistoricalResultSpotsSet::spotsSetWithName("Upstairs")->spotsCount()), "storedSpots");
+        QTEST(h.screen->session()->spotsSetName(), "nameAfter");
+        QCOMPARE(listOnTop(h) != nullptr, prompted.isNull());
+        if (!prompted.isNull()) {
+            QVERIFY(h.screen->saveFlow()->saveCurrentSpotAlert());
+            QCOMPARE(h.screen->spotNameTextField()->text(), prompted);
+            QCOMPARE(h.screen->spotNameTextField()->selectedText(), prompted);
+        }
+    }
+
+private:
+    // Answers a replace or delete question: the switch first if asked, then
+    // the option, or Escape for 0.
+    static void answer(FZConfirmSpotModificationPopup *popup, int choice, bool switchOn)
+    {
+        if (switchOn)
+            QTest::mouseClick(popup->optionSwitch(), Qt::LeftButton);
+        if (choice == 0)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        else
+            QVERIFY(PopupInput::choose(popup, choice));
+    }
+    static FZSavedSpotsViewController *listOnTop(const WifiScanHarness &h)
+    {
+        return qobject_cast<FZSavedSpotsViewController *>(h.nav->topViewController());
+    }
+    // The bar's history control, then "save" in its menu.
+    static void openPrompt(WifiScanHarness &h)
+    {
+        h.screen->historyButton()->trigger();
+        QVERIFY(PopupInput::choose(PopupInput::shown(h.nav.get()), 1));
+        QVERIFY(h.screen->saveFlow()->saveCurrentSpotAlert());
+    }
+    // Typed into the window's focus widget, which the prompt opens on the field, then Enter.
+    static void typeAndEnter(WifiScanHarness &h, const QString &text)
+    {
+        QWidget *field = h.nav->focusWidget();
+        QCOMPARE(field, h.screen->spotNameTextField());
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+        QCoreApplication::processEvents();
+    }
+    static void storeUpstairs()
+    {
+        auto spot = WifiTestResult::create(12.0);
+        spot->setLabel("Landing");
+        FZHistoricalResultSpotsSet::saveSetWithName("Upstairs", "HomeNet", QDateTime::currentDateTimeUtc(), {spot});
+    }
+};
 
 QTEST_MAIN(tst_BMWifiScanVC)
 #include "tst_BMWifiScanVC.moc"
