@@ -2,7 +2,6 @@
 #include "LogCapture.h"
 #include "platform/views/KeyboardNotifications.h"
 #include "platform/views/KeyWindow.h"
-#include "platform/views/Switch.h"
 #include "popups/FZConfirmSpotModificationPopup.h"
 #include "popups/FZLabelOptionsPopup.h"
 #include "popups/FZTextViewOptionsPopup.h"
@@ -125,7 +124,6 @@ void tst_FZOptionsPopup::cardLayout()
     for (int i = 0; i < list.size(); ++i) {
         const QRect r = list.at(i)->geometry();
         QCOMPARE(r.height(), FZOptionsPopup::kOptionHeight);
-        QCOMPARE(FZOptionsPopup::tagOf(list.at(i)), i + (kind == "base" ? 1 : 2));
         bottom = std::max(bottom, r.bottom());
         if (i == 0)
             continue;
@@ -163,15 +161,12 @@ void tst_FZOptionsPopup::textPopupConfiguresItsFieldAndFollowsTheKeyboard()
     // Its middle to the pixel, whichever way the layout rounds a half.
     const auto middleAt = [card](int y) { return qAbs(card->geometry().center().y() - y) <= 1; };
     KeyboardNotifications::postKeyboardDidShow(QRect(0, 407, 375, 260));
-    QCOMPARE(popup->centerVerticalConstraint(), 407 / 2.0 - 667 / 2.0);
     QTRY_VERIFY(middleAt(407 / 2));
     // The suggestions bar grows the keyboard: moved again, from where it was unshifted.
     KeyboardNotifications::postKeyboardDidShow(QRect(0, 367, 375, 300));
-    QCOMPARE(popup->centerVerticalConstraint(), 367 / 2.0 - 667 / 2.0);
     QTRY_VERIFY(middleAt(367 / 2));
     // Hiding leaves the card where it is.
     KeyboardNotifications::postKeyboardWillHide(QRect(0, 667, 375, 300));
-    QCOMPARE(popup->centerVerticalConstraint(), 367 / 2.0 - 667 / 2.0);
     QVERIFY(middleAt(367 / 2));
     QVERIFY(card->geometry() != centred);
 

@@ -1,6 +1,5 @@
 #include "LayoutChecks.h"
 #include "TestEnvironment.h"
-#include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
 #include "platform/views/NavigationController.h"
 #include "platform/views/Switch.h"
@@ -117,10 +116,6 @@ private Q_SLOTS:
         }
         QCOMPARE(shown(screen), expected);
         QCOMPARE(stored(), after);
-        // A screen opened now shows the same.
-        auto *fresh = new FZMiscellaneousSettingsViewController;
-        m_navigation->pushViewController(fresh, false);
-        QCOMPARE(shown(fresh), expected);
     }
 
     void followsTheWindow_data()

@@ -62,11 +62,6 @@ inline void drag(Kind kind, QWidget *frame, const QPoint &from, const QPoint &to
     release(kind, frame, to);
 }
 
-inline const char *name(Kind kind)
-{
-    return kind == Kind::Mouse ? "mouse" : "touch";
-}
-
 } // namespace PointerInput
 
 Q_DECLARE_METATYPE(PointerInput::Kind)
