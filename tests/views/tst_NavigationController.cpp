@@ -29,7 +29,6 @@
 #include <QTest>
 #include <QThread>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 using namespace Brightmere;
 
@@ -48,9 +47,8 @@ public:
         setTitle(name);
     }
 
-    int layoutCount = 0;
     bool hadNavigationControllerAtLoad = false;
-    std::function<void()> onLoad, onDidAppear, onLayout;
+    std::function<void()> onLoad, onDidAppear;
     std::function<void(StoryboardSegue &, QObject *)> onPrepare;
 
 protected:
@@ -70,12 +68,6 @@ protected:
     }
     void viewWillDisappear(bool) override { record("willDisappear"); }
     void viewDidDisappear(bool) override { record("didDisappear"); }
-    void viewWillLayoutSubviews() override
-    {
-        ++layoutCount;
-        if (onLayout)
-            onLayout();
-    }
     void prepareForSegue(StoryboardSegue &segue, QObject *sender) override
     {
         record("prepare:" + segue.identifier());
@@ -297,39 +289,6 @@ private Q_SLOTS:
             window.setVisible(visible);
         QCOMPARE(*m_journal, (QStringList{"W.didLoad", "W.willAppear", "W.didAppear", "W.willDisappear",
                                           "W.didDisappear", "W.willAppear", "W.didAppear"}));
-    }
-
-    void layoutPasses()
-    {
-        Recording screen("L", m_journal);
-        auto *label = new QLabel("short", &screen);
-        (new QVBoxLayout(&screen))->addWidget(label);
-        screen.resize(200, 200);
-        QCoreApplication::processEvents();
-        QCOMPARE(screen.layoutCount, 0); // none before the view has loaded
-        screen.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&screen));
-        QCoreApplication::processEvents();
-        // A resize, a layout request, a child's new size hint: one pass each.
-        const auto passes = [&screen](const std::function<void()> &trigger) {
-            screen.layoutCount = 0;
-            trigger();
-            return screen.layoutCount;
-        };
-        QCOMPARE(passes([&] { screen.resize(300, 240); }), 1);
-        QCOMPARE(passes([&] {
-                     QEvent request(QEvent::LayoutRequest);
-                     QCoreApplication::sendEvent(&screen, &request);
-                 }),
-                 1);
-        QCOMPARE(passes([&] {
-                     label->setText("a longer text");
-                     QCoreApplication::sendPostedEvents(&screen, QEvent::LayoutRequest);
-                 }),
-                 1);
-        // A pass that resizes the view does not recurse.
-        screen.onLayout = [&screen] { screen.resize(screen.width() + 10, screen.height()); };
-        QCOMPARE(passes([&] { screen.resize(320, 240); }), 1);
     }
 
     void lifecycleInAStack_data()
