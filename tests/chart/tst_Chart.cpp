@@ -207,8 +207,9 @@ private Q_SLOTS:
         const double from = graph->xAxis()->min();
         const double to = graph->xAxis()->max();
         QSet<QAbstractSeries *> inView;
-        for (ScatterPlot *line : m_plot->allPlots().value()) {
-            const QList<QPointF> &points = line->cachedPoints();
+        const QList<ScatterPlot *> lines = m_plot->allPlots().value();
+        for (ScatterPlot *line : lines) {
+            const QList<QPointF> points = line->cachedPoints();
             if (std::any_of(points.cbegin(), points.cend(), [&](const QPointF &p) { return p.x() >= from && p.x() <= to; }))
                 inView << line->lineSeries() << line->areaSeries();
             // Out of the chart or not, the source still answers every number.

@@ -25,7 +25,13 @@ inline bool runBounded(const std::function<bool()> &work, rlim_t addressSpace = 
     if (pid == 0) {
         const rlimit memory{addressSpace, addressSpace};
         const rlimit cpu{cpuSeconds, cpuSeconds};
+#if !defined(__SANITIZE_ADDRESS__)
+        // AddressSanitizer reserves terabytes of address space for its shadow
+        // memory; under it only the CPU time is bounded.
         setrlimit(RLIMIT_AS, &memory);
+#else
+        (void)memory;
+#endif
         setrlimit(RLIMIT_CPU, &cpu);
         alarm(cpuSeconds * 3);
         bool ok = false;
