@@ -59,11 +59,10 @@ public:
     // Tab goes from this widget on through the spots' names, in list order.
     void setTabChainStart(QWidget *widget);
 
-    // A spot's name being typed: the keyboard's size and the field, and how
-    // far the list's bottom moves up to keep the field above the keyboard.
+    // A spot's name being typed, the keyboard's size, and how far the list's
+    // bottom moves up to keep its field above the keyboard.
     bool isEditingRecordName() const { return m_isEditingRecordName; }
     QSize keyboardSize() const { return m_keyboardSize; }
-    QLineEdit *activeSpotTextField() const { return m_activeSpotTextField.data(); }
     int tblRecordsBottomConstraint() const { return m_tblRecordsBottomConstraint; }
     void keyboardDidShow(const Brightmere::Notification &notification, double adHeight);
     void keyboardWillHide();

@@ -70,7 +70,6 @@ public:
     // The counter's look: "wifiCounter", or "wifiCounterRecording" with the
     // figures in white; the speed's own colour comes back after recording.
     void setRecording(bool recording);
-    bool isRecordingLook() const;
 
     // The name of the image a widget shows now ("buttonStop.png"), as set by
     // showImage; empty when none.
@@ -92,9 +91,10 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void placeTutorialPages();
 
 private:
+    void placeTutorialPages();
+    bool isRecordingLook() const;
     void buildPanel();
     QLayout *buildCounterRow();
     void placePlotHolder();

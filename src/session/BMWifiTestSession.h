@@ -118,7 +118,6 @@ public:
     bool isSoundEnabled() const { return m_soundEnabled; }
     // Also tells the tester.
     void setSoundEnabled(bool enabled);
-    quint32 soundID() const { return m_soundID; }
     double lastPlayTime() const { return m_lastPlayTime; }
     bool hasSoundTimer() const { return m_soundTimer != 0; }
     void startSound();
