@@ -339,9 +339,13 @@ void BMWifiScanVC::reloadPlot()
 
 void BMWifiScanVC::startTesting()
 {
-    // Disabled before the tester starts: its setup may finish at once.
+    // Off before the tester starts (its setup may finish at once); a
+    // keyboard on it goes on to Record, not to whatever comes next.
+    const bool keyboardOnStart = btnStartStop()->hasFocus();
     btnStartStop()->setEnabled(false);
     m_session->startTesting();
+    if (keyboardOnStart)
+        btnRecordReset()->setFocus(Qt::TabFocusReason);
 }
 
 void BMWifiScanVC::onTestStarted()
@@ -350,11 +354,6 @@ void BMWifiScanVC::onTestStarted()
     btnRecordReset()->setEnabled(true);
     removeTutorial();
     tellDelegate(&BMWifiScanVCDelegate::wifiScanVCStartTesting);
-}
-
-void BMWifiScanVC::stopTesting()
-{
-    m_session->stopTesting();
 }
 
 void BMWifiScanVC::onTestStopped()

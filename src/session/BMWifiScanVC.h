@@ -87,7 +87,7 @@ public:
 
     // The test.
     void startTesting();
-    void stopTesting();
+    void stopTesting() { m_session->stopTesting(); }
     void reloadPlot();
     void updateSSID();
     void updateUIWithResult(const WifiTestResult::Ptr &result) { m_session->acceptResult(result); }

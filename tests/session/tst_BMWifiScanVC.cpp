@@ -650,6 +650,8 @@ private Q_SLOTS:
         h.screen->btnStartStop()->setFocus(Qt::TabFocusReason);
         QTest::keyClick(h.screen->btnStartStop(), Qt::Key_Space);
         QVERIFY(h.screen->session()->isScanning());
+        // Start is off while the tester prepares: the keyboard goes on to Record.
+        QCOMPARE(QApplication::focusWidget(), h.screen->btnRecordReset());
     }
 
     void rowsFollowLanguage()
