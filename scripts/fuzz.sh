@@ -52,9 +52,16 @@ for target in "${targets[@]}"; do
              -artifact_prefix="$crash_dir/")
     # The service's answers are JSON: its words help mutations stay valid.
     case "$target" in bundle_*) options+=(-dict="$root/tests/fuzz/service_answers.dict") ;; esac
+    # Text laid out for the PDF keeps each font face it opened in Qt's per-thread
+    # cache, which outlives the application object and is never freed: the check
+    # at exit would report it every run. Each input is still checked for leaks
+    # while the cache is reachable.
+    leak_at_exit=1
+    [ "$target" = reports ] && leak_at_exit=0
     echo "fuzzing $target for $seconds s (log: $log)"
     status=0
-    "$build_dir/tests/fuzz/fuzz_$target" "${options[@]}" "$run_dir" "$root/tests/fuzz/corpus/$target" \
+    ASAN_OPTIONS="$ASAN_OPTIONS:leak_check_at_exit=$leak_at_exit" \
+        "$build_dir/tests/fuzz/fuzz_$target" "${options[@]}" "$run_dir" "$root/tests/fuzz/corpus/$target" \
         >"$log" 2>&1 || status=$?
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
     [ -n "$executions" ] || executions=$(grep -o '^#[0-9]*' "$log" | tail -n 1 | tr -d '#')
