@@ -29,7 +29,6 @@
 #include <QFile>
 #include <QGraphicsTextItem>
 #include <QLineEdit>
-#include <QStringListModel>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QToolButton>
@@ -120,7 +119,6 @@ private Q_SLOTS:
         if (steps.contains("edit")) {
             // No reachability subscription in that appearance either.
             QCOMPARE(reachability->subscriberCount(), subscribersAtMark);
-            QCOMPARE(h.screen->session()->spotsSetName(), QString("Upstairs"));
             QVERIFY(h.screen->btnRecordReset()->isEnabled());
             QVERIFY(!h.screen->scrollTutorial());
         }
@@ -187,22 +185,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("bssid");
         QTest::addColumn<bool>("wifi");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("name and grey BSSID") << "Loft <5G>" << "02:1a:2b:3c:4d:5e" << true
+        QTest::newRow("name and BSSID, escaped") << "Loft <5G>" << "02:1a:2b:3c:4d:5e" << true
                                              << "Loft <5G> (02:1a:2b:3c:4d:5e)";
         QTest::newRow("BSSID without a name shows nothing") << "" << "02:1a:2b:3c:4d:5e" << true << "";
         QTest::newRow("off Wi-Fi") << "HomeNet" << "02:1a:2b:3c:4d:5e" << false << "";
     }
     void ssidLine()
     {
-        QFETCH(QString, bssid);
-        QFETCH(QString, shown);
         WifiScanHarness h;
-        BMSimulatedNetwork::shared().setNetwork(fetched<QString>("ssid"), bssid);
+        BMSimulatedNetwork::shared().setNetwork(fetched<QString>("ssid"), fetched<QString>("bssid"));
         h.setWifi(fetched<bool>("wifi"));
         h.screen->updateSSID();
-        const QString html = h.screen->lblSSID()->text();
-        QCOMPARE(QTextDocumentFragment::fromHtml(html).toPlainText(), shown);
-        QCOMPARE(html.contains("color:#999999"), !bssid.isEmpty() && !shown.isEmpty());
+        QTEST(QTextDocumentFragment::fromHtml(h.screen->lblSSID()->text()).toPlainText(), "shown");
     }
 
     void tutorial()
@@ -501,8 +495,6 @@ private Q_SLOTS:
         h.run("start,results:1,record,results:1,record");
         const WifiTestResult::Ptr spot = h.screen->session()->recordedSpeeds().at(1);
         BMSpeedRecordCell *row = h.row(1);
-        // The remembered names, presets included, are offered as completions.
-        QVERIFY(qobject_cast<QStringListModel *>(row->completer()->model())->stringList().contains("Living Room"));
 
         QTest::mouseClick(row->lblArea(), Qt::LeftButton);
         QVERIFY(row->lblArea()->hasFocus());

@@ -431,9 +431,7 @@ private Q_SLOTS:
         QTest::addColumn<ButtonStyle>("style");
         const QColor built = named("fixed_dark_blue"), grey = named("fixed_light_gray"), blue = named("medium_blue");
         const QColor red = named("norva_red_1");
-        QTest::newRow("0 drops the border") << ButtonStyle{{0}, 10, 0, built, named("dark_blue"), blue};
         QTest::newRow("1 keeps the built border") << ButtonStyle{{1}, 10, 1, built, Color::system(4), blue};
-        QTest::newRow("3 red pill") << ButtonStyle{{3}, 22, 2, red, grey, red};
         QTest::newRow("4 after 3 keeps the red border") << ButtonStyle{{3, 4}, 22, 2, red, grey, blue};
         QTest::newRow("large values as 6") << ButtonStyle{{4000000000u}, 10, 1, built, grey, blue};
     }
