@@ -35,7 +35,7 @@ public:
     static constexpr double kInterval = 0.5;
     static constexpr const char *kPassword = "pw-9f3K!x";
 
-    explicit WifiScanHarness(const QList<double> &trace = {10.0}, bool show = true)
+    explicit WifiScanHarness(const QList<double> &trace = {10.0})
     {
         BMSDKBackend::setClock(&clock);
         BMSDKBackend::setSampleInterval(kInterval);
@@ -48,12 +48,10 @@ public:
         nav = std::make_unique<Brightmere::NavigationController>(screen);
         nav->resize(375, 667);
         Brightmere::KeyWindow::makeKeyWindow(nav.get());
-        if (show) {
-            nav->show();
-            // Active, so the keyboard focus can be in it.
-            nav->activateWindow();
-            (void)QTest::qWaitForWindowActive(nav.get());
-        }
+        nav->show();
+        // Active, so the keyboard focus can be in it.
+        nav->activateWindow();
+        (void)QTest::qWaitForWindowActive(nav.get());
     }
 
     ~WifiScanHarness()

@@ -72,7 +72,6 @@ private Q_SLOTS:
     }
     void answers()
     {
-        QFETCH(QByteArray, request);
         QFETCH(int, clients);
         QFETCH(QByteArray, status);
         QFETCH(qint64, bytes);
@@ -89,7 +88,7 @@ private Q_SLOTS:
         }
         std::vector<std::unique_ptr<RawClient>> all;
         for (int i = 0; i < std::max(1, clients); ++i)
-            all.push_back(std::make_unique<RawClient>(source.port(), request));
+            all.push_back(std::make_unique<RawClient>(source.port(), fetched<QByteArray>("request")));
         QTRY_VERIFY_WITH_TIMEOUT(std::all_of(all.begin(), all.end(), [](const auto &c) { return c->closed; }), 20000);
         for (const auto &client : all) {
             QCOMPARE(client->status(), status);
