@@ -161,27 +161,6 @@ private Q_SLOTS:
         QCOMPARE(m_outcomes->count("languageChange"), 2);
     }
 
-    void theListComesAfterTheTokenAndNamesTheFolder()
-    {
-        writeFile(m_service->folder() + "/en.json", R"({"ts": 7, "contents": {"a": "A"}})");
-        writeFile(m_service->folder() + "/es.json", R"({"contents": {"a": "A"}})");
-        writeFile(m_service->folder() + "/notes.txt", "not a bundle");
-        const qint64 esModified = QFileInfo(m_service->folder() + "/es.json").lastModified().toSecsSinceEpoch();
-
-        auto recorder = std::make_shared<HandlerRecorder>();
-        BMI18NServiceManager *service = BMI18NServiceManager::sharedInstance();
-        service->requestI18NBundleInfoWithSuccessBlock(recorder->success(), recorder->failure());
-        QTRY_COMPARE(recorder->count(), 1);
-        const HandlerRecorder::Outcome outcome = recorder->outcomes().first();
-        QVERIFY(outcome.succeeded);
-        QCOMPARE(m_service->requestedPaths(), QStringList({"/api/v2/auth/token", "/api/v2/message/info"}));
-        const QVariantList list = outcome.response.value("data").toMap().value("bundleArray").toList();
-        QCOMPARE(list.size(), 2);
-        QCOMPARE(list.at(0).toMap(), QVariantMap({{"_id", "en"}, {"ts", 7}}));
-        // Without a time stamp in the file, its modification time stands in.
-        QCOMPARE(list.at(1).toMap().value("ts").toLongLong(), esModified);
-    }
-
     void theServiceRefusesOversizedRequests_data()
     {
         QTest::addColumn<QByteArray>("request");
