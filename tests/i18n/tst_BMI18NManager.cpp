@@ -81,8 +81,7 @@ private Q_SLOTS:
         m_service->setFolder(m_env->filePath("bundles"));
         QDir().mkpath(m_service->folder());
         QVERIFY(m_service->listen() != 0);
-        // The trailing slash must go: every request path below would show it.
-        BMSDKRestServiceManager::setBrightmereServerURL(m_service->baseUrl() + u'/');
+        BMSDKRestServiceManager::setBrightmereServerURL(m_service->baseUrl());
         BMI18NServiceManager::sharedInstance()->clearAuthorizationToken();
 
         m_outcomes = std::make_unique<Outcomes>();
@@ -159,6 +158,12 @@ private Q_SLOTS:
             QVERIFY(!log.lines().isEmpty());
         }
         QCOMPARE(m_outcomes->count("languageChange"), 2);
+    }
+
+    void serviceAddressLosesItsTrailingSlash()
+    {
+        BMSDKRestServiceManager::setBrightmereServerURL("https://i18n.example/root//");
+        QCOMPARE(BMI18NServiceManager::bundleInfoUrl(), QStringLiteral("https://i18n.example/root/api/v2/message/info"));
     }
 
     void theServiceRefusesOversizedRequests_data()
