@@ -285,6 +285,21 @@ private Q_SLOTS:
         QVERIFY(!inFile || QFileInfo(path).size() < UserDefaults::kLargeValueBytes);
     }
 
+    // The saved sets undo a refused write themselves; the other keys rely on
+    // the defaults alone, which must not hand the refused value back.
+    void refusedWriteIsNotReadBack()
+    {
+        const QString path = m_env->filePath(QStringLiteral("box/store.ini"));
+        UserDefaults defaults(path);
+        const QString box = m_env->filePath(QStringLiteral("box"));
+        QDir(box).removeRecursively();
+        QVERIFY(QFile(box).open(QIODevice::WriteOnly)); // a file where the folder goes
+        defaults.setObject(2, QStringLiteral("small"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("synchronising .* failed")));
+        QVERIFY(!defaults.synchronize());
+        QCOMPARE(defaults.integerForKey(QStringLiteral("small")), 0);
+    }
+
     void concurrentWritersLoseNothing()
     {
         UserDefaults &defaults = UserDefaults::standard();
