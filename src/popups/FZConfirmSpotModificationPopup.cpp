@@ -76,7 +76,8 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
     QPalette palette = m_note->palette();
     // System colour 1, not 3: colour 3 on the white card cannot be read.
     // Lines with a colour of their own keep it.
-    palette.setColor(QPalette::WindowText, Brightmere::Color::system(1));
+    palette.setColor(QPalette::WindowText,
+                     Brightmere::Color::fixedColor(Brightmere::Color::system(1), Brightmere::Color::system(2)));
     m_note->setPalette(palette);
     layout->addWidget(m_note, 1, Qt::AlignVCenter);
 

@@ -70,6 +70,21 @@ void setTextColor(QWidget *view, const QColor &color)
     view->setPalette(palette);
 }
 
+// The notes on the white panel: the table's medium grey darkened just enough
+// to read there.
+QColor noteColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_gray")), Color::named(QStringLiteral("fz_chart_back")),
+                               Color::kTextContrast);
+}
+
+// The unit under the speed, on the pale face of the "wifiCounter" image.
+QColor unitColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_gray")), Color::colorFromHex(QStringLiteral("F7F9FB")),
+                               Color::kTextContrast);
+}
+
 QVBoxLayout *column(int left, int top, int right, int bottom)
 {
     auto *layout = new QVBoxLayout;
@@ -125,6 +140,11 @@ void BMWifiScanView::buildPanel()
     m_lblSSID = new BMLabel(m_viewBordered);
     m_lblSSID->setObjectName(QStringLiteral("lblSSID"));
     styleLabel(m_lblSSID, 13, QFont::Normal, Color::colorWithHexString(QStringLiteral("3593da")));
+    View::followContrast(m_lblSSID, [this] {
+        const QColor blue = Color::colorWithHexString(QStringLiteral("3593da"));
+        setTextColor(m_lblSSID, Color::fixedColor(blue, Color::named(QStringLiteral("fz_chart_back"))));
+        showNetwork(m_ssid, m_bssid);
+    });
     m_lblSSID->setTextFormat(Qt::RichText);
     m_lblSSID->setFixedHeight(px(kSsidHeight));
     QVBoxLayout *ssid = column(kMargin, 0, kMargin, 0);
@@ -134,7 +154,7 @@ void BMWifiScanView::buildPanel()
 
     m_lblPreparing = new BMLabel(m_viewBordered);
     m_lblPreparing->setObjectName(QStringLiteral("lblPreparing"));
-    styleLabel(m_lblPreparing, 15, QFont::DemiBold, Color::named(QStringLiteral("medium_gray")));
+    styleLabel(m_lblPreparing, 15, QFont::DemiBold, noteColor());
     m_lblPreparing->setFixedHeight(px(24));
     QVBoxLayout *preparing = column(0, kChartHeight / 2 - 12, 0, 0);
     preparing->addWidget(m_lblPreparing);
@@ -165,7 +185,8 @@ void BMWifiScanView::buildPanel()
     m_pageResults = new PageControl(m_viewBordered);
     m_pageResults->setObjectName(QStringLiteral("pageResults"));
     m_pageResults->setNumberOfPages(kTutorialPages);
-    m_pageResults->setPageIndicatorTintColor(Color::named(QStringLiteral("disable_gray")));
+    m_pageResults->setPageIndicatorTintColor(Color::withContrast(
+        Color::named(QStringLiteral("disable_gray")), Color::named(QStringLiteral("fz_chart_back")), Color::kLargeContrast));
     m_pageResults->setCurrentPageIndicatorTintColor(Color::named(QStringLiteral("medium_blue")));
     m_pageResults->setFixedHeight(px(kPageDotsHeight));
     View::setBackgroundColor(m_pageResults, Color::named(QStringLiteral("fz_chart_back")));
@@ -215,7 +236,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_lblWifiSpeed->setFixedSize(px(kCounterSize), px(kSpeedHeight));
     m_lblUnit = new BMLabel(m_viewBordered);
     m_lblUnit->setObjectName(QStringLiteral("lblUnit"));
-    styleLabel(m_lblUnit, 11, QFont::DemiBold, Color::named(QStringLiteral("medium_gray")));
+    styleLabel(m_lblUnit, 11, QFont::DemiBold, unitColor());
     m_lblUnit->setFixedSize(px(kCounterSize), px(kUnitHeight));
     QVBoxLayout *figures = column(0, kSpeedTop, 0, 0);
     figures->addWidget(m_lblWifiSpeed);
@@ -235,7 +256,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_btnRecordReset->setFixedSize(px(kControlSize), px(kControlSize));
     m_lblHoldToAverage = new BMLabel(m_viewBordered);
     m_lblHoldToAverage->setObjectName(QStringLiteral("lblHoldToAverage"));
-    styleLabel(m_lblHoldToAverage, 11, QFont::Normal, Color::named(QStringLiteral("medium_gray")),
+    styleLabel(m_lblHoldToAverage, 11, QFont::Normal, noteColor(),
                Qt::AlignHCenter | Qt::AlignTop);
     // A longer translation takes a second line under the control, and a
     // still longer one ends in an ellipsis.
@@ -355,13 +376,16 @@ void BMWifiScanView::retranslate(bool testing)
 
 void BMWifiScanView::showNetwork(const QString &ssid, const QString &bssid)
 {
+    m_ssid = ssid;
+    m_bssid = bssid;
     if (ssid.isEmpty()) {
         m_lblSSID->clear();
         return;
     }
     QString text = ssid.toHtmlEscaped();
     if (!bssid.isEmpty()) {
-        const QString grey = Color::colorToString(Color::colorWithHexString(QStringLiteral("999999")));
+        const QString grey = Color::colorToString(Color::fixedColor(Color::colorWithHexString(QStringLiteral("999999")),
+                                                                    Color::named(QStringLiteral("fz_chart_back"))));
         text += QStringLiteral("<span style=\"color:#%1\"> (%2)</span>").arg(grey, bssid.toHtmlEscaped());
     }
     m_lblSSID->setText(text);
@@ -435,7 +459,7 @@ void BMWifiScanView::setRecording(bool recording)
     } else {
         m_counterImageName = QStringLiteral("wifiCounter");
         setTextColor(m_lblWifiSpeed, m_lblWifiSpeedNormalColor);
-        setTextColor(m_lblUnit, Color::named(QStringLiteral("medium_gray")));
+        setTextColor(m_lblUnit, unitColor());
     }
     showCounterImage();
 }

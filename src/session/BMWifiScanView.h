@@ -119,4 +119,6 @@ private:
     QPointer<Brightmere::PageControl> m_pageResults;
     QString m_counterImageName;
     QColor m_lblWifiSpeedNormalColor;
+    QString m_ssid;
+    QString m_bssid;
 };

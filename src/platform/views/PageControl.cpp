@@ -54,8 +54,12 @@ void PageControl::paintEvent(QPaintEvent *)
 {
     if (m_numberOfPages <= 0)
         return;
-    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor
-                                                          : Color::named(QStringLiteral("disable_gray"));
+    // Without a tint of the host's, dots that stand out from the page as a
+    // control's parts must (3:1).
+    const QColor dot = m_pageIndicatorTintColor.isValid()
+                           ? m_pageIndicatorTintColor
+                           : Color::withContrast(Color::named(QStringLiteral("disable_gray")),
+                                                 palette().color(QPalette::Window), Color::kLargeContrast);
     const QColor current = m_currentPageIndicatorTintColor.isValid()
                                ? m_currentPageIndicatorTintColor
                                : Color::named(QStringLiteral("medium_blue"));

@@ -111,7 +111,13 @@ void FZSavedSpotsCell::layoutContent()
 
 void FZSavedSpotsCell::paintBackground()
 {
-    Brightmere::View::setBackgroundColor(m_content, m_showsSelection
-                                                        ? Brightmere::Color::named(QStringLiteral("fz_compare_set"))
-                                                        : Brightmere::Color::system(4));
+    const QColor background = m_showsSelection ? Brightmere::Color::named(QStringLiteral("fz_compare_set"))
+                                               : Brightmere::Color::system(4);
+    Brightmere::View::setBackgroundColor(m_content, background);
+    // The secondary label grey as it shows on this background, darkened
+    // until it reads there.
+    QPalette palette = m_dateTextView->palette();
+    palette.setColor(QPalette::WindowText, Brightmere::Color::withContrast(Brightmere::Color::system(1), background,
+                                                                           Brightmere::Color::kTextContrast));
+    m_dateTextView->setPalette(palette);
 }

@@ -34,7 +34,10 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
     m_detailLabel->setTextFormat(Qt::PlainText);
     m_detailLabel->setFont(Brightmere::View::fontOfSize(kDetailPoints));
     QPalette detailPalette = m_detailLabel->palette();
-    detailPalette.setColor(QPalette::WindowText, Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
+    detailPalette.setColor(QPalette::WindowText,
+                           Brightmere::Color::withContrast(Brightmere::Color::colorWithHexString(QStringLiteral("999999")),
+                                                           palette.color(QPalette::Window),
+                                                           Brightmere::Color::kTextContrast));
     m_detailLabel->setPalette(detailPalette);
     m_detailLabel->hide();
 

@@ -73,6 +73,12 @@ QIcon tintedImage(const QString &name, const QColor &color)
     return QIcon(pixmap);
 }
 
+// The table's medium blue, darkened to read on the white page.
+QColor actionColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_blue")), Color::system(2), Color::kTextContrast);
+}
+
 QToolButton *actionButton(const QString &objectName, QWidget *parent)
 {
     auto *button = new QToolButton(parent);
@@ -81,7 +87,7 @@ QToolButton *actionButton(const QString &objectName, QWidget *parent)
     button->setIconSize(QSize(pixelsForPoints(kIconSize), pixelsForPoints(kIconSize)));
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setMinimumHeight(pixelsForPoints(kActionRowHeight));
-    QColor tint = Color::named(QStringLiteral("medium_blue"));
+    QColor tint = actionColor();
     QColor pressed = tint;
     pressed.setAlphaF(0.4f);
     button->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; color: %1;"
@@ -143,7 +149,7 @@ void FZSpotNamesSettingsViewController::buildView()
     m_spotNamesTextView->setFont(View::fontOfSize(kTextPoints));
     m_spotNamesTextView->installEventFilter(this);
 
-    const QColor tint = Color::named(QStringLiteral("medium_blue"));
+    const QColor tint = actionColor();
     m_editIcon = tintedImage(QStringLiteral("iconEdit"), tint);
     m_shareIcon = tintedImage(QStringLiteral("iconShare"), tint);
 
@@ -174,9 +180,12 @@ void FZSpotNamesSettingsViewController::viewDidLoad()
     BMSDKUIBaseViewController::viewDidLoad();
     m_originalString = spotNamesAsString();
     m_spotNamesTextView->setPlainText(m_originalString);
-    QPalette palette = m_spotNamesTextView->palette();
-    palette.setColor(QPalette::Text, Color::colorFromHex(QStringLiteral("999999")));
-    m_spotNamesTextView->setPalette(palette);
+    // Readable on the grey of editing too, where high contrast asks for it.
+    Brightmere::View::followContrast(m_spotNamesTextView, [view = m_spotNamesTextView] {
+        QPalette palette = view->palette();
+        palette.setColor(QPalette::Text, Color::fixedColor(Color::colorFromHex(QStringLiteral("999999")), Color::system(3)));
+        view->setPalette(palette);
+    });
 
     NotificationCenter &center = NotificationCenter::defaultCenter();
     center.addObserver(this, QString::fromLatin1(KeyboardNotifications::kKeyboardDidShowNotification),
