@@ -44,6 +44,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void nameSortButton();
     void touchUpInside();
 
     QLabel *m_titleLabel = nullptr;
@@ -52,6 +53,7 @@ private:
     QLabel *m_iconImageView = nullptr;
     QPushButton *m_button = nullptr;
     QString m_iconName;
+    QString m_sortTitle;
     FZSpotsSetsHeaderCollectionViewCellDelegate *m_delegate = nullptr;
     int m_column = -1;
 };
