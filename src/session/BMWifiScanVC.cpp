@@ -438,8 +438,7 @@ void BMWifiScanVC::actSoundOnOff()
 {
     const bool enabled = !m_session->isSoundEnabled();
     m_session->setSoundEnabled(enabled);
-    BMWifiScanView::showImage(btnSound(), enabled ? QStringLiteral("buttonAudioOn") : QStringLiteral("buttonAudioOff"));
-    Brightmere::AccessibleWidget::setToggle(btnSound(), enabled);
+    m_view->showSound(enabled);
     if (BMWifiScanVCDelegate *delegate = fzDelegate())
         delegate->wifiScanVCActSoundOnOff(this, enabled);
 }

@@ -146,8 +146,7 @@ void BMWifiScanView::buildPanel()
     m_btnSound = new BMImageButton(m_viewBordered);
     m_btnSound->setObjectName(QStringLiteral("btnSound"));
     m_btnSound->setFixedSize(px(kSoundSize), px(kSoundSize));
-    showImage(m_btnSound, QStringLiteral("buttonAudioOff"));
-    Brightmere::AccessibleWidget::setToggle(m_btnSound, false);
+    showSound(false);
     // kMargin in from the corner.
     QVBoxLayout *sound = column(0, kMargin, kMargin, 0);
     sound->addWidget(m_btnSound, 0, Qt::AlignRight);
@@ -209,7 +208,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     row->addLayout(start, 0, 0);
 
     m_wifiCounterBackground = new QLabel(m_viewBordered);
-    Brightmere::AccessibleWidget::exposeValue(m_wifiCounterBackground, QAccessible::Indicator);
+    Brightmere::AccessibleWidget::exposeValue(m_wifiCounterBackground, QAccessible::StaticText);
     m_wifiCounterBackground->setObjectName(QStringLiteral("wifiCounterBackground"));
     m_wifiCounterBackground->setAlignment(Qt::AlignCenter);
     m_wifiCounterBackground->setFixedSize(px(kCounterSize), px(kCounterSize));
@@ -359,10 +358,19 @@ void BMWifiScanView::retranslate(bool testing)
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
     m_btnStartStop->setAccessibleName(
         BMI18NManager::stringForCode(testing ? QStringLiteral("a11y_stop_test") : QStringLiteral("a11y_start_test"))); // i18n-key
-    m_btnSound->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_sound")));
+    showSound(m_soundOn);
     m_wifiCounterBackground->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_speed")));
     if (m_pageResults)
         m_pageResults->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_tutorial_page")));
+}
+
+void BMWifiScanView::showSound(bool on)
+{
+    m_soundOn = on;
+    showImage(m_btnSound, on ? QStringLiteral("buttonAudioOn") : QStringLiteral("buttonAudioOff"));
+    Brightmere::AccessibleWidget::setToggle(m_btnSound, on);
+    m_btnSound->setAccessibleName(
+        BMI18NManager::stringForCode(on ? QStringLiteral("a11y_sound_on") : QStringLiteral("a11y_sound_off"))); // i18n-key
 }
 
 void BMWifiScanView::showNetwork(const QString &ssid, const QString &bssid)

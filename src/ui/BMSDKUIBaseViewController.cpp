@@ -228,6 +228,9 @@ void BMSDKUIBaseViewController::replaceNativeBackButton()
             self->backAction(back);
     });
     navigationItem()->setLeftBarButtonItem(back);
+    // Made after the screen appeared (the saved list makes it on leaving
+    // compare mode): named now, not at the next appearance.
+    refreshBackNames();
 }
 
 void BMSDKUIBaseViewController::backAction(QObject *sender)

@@ -112,7 +112,7 @@ QString AccessibleWidget::text(QAccessible::Text t) const
 
 void *AccessibleWidget::interface_cast(QAccessible::InterfaceType type)
 {
-    if (type == QAccessible::ValueInterface && (m_role == QAccessible::Slider || widget()->property(kValueProperty).isValid()))
+    if (type == QAccessible::ValueInterface && (m_role == QAccessible::Slider || widget()->property(kRoleProperty).isValid()))
         return static_cast<QAccessibleValueInterface *>(this);
     return QAccessibleWidget::interface_cast(type);
 }

@@ -79,7 +79,8 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
 // The heading as a reader hears it: what a tap sorts by, and the order shown.
 void FZSpotsSetsHeaderCollectionViewCell::nameSortButton()
 {
-    const QString key = m_iconName == u"arrowUpIcon"     ? QStringLiteral("a11y_sort_ascending")
+    const QString key = !m_sortInForce                  ? QStringLiteral("a11y_sort_by")
+                      : m_iconName == u"arrowUpIcon"     ? QStringLiteral("a11y_sort_ascending")
                       : m_iconName == u"arrowDownIcon" ? QStringLiteral("a11y_sort_descending")
                                                        : QStringLiteral("a11y_sort_by"); // i18n-key
     const QString name = Brightmere::StringFormat::print(BMI18NManager::stringForCode(key), m_sortTitle.toLower());
@@ -101,6 +102,12 @@ void FZSpotsSetsHeaderCollectionViewCell::setDetail(const QString &detail)
 {
     m_detailLabel->setText(detail);
     m_detailLabel->setVisible(!detail.isEmpty());
+}
+
+void FZSpotsSetsHeaderCollectionViewCell::setSortInForce(bool inForce)
+{
+    m_sortInForce = inForce;
+    nameSortButton();
 }
 
 void FZSpotsSetsHeaderCollectionViewCell::setIconNamed(const QString &name)
