@@ -1,5 +1,7 @@
 #include "FZConfirmSpotModificationPopup.h"
 
+#include <QTextDocumentFragment>
+
 #include "platform/views/Switch.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -83,6 +85,8 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
 
     m_optionSwitch = new Brightmere::Switch(row);
     m_optionSwitch->setObjectName(QStringLiteral("optionSwitch"));
+    m_optionSwitch->setAccessibleName(
+        m_noteFormat == Qt::RichText ? QTextDocumentFragment::fromHtml(option).toPlainText() : option);
     layout->addWidget(m_optionSwitch, 0, Qt::AlignVCenter);
 
     m_viewOnTopOfOptions = row;

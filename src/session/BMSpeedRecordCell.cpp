@@ -190,6 +190,11 @@ void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool 
     m_lblArea->setText(record->label());
     m_lblArea->setCursorPosition(0);
     m_lblSpeed->setText(BMI18NManager::formatNumber(record->speedInMbps(), 1, 1));
+    setAccessibleName(record->label() + QStringLiteral(", ") + m_lblSpeed->text() + u' '
+                      + BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    m_lblArea->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_spot_name")));
+    setDeleteAccessibleName(
+        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), record->label()));
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
 
     double seconds = std::ceil(record->duration());

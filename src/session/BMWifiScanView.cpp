@@ -1,5 +1,7 @@
 #include "BMWifiScanView.h"
 
+#include "platform/views/AccessibleWidget.h"
+
 #include "BMFairzoneTutorialPageView.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
@@ -164,7 +166,7 @@ void BMWifiScanView::buildPanel()
     m_btnSound = new BMImageButton(m_viewBordered);
     m_btnSound->setObjectName(QStringLiteral("btnSound"));
     m_btnSound->setFixedSize(px(kSoundSize), px(kSoundSize));
-    showImage(m_btnSound, QStringLiteral("buttonAudioOff"));
+    showSound(false);
     // kMargin in from the corner.
     QVBoxLayout *sound = column(0, kMargin, kMargin, 0);
     sound->addWidget(m_btnSound, 0, Qt::AlignRight);
@@ -227,6 +229,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     row->addLayout(start, 0, 0);
 
     m_wifiCounterBackground = new QLabel(m_viewBordered);
+    Brightmere::AccessibleWidget::exposeValue(m_wifiCounterBackground, QAccessible::StaticText);
     m_wifiCounterBackground->setObjectName(QStringLiteral("wifiCounterBackground"));
     m_wifiCounterBackground->setAlignment(Qt::AlignCenter);
     m_wifiCounterBackground->setFixedSize(px(kCounterSize), px(kCounterSize));
@@ -280,6 +283,8 @@ QWidget *BMWifiScanView::makePlotHolder()
     delete m_viewPlotHolder.data();
     m_viewPlotHolder = new QWidget(m_viewBordered);
     m_viewPlotHolder->setObjectName(QStringLiteral("viewPlotHolder"));
+    Brightmere::AccessibleWidget::exposeValue(m_viewPlotHolder, QAccessible::Chart);
+    m_viewPlotHolder->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_speed_chart")));
     placePlotHolder();
     m_viewPlotHolder->show();
     // The notes and the tutorial stay over the chart, the controls over all.
@@ -372,6 +377,21 @@ void BMWifiScanView::retranslate(bool testing)
     updateRecordResetLabel(testing);
     m_lblPreparing->setText(BMI18NManager::stringForCode(QStringLiteral("preparing")));
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    m_btnStartStop->setAccessibleName(
+        BMI18NManager::stringForCode(testing ? QStringLiteral("a11y_stop_test") : QStringLiteral("a11y_start_test"))); // i18n-key
+    showSound(m_soundOn);
+    m_wifiCounterBackground->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_speed")));
+    if (m_pageResults)
+        m_pageResults->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_tutorial_page")));
+}
+
+void BMWifiScanView::showSound(bool on)
+{
+    m_soundOn = on;
+    showImage(m_btnSound, on ? QStringLiteral("buttonAudioOn") : QStringLiteral("buttonAudioOff"));
+    Brightmere::AccessibleWidget::setToggle(m_btnSound, on);
+    m_btnSound->setAccessibleName(
+        BMI18NManager::stringForCode(on ? QStringLiteral("a11y_sound_on") : QStringLiteral("a11y_sound_off"))); // i18n-key
 }
 
 void BMWifiScanView::showNetwork(const QString &ssid, const QString &bssid)
@@ -396,6 +416,8 @@ void BMWifiScanView::updateRecordResetLabel(bool testing)
     m_btnRecordReset->setTitle(BMI18NManager::stringForCode(QStringLiteral("reset")), BMImageButton::State::Disabled);
     const QString normalKey = testing ? QStringLiteral("record") : QStringLiteral("reset"); // i18n-key
     m_btnRecordReset->setTitle(BMI18NManager::stringForCode(normalKey));
+    m_btnRecordReset->setAccessibleName(
+        BMI18NManager::stringForCode(testing ? QStringLiteral("a11y_record_spot") : QStringLiteral("a11y_clear_spots"))); // i18n-key
 }
 
 QIcon BMWifiScanView::barIcon(bool dots)

@@ -1,5 +1,9 @@
 #include "PageControl.h"
 
+#include "AccessibleWidget.h"
+
+#include <QAccessible>
+
 #include "ui/BrightmereColor.h"
 
 #include <QMouseEvent>
@@ -23,8 +27,13 @@ void PageControl::setNumberOfPages(int pages)
 
 void PageControl::setCurrentPage(int page)
 {
+    const int before = m_currentPage;
     m_currentPage = qBound(0, page, qMax(0, m_numberOfPages - 1));
     update();
+    if (before != m_currentPage) {
+        QAccessibleValueChangeEvent event(this, m_currentPage + 1);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void PageControl::setPageIndicatorTintColor(const QColor &color)

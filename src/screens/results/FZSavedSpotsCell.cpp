@@ -1,5 +1,9 @@
 #include "FZSavedSpotsCell.h"
 
+#include "i18n/BMI18NManager.h"
+
+#include "platform/foundation/StringFormat.h"
+
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "resources/FrameworkBundle.h"
@@ -72,6 +76,9 @@ void FZSavedSpotsCell::setupWithSpotsSet(const FZHistoricalResultSpotsSet::Ptr &
     }
     m_nameTextView->setText(spotsSet->name());
     m_dateTextView->setText(BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(spotsSet->date()));
+    setAccessibleName(spotsSet->name() + QStringLiteral(", ") + m_dateTextView->text());
+    setDeleteAccessibleName(
+        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), spotsSet->name()));
     // The mark only means something while sets are being picked.
     m_comparableIconImageView->setVisible(mode == 1 && spotsSet->isComparable());
     layoutContent();
@@ -81,6 +88,7 @@ void FZSavedSpotsCell::setSelected(bool selected, bool animated)
 {
     BMTableViewCell::setSelected(selected, animated);
     m_showsSelection = selected;
+    setAccessibleSelected(selected);
     paintBackground();
 }
 

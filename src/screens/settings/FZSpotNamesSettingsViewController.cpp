@@ -199,6 +199,7 @@ void FZSpotNamesSettingsViewController::refreshUITexts()
 {
     using Brightmere::View::literalButtonText;
     setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_spot_names")));
+    m_spotNamesTextView->setAccessibleName(title());
     if (m_editing) {
         m_leftButton->setText(literalButtonText(BMI18NManager::stringForCode(QStringLiteral("cancel"))));
         m_rightButton->setText(
