@@ -202,7 +202,6 @@ private Q_SLOTS:
         QTest::addColumn<QVariantList>("arguments");
         QTest::addColumn<QString>("expected");
         QTest::newRow("objects, non-ASCII") << "'%@' – ñ %@" << QVariantList{"Home", "already exists"} << "'Home' – ñ already exists";
-        QTest::newRow("long unsigned") << "Added plot %lu" << QVariantList{qulonglong(3)} << "Added plot 3";
         QTest::newRow("precision rounded, and its default") << "%.2f %@ %f" << QVariantList{12.345678, "Mbps", 1.5}
                                                             << "12.35 Mbps 1.500000";
         QTest::newRow("negative") << "%d|%.1f" << QVariantList{-4, -0.25} << "-4|-0.2";
