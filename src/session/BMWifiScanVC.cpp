@@ -371,6 +371,7 @@ void BMWifiScanVC::onTestStopped()
     if (m_spotsTable)
         MainQueue::cancelAll(m_spotsTable);
     lblWifiSpeed()->setText(BMI18NManager::formatNumber(0.0, 1, 1));
+    announceSpeed(0.0, true);
     m_view->showTesting(false);
     btnStartStop()->setEnabled(true);
     btnRecordReset()->setEnabled(!m_session->testedSpeeds().isEmpty());
@@ -415,7 +416,7 @@ void BMWifiScanVC::onResultAccepted(const WifiTestResult::Ptr &result, double sh
 
 // A reader hears the speed at most once a second, and the hold's progress
 // on the record control.
-void BMWifiScanVC::announceSpeed(double shown)
+void BMWifiScanVC::announceSpeed(double shown, bool atOnce)
 {
     const double now = BMSDKBackend::clock().now();
     if (m_session->isRecording() && btnRecordReset()) {
@@ -424,7 +425,7 @@ void BMWifiScanVC::announceSpeed(double shown)
             int(std::clamp(now - m_recordingSince, 0.0, 1e6))));
         Brightmere::AccessibleWidget::announceName(btnRecordReset());
     }
-    if (now - m_speedAnnouncedAt < 1.0 || !m_view)
+    if ((!atOnce && now - m_speedAnnouncedAt < 1.0) || !m_view)
         return;
     m_speedAnnouncedAt = now;
     const QString text = BMI18NManager::formatNumber(shown, 1, 1) + u' '
@@ -565,6 +566,7 @@ void BMWifiScanVC::onSpotsReset()
     lblWifiSpeed()->setText(BMI18NManager::formatNumber(0.0, 1, 1));
     btnRecordReset()->setEnabled(false);
     reloadPlot();
+    announceSpeed(0.0, true);
     tellDelegate(&BMWifiScanVCDelegate::wifiScanVCActReset);
     m_spotsTable->reloadRecords();
 }

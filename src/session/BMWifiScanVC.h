@@ -106,7 +106,9 @@ public:
     void actRecordResetTouchUp(bool inside);
     void actSoundOnOff();
     void menuButtonTapped();
-    void announceSpeed(double shown);
+    // The speed as readers hear it, at most once a second unless atOnce
+    // (a stop or a reset shows 0.0 at once).
+    void announceSpeed(double shown, bool atOnce = false);
     void leftMenuBtnTapped();
     // The history control on the bar: the saving menu.
     virtual void menuHistoricalResultsTapped();
