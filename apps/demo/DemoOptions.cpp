@@ -27,12 +27,15 @@ struct Parser
     QCommandLineOption screenshot{QStringLiteral("screenshot"),
                                   QStringLiteral("Run a test a few seconds, save the window to <file> (PNG) and exit."),
                                   QStringLiteral("file")};
+    QCommandLineOption textScale{QStringLiteral("text-scale"),
+                                 QStringLiteral("Application font this many times the system's (0.5 to 4), as a user who asked for larger text has it."),
+                                 QStringLiteral("factor")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")};
 
     Parser()
     {
         parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
-        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, help});
+        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, textScale, help});
     }
 };
 
@@ -82,6 +85,12 @@ DemoOptions DemoOptions::parse(const QStringList &arguments, const QProcessEnvir
     options.anyLink = p.parser.isSet(p.anyLink);
     if (options.anyLink && options.testerUrl.isEmpty() && options.errors.isEmpty())
         options.errors << QStringLiteral("--any-link goes with --tester");
+    if (p.parser.isSet(p.textScale)) {
+        bool ok = false;
+        options.textScale = p.parser.value(p.textScale).toDouble(&ok);
+        if (!ok || !(options.textScale >= 0.5 && options.textScale <= 4.0))
+            options.errors << QStringLiteral("--text-scale: not a factor from 0.5 to 4: %1").arg(p.parser.value(p.textScale).left(20));
+    }
     options.walkthroughDir = p.parser.value(p.walkthrough);
     options.screenshotPath = p.parser.value(p.screenshot);
     if (!options.walkthroughDir.isEmpty() && !options.screenshotPath.isEmpty())

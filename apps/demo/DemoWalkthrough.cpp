@@ -139,6 +139,7 @@ void DemoWalkthrough::recordSpot(int resultsWhileHeld)
 {
     m_window->scan()->actRecordResetTouchDown();
     results(resultsWhileHeld);
+    moment(QStringLiteral("recording"));
     m_window->scan()->actRecordResetTouchUp(true);
     settle();
 }
@@ -176,9 +177,16 @@ bool DemoWalkthrough::choose(FZOptionsPopup *popup, int index)
     return false;
 }
 
+void DemoWalkthrough::moment(const QString &name)
+{
+    if (m_pictureHook)
+        m_pictureHook(m_window, name);
+}
+
 bool DemoWalkthrough::snap(const QString &path)
 {
     settle();
+    moment(QFileInfo(path).completeBaseName());
     return m_window->grab().save(path);
 }
 
@@ -432,6 +440,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              const QString gone = scan->session()->recordedSpeeds().at(2)->label();
              row->setEditing(true, true); // as a swipe does
              settle();
+             moment(QStringLiteral("swiped-row"));
              if (!choose(scan->spotsTable()->editPopup(), kConfirmDeleteOption)) {
                  detail = QStringLiteral("no delete confirmation");
                  return false;
@@ -499,6 +508,8 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              list->enableCompareSetsMode();
              list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
              list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+             settle();
+             moment(QStringLiteral("compare-picking"));
              if (!list->readyToCompareSpotsSets())
                  return false;
              list->forwardButton()->trigger();

@@ -16,6 +16,7 @@
 class DemoOptions;
 class DemoWindow;
 class FZOptionsPopup;
+class QWidget;
 
 namespace Brightmere {
 class ViewController;
@@ -59,11 +60,19 @@ public:
     // Walks the window's screens; true when every step did what it should.
     bool run(DemoWindow *window, const DemoOptions &options);
     const QList<Step> &steps() const { return m_steps; }
+    // Called with the window and the picture's name ("08-delete") just
+    // before each picture is taken, the screen as it is shown; also at a
+    // few moments no picture keeps: "recording" (a hold under way),
+    // "swiped-row" and "compare-picking" (two sets picked).
+    using PictureHook = std::function<void(QWidget *window, const QString &picture)>;
+    void setPictureHook(PictureHook hook) { m_pictureHook = std::move(hook); }
     QString summary() const;
 
 private:
     using Action = std::function<bool(QString &detail)>;
     bool step(const QString &name, const Action &action);
+    // Hands the screen as shown to the picture hook, under the name.
+    void moment(const QString &name);
     bool snap(const QString &path);
     bool snapStep();
     void results(int count);
@@ -102,6 +111,7 @@ private:
     bool m_withService = false;
     std::optional<bool> m_textsAnswer;
     QList<Step> m_steps;
+    PictureHook m_pictureHook;
     QString m_picture;
     bool m_pictureTaken = false;
     QStringList m_spotTables;
