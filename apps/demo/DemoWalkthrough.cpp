@@ -238,10 +238,20 @@ bool DemoWalkthrough::saveRunAs(const QString &title, QString &detail)
 }
 
 // As a user does: a tap on the name, typing, the end of the edit.
+// The spot's row, scrolled into sight first as a user would (with larger
+// text only a few rows show at once).
+BMSpeedRecordCell *DemoWalkthrough::spotRow(int row)
+{
+    Brightmere::TableView *table = m_window->scan()->tblRecords();
+    table->scrollToRowAtIndexPath(Brightmere::IndexPath(row, 0), Brightmere::TableView::ScrollPosition::None, false);
+    settle();
+    return qobject_cast<BMSpeedRecordCell *>(table->cellForRowAtIndexPath(Brightmere::IndexPath(row, 0)));
+}
+
 bool DemoWalkthrough::renameSpot(int row, const QString &name)
 {
     BMWifiScanVC *scan = m_window->scan();
-    auto *cell = qobject_cast<BMSpeedRecordCell *>(scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(row, 0)));
+    BMSpeedRecordCell *cell = spotRow(row);
     if (!cell)
         return false;
     scan->didBeginEditingSpeedRecord(cell);
@@ -413,8 +423,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
          }},
         {QStringLiteral("re-record"),
          [&](QString &detail) {
-             BMSpeedRecordCell *row = qobject_cast<BMSpeedRecordCell *>(
-                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(1, 0)));
+             BMSpeedRecordCell *row = spotRow(1);
              if (!row)
                  return false;
              scan->didStartTapReRecordView(row);
@@ -433,8 +442,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
         {QStringLiteral("delete"),
          [&](QString &detail) {
              scan->actStartStop(); // stopped, as a user deletes calmly
-             auto *row = qobject_cast<BMSpeedRecordCell *>(
-                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(2, 0)));
+             BMSpeedRecordCell *row = spotRow(2);
              if (!row)
                  return false;
              const QString gone = scan->session()->recordedSpeeds().at(2)->label();

@@ -15,6 +15,7 @@
 
 class DemoOptions;
 class DemoWindow;
+class BMSpeedRecordCell;
 class FZOptionsPopup;
 class QWidget;
 
@@ -79,6 +80,7 @@ private:
     void recordSpot(int resultsWhileHeld);
     bool choose(FZOptionsPopup *popup, int index);
     FZOptionsPopup *visibleOptionsPopup() const;
+    BMSpeedRecordCell *spotRow(int row);
     bool renameSpot(int row, const QString &name);
     bool saveRunAs(const QString &title, QString &detail);
     // A tap on the share button in the bar of the screen on top.

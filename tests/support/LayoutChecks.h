@@ -21,32 +21,13 @@ namespace LayoutChecks {
 // Whole screens lay layers over each other on purpose (a panel's overlays,
 // a popup over its screen, a click area over a heading, a chart's overhang,
 // a scrolled strip's pages): there only texts over each other (by more than
-// a pixel) or reaching outside count.
-enum class Overlaps { AnySiblings, Texts };
+// a pixel) count, and nothing reaching outside.
+enum Overlaps : bool { AnySiblings, Texts };
 
-inline QString shownText(const QWidget *w)
+inline QStringList faults(QWidget *root, Overlaps texts = AnySiblings)
 {
-    if (auto *label = qobject_cast<const QLabel *>(w))
-        return label->text();
-    if (auto *button = qobject_cast<const QAbstractButton *>(w))
-        return button->text();
-    auto *field = qobject_cast<const QLineEdit *>(w);
-    return field ? field->text() : QString();
-}
-
-inline bool inScrollArea(const QWidget *w)
-{
-    for (const QWidget *p = w->parentWidget(); p; p = p->parentWidget()) {
-        if (qobject_cast<const QAbstractScrollArea *>(p))
-            return true;
-    }
-    return false;
-}
-
-inline QStringList faults(QWidget *root, Overlaps overlaps = Overlaps::AnySiblings)
-{
-    const bool texts = overlaps == Overlaps::Texts;
-    const auto hasText = [](const QWidget *w) { return !shownText(w).isEmpty(); };
+    // Labels, buttons and fields all show their "text" property.
+    const auto textOf = [](const QWidget *w) { return w->property("text").toString(); };
     QStringList found;
     const auto shown = [root](const QWidget *w) {
         return w && !w->isWindow() && w->isVisibleTo(root) && !w->size().isEmpty();
@@ -56,25 +37,27 @@ inline QStringList faults(QWidget *root, Overlaps overlaps = Overlaps::AnySiblin
         if (!shown(widget) || qobject_cast<QAbstractScrollArea *>(parent))
             continue;
         const QString name = QString::fromLatin1(widget->metaObject()->className()) + " '" + widget->objectName() + "'";
-        if ((!texts || (hasText(widget) && !inScrollArea(widget)))
-            && !root->rect().contains(QRect(widget->mapTo(root, QPoint(0, 0)), widget->size())))
+        // (A whole screen's scrolled rows and strips reach past it on purpose.)
+        if (!texts && !root->rect().contains(QRect(widget->mapTo(root, QPoint(0, 0)), widget->size())))
             found << name + " reaches outside";
         const QObjectList siblings = qobject_cast<QStackedLayout *>(parent->layout()) ? QObjectList() : parent->children();
         for (qsizetype i = siblings.indexOf(widget) + 1; i > 0 && i < siblings.size(); ++i) {
             auto *other = qobject_cast<QWidget *>(siblings.at(i));
             const QRect common = shown(other) ? other->geometry().intersected(widget->geometry()) : QRect();
-            if (!common.isEmpty() && (!texts || (hasText(widget) && hasText(other) && qMin(common.width(), common.height()) > 1)))
+            if (!common.isEmpty()
+                && (!texts || (!textOf(widget).isEmpty() && !textOf(other).isEmpty() && qMin(common.width(), common.height()) > 1)))
                 found << name + " under '" + other->objectName() + "'";
         }
         auto *label = qobject_cast<QLabel *>(widget);
         if (label && !label->text().isEmpty()
             && (label->wordWrap() ? label->heightForWidth(label->width()) > label->height()
-                                  : label->sizeHint().width() > label->width()))
+                                  : label->sizeHint().width() > label->width()
+                                        || (texts && QFontMetrics(label->font()).height() > label->height())))
             found << name + " cut: " + label->text().left(40);
         // A BMLabel cuts only as it paints: an ellipsis in its text is the text's own.
-        else if (shownText(widget).contains(QChar(0x2026)) && !widget->inherits("BMLabel")
+        else if (textOf(widget).contains(QChar(0x2026)) && !widget->inherits("BMLabel")
                  && !widget->property("elidesOnPurpose").toBool())
-            found << name + " cut short: " + shownText(widget).left(40);
+            found << name + " cut short: " + textOf(widget).left(40);
         if ((label || qobject_cast<QAbstractButton *>(widget) || qobject_cast<QLineEdit *>(widget))
             && QFontInfo(widget->font()).pixelSize() < Brightmere::View::kMinimumTextPixels)
             found << name + " text under the smallest size";
