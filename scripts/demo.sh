@@ -2,8 +2,9 @@
 # Command 1 of the quick start: build everything and run the demo host.
 # With a display it opens in a phone-sized window. Without one it runs the
 # headless walkthrough offscreen: a picture per step into build/walkthrough/
-# (or BRIGHTMERE_WALKTHROUGH_DIR) and a summary on standard output; the exit
-# code is the walkthrough's (0 only when every step did what it should).
+# (or BRIGHTMERE_WALKTHROUGH_DIR) and a summary on standard output, then the
+# same tour with text 1.5 times larger into its large-text/ folder; the exit
+# code is 0 only when every step of both did what it should.
 # Arguments after the script's own go to the demo (see --help).
 #
 # The loopback localisation service starts with it on a free port, serving
@@ -23,15 +24,26 @@ fi
 "$root/scripts/setup.sh"
 
 demo_args=("$@")
+large_text_args=()
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     walk_dir=${BRIGHTMERE_WALKTHROUGH_DIR:-"$build_dir/walkthrough"}
-    echo "No display found: running the walkthrough offscreen into $walk_dir."
+    echo "No display found: running the walkthrough offscreen into $walk_dir (and large-text/)."
     export QT_QPA_PLATFORM=offscreen
     demo_args=(--walkthrough "$walk_dir" "$@")
+    large_text_args=(--walkthrough "$walk_dir/large-text" --text-scale 1.5 "$@")
 fi
 
+# The demo with the arguments given, then, headless, the large-text tour.
+run_demo() {
+    "$build_dir/apps/demo/brightmere_demo" "$@" "${demo_args[@]}" || return
+    if [ ${#large_text_args[@]} -gt 0 ]; then
+        "$build_dir/apps/demo/brightmere_demo" "$@" "${large_text_args[@]}"
+    fi
+}
+
 if [ "$with_service" -eq 0 ]; then
-    exec "$build_dir/apps/demo/brightmere_demo" "${demo_args[@]}"
+    run_demo
+    exit
 fi
 
 service_log=$(mktemp)
@@ -53,4 +65,4 @@ if [ -z "$url" ]; then
     exit 1
 fi
 echo "Localisation service at $url"
-"$build_dir/apps/demo/brightmere_demo" --i18n-service "$url" "${demo_args[@]}"
+run_demo --i18n-service "$url"

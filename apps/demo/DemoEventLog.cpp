@@ -36,6 +36,8 @@ DemoEventLog::DemoEventLog(QWidget *parent)
 
     m_header = new QPushButton(this);
     m_header->setObjectName(QStringLiteral("demoEventLogHeader"));
+    // One line of the latest entry: the rest is in the opened log.
+    m_header->setProperty("elidesOnPurpose", true);
     m_header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_header->setFixedHeight(kCollapsedHeight);
     m_header->setFont(logFont(9, QFont::DemiBold));

@@ -29,12 +29,15 @@ struct Parser
                                   QStringLiteral("file")};
     QCommandLineOption highContrast{QStringLiteral("high-contrast"),
                                     QStringLiteral("Show the kit as a host does whose system asks for high contrast.")};
+    QCommandLineOption textScale{QStringLiteral("text-scale"),
+                                 QStringLiteral("Application font this many times the system's (0.5 to 4), as a user who asked for larger text has it."),
+                                 QStringLiteral("factor")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")};
 
     Parser()
     {
         parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
-        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, highContrast, help});
+        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, highContrast, textScale, help});
     }
 };
 
@@ -85,6 +88,12 @@ DemoOptions DemoOptions::parse(const QStringList &arguments, const QProcessEnvir
     if (options.anyLink && options.testerUrl.isEmpty() && options.errors.isEmpty())
         options.errors << QStringLiteral("--any-link goes with --tester");
     options.highContrast = p.parser.isSet(p.highContrast);
+    if (p.parser.isSet(p.textScale)) {
+        bool ok = false;
+        options.textScale = p.parser.value(p.textScale).toDouble(&ok);
+        if (!ok || !(options.textScale >= 0.5 && options.textScale <= 4.0))
+            options.errors << QStringLiteral("--text-scale: not a factor from 0.5 to 4: %1").arg(p.parser.value(p.textScale).left(20));
+    }
     options.walkthroughDir = p.parser.value(p.walkthrough);
     options.screenshotPath = p.parser.value(p.screenshot);
     if (!options.walkthroughDir.isEmpty() && !options.screenshotPath.isEmpty())

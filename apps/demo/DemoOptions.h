@@ -27,6 +27,9 @@ public:
     QString walkthroughDir;
     // Non-empty: one picture of a running test, then exit.
     QString screenshotPath;
+    // The application font against the system's: above 1 the kit's text
+    // grows as it does for a user who asked for larger text.
+    double textScale = 1.0;
     // Problems found while reading; the demo shows them and exits 2.
     QStringList errors;
     bool helpShown = false;

@@ -139,6 +139,7 @@ void DemoWalkthrough::recordSpot(int resultsWhileHeld)
 {
     m_window->scan()->actRecordResetTouchDown();
     results(resultsWhileHeld);
+    moment(QStringLiteral("recording"));
     m_window->scan()->actRecordResetTouchUp(true);
     settle();
 }
@@ -176,9 +177,16 @@ bool DemoWalkthrough::choose(FZOptionsPopup *popup, int index)
     return false;
 }
 
+void DemoWalkthrough::moment(const QString &name)
+{
+    if (m_pictureHook)
+        m_pictureHook(m_window, name);
+}
+
 bool DemoWalkthrough::snap(const QString &path)
 {
     settle();
+    moment(QFileInfo(path).completeBaseName());
     return m_window->grab().save(path);
 }
 
@@ -230,10 +238,20 @@ bool DemoWalkthrough::saveRunAs(const QString &title, QString &detail)
 }
 
 // As a user does: a tap on the name, typing, the end of the edit.
+// The spot's row, scrolled into sight first as a user would (with larger
+// text only a few rows show at once).
+BMSpeedRecordCell *DemoWalkthrough::spotRow(int row)
+{
+    Brightmere::TableView *table = m_window->scan()->tblRecords();
+    table->scrollToRowAtIndexPath(Brightmere::IndexPath(row, 0), Brightmere::TableView::ScrollPosition::None, false);
+    settle();
+    return qobject_cast<BMSpeedRecordCell *>(table->cellForRowAtIndexPath(Brightmere::IndexPath(row, 0)));
+}
+
 bool DemoWalkthrough::renameSpot(int row, const QString &name)
 {
     BMWifiScanVC *scan = m_window->scan();
-    auto *cell = qobject_cast<BMSpeedRecordCell *>(scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(row, 0)));
+    BMSpeedRecordCell *cell = spotRow(row);
     if (!cell)
         return false;
     scan->didBeginEditingSpeedRecord(cell);
@@ -405,8 +423,7 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
          }},
         {QStringLiteral("re-record"),
          [&](QString &detail) {
-             BMSpeedRecordCell *row = qobject_cast<BMSpeedRecordCell *>(
-                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(1, 0)));
+             BMSpeedRecordCell *row = spotRow(1);
              if (!row)
                  return false;
              scan->didStartTapReRecordView(row);
@@ -425,13 +442,13 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
         {QStringLiteral("delete"),
          [&](QString &detail) {
              scan->actStartStop(); // stopped, as a user deletes calmly
-             auto *row = qobject_cast<BMSpeedRecordCell *>(
-                 scan->tblRecords()->cellForRowAtIndexPath(Brightmere::IndexPath(2, 0)));
+             BMSpeedRecordCell *row = spotRow(2);
              if (!row)
                  return false;
              const QString gone = scan->session()->recordedSpeeds().at(2)->label();
              row->setEditing(true, true); // as a swipe does
              settle();
+             moment(QStringLiteral("swiped-row"));
              if (!choose(scan->spotsTable()->editPopup(), kConfirmDeleteOption)) {
                  detail = QStringLiteral("no delete confirmation");
                  return false;
@@ -499,6 +516,8 @@ bool DemoWalkthrough::run(DemoWindow *window, const DemoOptions &options)
              list->enableCompareSetsMode();
              list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
              list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
+             settle();
+             moment(QStringLiteral("compare-picking"));
              if (!list->readyToCompareSpotsSets())
                  return false;
              list->forwardButton()->trigger();

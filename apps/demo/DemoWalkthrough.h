@@ -15,7 +15,9 @@
 
 class DemoOptions;
 class DemoWindow;
+class BMSpeedRecordCell;
 class FZOptionsPopup;
+class QWidget;
 
 namespace Brightmere {
 class ViewController;
@@ -59,17 +61,26 @@ public:
     // Walks the window's screens; true when every step did what it should.
     bool run(DemoWindow *window, const DemoOptions &options);
     const QList<Step> &steps() const { return m_steps; }
+    // Called with the window and the picture's name ("08-delete") just
+    // before each picture is taken, the screen as it is shown; also at a
+    // few moments no picture keeps: "recording" (a hold under way),
+    // "swiped-row" and "compare-picking" (two sets picked).
+    using PictureHook = std::function<void(QWidget *window, const QString &picture)>;
+    void setPictureHook(PictureHook hook) { m_pictureHook = std::move(hook); }
     QString summary() const;
 
 private:
     using Action = std::function<bool(QString &detail)>;
     bool step(const QString &name, const Action &action);
+    // Hands the screen as shown to the picture hook, under the name.
+    void moment(const QString &name);
     bool snap(const QString &path);
     bool snapStep();
     void results(int count);
     void recordSpot(int resultsWhileHeld);
     bool choose(FZOptionsPopup *popup, int index);
     FZOptionsPopup *visibleOptionsPopup() const;
+    BMSpeedRecordCell *spotRow(int row);
     bool renameSpot(int row, const QString &name);
     bool saveRunAs(const QString &title, QString &detail);
     // A tap on the share button in the bar of the screen on top.
@@ -102,6 +113,7 @@ private:
     bool m_withService = false;
     std::optional<bool> m_textsAnswer;
     QList<Step> m_steps;
+    PictureHook m_pictureHook;
     QString m_picture;
     bool m_pictureTaken = false;
     QStringList m_spotTables;

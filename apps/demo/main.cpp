@@ -7,6 +7,7 @@
 //   brightmere_demo --screenshot FILE    one picture of a running test
 //   brightmere_demo --tester URL         measure real downloads (on Wi-Fi)
 //   brightmere_demo --high-contrast      as on a system that asks for high contrast
+//   brightmere_demo --text-scale 1.5     everything above with text 1.5 times larger
 //
 // The customer's name and password come from --customer/--password or
 // BRIGHTMERE_CUSTOMER/BRIGHTMERE_PASSWORD; the password goes to the screen
@@ -26,6 +27,7 @@
 #include "storyboard/BMSDKUIStoryboard.h"
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QTextStream>
 #include <QTimer>
 
@@ -49,6 +51,16 @@ int main(int argc, char *argv[])
             err << "brightmere_demo: " << error << '\n';
         err << DemoOptions::helpText();
         return 2;
+    }
+
+    // Before any screen is made: the kit sizes its text when a screen is built.
+    if (options.textScale != 1.0) {
+        QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+        if (font.pointSizeF() > 0)
+            font.setPointSizeF(font.pointSizeF() * options.textScale);
+        else
+            font.setPixelSize(qRound(font.pixelSize() * options.textScale));
+        QApplication::setFont(font);
     }
 
     // The tour sets up its own world before anything of the kit reads settings.

@@ -45,6 +45,6 @@ void ChartTheme::applyAxisStyle(XYGraph *graph, const AxisStyle &style)
 QFont ChartTheme::textFont(int pixelSize)
 {
     QFont font = Brightmere::View::kitFont(QFont());
-    font.setPixelSize(pixelSize);
+    font.setPixelSize(qMax(1, qRound(pixelSize * Brightmere::View::textScale())));
     return font;
 }

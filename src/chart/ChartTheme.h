@@ -43,6 +43,7 @@ protected:
         QFont textFont;
     };
     static void applyAxisStyle(XYGraph *graph, const AxisStyle &style);
-    // The kit's face at a pixel size, for labels and titles.
+    // The kit's face at a pixel size (at the default text size; it grows
+    // with the user's text, see View::textScale), for labels and titles.
     static QFont textFont(int pixelSize);
 };

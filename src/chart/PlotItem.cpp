@@ -3,6 +3,7 @@
 #include "XYGraph.h"
 #include "core/BMLogger.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QChartView>
 #include <QEvent>
@@ -122,7 +123,7 @@ void PlotItem::setTitleDefaultsForGraph(XYGraph *graph, const QRectF &bounds)
     QFont font = graph->titleFont();
     font.setFamily(QStringLiteral("Helvetica"));
     font.setBold(true);
-    font.setPixelSize(std::max(1, int(std::lround(height / 20.0))));
+    font.setPixelSize(std::max(1, int(std::lround(height / 20.0 * Brightmere::View::textScale()))));
     graph->setTitleFont(font);
     graph->setTitleBrush(Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_gray")),
                                                        Brightmere::Color::named(QStringLiteral("fz_chart_back"))));

@@ -8,6 +8,7 @@
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
 #include "ui/BrightmereColor.h"
+#include "ui/BrightmereView.h"
 
 #include <QChartView>
 #include <QValueAxis>
@@ -105,8 +106,11 @@ void RealTimePlot::renderInLayer(QChartView *layerHostingView, const ChartTheme:
     // no-break spaces.
     xAxis->setTitleText(Brightmere::StringFormat::print(QStringLiteral("%@") + QString(6, QChar::Nbsp),
                                                         BMI18NManager::stringForCode(QStringLiteral("bmSec"))));
-    yAxis->setTickCount(6);
-    yAxis->setMinorTickCount(5);
+    // Larger labels do not fit six to the chart's height: the same five
+    // steps as minor ticks, the top and the bottom labelled.
+    const bool largeText = Brightmere::View::textScale() > 1.0;
+    yAxis->setTickCount(largeText ? 2 : 6);
+    yAxis->setMinorTickCount(largeText ? 4 : 5);
     yAxis->setTitleText(BMI18NManager::stringForCode(QStringLiteral("Mbps")));
 
     addDefaultPlot();

@@ -73,14 +73,15 @@ QWidget *FZTextViewOptionsPopup::addViewWithOption(const QString &option, int in
     note->setObjectName(QStringLiteral("textViewNote"));
     note->setFont(Brightmere::View::fontOfSize(kNoteFontPoints));
     note->setAlignment(Qt::AlignCenter);
-    // Two lines at the most, a longer text ending in an ellipsis.
-    note->setMaximumLines(2);
+    // Two lines at the most (more with larger text), a longer text ending
+    // in an ellipsis.
+    note->setMaximumLines(Brightmere::View::textScale() > 1.0 ? 4 : 2);
     m_note = note;
     layout->addWidget(m_note);
 
     m_textField = new QLineEdit(row);
     m_textField->setObjectName(QStringLiteral("textField"));
-    m_textField->setFixedHeight(pixelsForPoints(kFieldHeight));
+    m_textField->setFixedHeight(Brightmere::View::pixelsForTextPoints(kFieldHeight));
     m_textField->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; border-radius: 3px;"
                                               " padding: 0px 6px; background: %2; }")
                                    .arg(Brightmere::Color::system(3).name(QColor::HexArgb),

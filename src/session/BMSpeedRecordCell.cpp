@@ -37,6 +37,9 @@ constexpr int kNameHeight = 30;
 constexpr int kUnitWidth = 34;
 constexpr int kSpeedToUnitGap = 4;
 constexpr int kAveragedSpeedTop = 2;
+constexpr int kRowHeight = 38;
+// A label needs a little more than its text's advance.
+constexpr int kTextSlack = 4;
 // Text sizes in points.
 constexpr qreal kNameFontPoints = 15;
 constexpr qreal kSpeedFontPoints = 18;
@@ -219,6 +222,11 @@ void BMSpeedRecordCell::resizeEvent(QResizeEvent *event)
     layoutParts();
 }
 
+double BMSpeedRecordCell::height()
+{
+    return Brightmere::View::pixelsForTextPoints(kRowHeight);
+}
+
 void BMSpeedRecordCell::layoutParts()
 {
     const int w = width();
@@ -226,23 +234,29 @@ void BMSpeedRecordCell::layoutParts()
     m_viewBg->setGeometry(0, 0, w, h);
     m_viewTop->setGeometry(0, 0, w, h);
 
-    const int speedLeft = qMax(kSideMargin, w - kSpeedAreaWidth);
-    m_lblArea->setGeometry(kSideMargin, (h - kNameHeight) / 2, qMax(0, speedLeft - kNameToSpeedGap - kSideMargin),
-                           kNameHeight);
+    // Larger text widens the speed area as far as its figure or note needs.
+    const QFontMetrics speedMetrics(m_lblSpeed->font());
+    const QFontMetrics unitMetrics(m_lblUnit->font());
+    const QFontMetrics noteMetrics(m_lblAverage->font());
+    const int unitWidth = qMax(kUnitWidth, unitMetrics.horizontalAdvance(m_lblUnit->text()) + kTextSlack);
+    const bool note = m_lblAverage->isVisibleTo(this);
+    const int noteWidth = note ? noteMetrics.horizontalAdvance(m_lblAverage->text()) + kTextSlack + kSideMargin : 0;
+    const int speedArea = std::max({kSpeedAreaWidth, noteWidth,
+                                speedMetrics.horizontalAdvance(m_lblSpeed->text()) + kTextSlack + kSpeedToUnitGap + unitWidth + kSideMargin});
+    const int speedLeft = qMax(kSideMargin, w - speedArea);
+    const int nameHeight = Brightmere::View::pixelsForTextPoints(kNameHeight);
+    m_lblArea->setGeometry(kSideMargin, (h - nameHeight) / 2, qMax(0, speedLeft - kNameToSpeedGap - kSideMargin),
+                           nameHeight);
     // The re-record control takes everything right of the name field.
     const QRect name = m_lblArea->geometry();
     m_reRecordView->setGeometry(name.x() + name.width(), 0, qMax(0, w - name.x() - name.width()), h);
 
     // Figure and unit share a baseline: in the middle of the row, or near its
     // top with the averaging note under them.
-    const QFontMetrics speedMetrics(m_lblSpeed->font());
-    const QFontMetrics unitMetrics(m_lblUnit->font());
-    const QFontMetrics noteMetrics(m_lblAverage->font());
-    const bool note = m_lblAverage->isVisibleTo(this);
     const int baseline = note ? kAveragedSpeedTop + speedMetrics.ascent()
                               : (h + speedMetrics.ascent() - speedMetrics.descent()) / 2;
-    const int unitLeft = w - kSideMargin - kUnitWidth;
-    m_lblUnit->setGeometry(unitLeft, baseline - unitMetrics.ascent(), kUnitWidth, unitMetrics.height());
+    const int unitLeft = w - kSideMargin - unitWidth;
+    m_lblUnit->setGeometry(unitLeft, baseline - unitMetrics.ascent(), unitWidth, unitMetrics.height());
     const int speedRight = unitLeft - kSpeedToUnitGap;
     m_lblSpeed->setGeometry(speedLeft, baseline - speedMetrics.ascent(), qMax(0, speedRight - speedLeft),
                             speedMetrics.height());

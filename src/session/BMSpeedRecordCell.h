@@ -36,7 +36,8 @@ class BMSpeedRecordCell : public BMTableViewCell
 public:
     explicit BMSpeedRecordCell(QWidget *parent = nullptr);
 
-    static double height() { return 38.0; }
+    // The design's 38 points, taller with larger text.
+    static double height();
 
     // Shows the spot; everything shown before is replaced, as rows are reused.
     void setupWithRecord(const WifiTestResult::Ptr &record, bool isEven);

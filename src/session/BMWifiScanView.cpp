@@ -23,6 +23,8 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Brightmere;
 
 namespace {
@@ -47,12 +49,40 @@ constexpr int kRowGap = 6;
 // The network's line sits under the counter and under the hold note.
 constexpr int kCounterRowHeight = kCounterSize + 6;
 constexpr int kSsidHeight = 18;
-constexpr int kPanelHeight = kChartHeight + kRowGap + kCounterRowHeight + kSsidHeight + kMargin;
+constexpr int kHoldNoteHeight = kCounterRowHeight - kControlTop - kControlSize;
+constexpr int kPreparingHeight = 24;
+// The chart's axis labels and title, the part of its height that holds text.
+constexpr int kChartTextHeight = 42;
 constexpr qreal kPanelCornerRadius = 5.0;
 
 int px(qreal points)
 {
     return View::pixelsForPoints(points);
+}
+
+// A height that holds text: the design's, growing with the user's text.
+int tx(qreal points)
+{
+    return View::pixelsForTextPoints(points);
+}
+
+// Larger text may need a second line for the network's name and address.
+int ssidHeight()
+{
+    return View::textScale() > 1.0 ? 2 * tx(kSsidHeight) : px(kSsidHeight);
+}
+
+int chartHeight()
+{
+    return px(kChartHeight - kChartTextHeight) + tx(kChartTextHeight);
+}
+
+// The figures under the counter's top, and the record control with its note,
+// each as tall as their text needs.
+int counterRowHeight()
+{
+    return std::max({px(kCounterRowHeight), px(kSpeedTop) + tx(kSpeedHeight) + tx(kUnitHeight),
+                     px(kControlTop + kControlSize) + tx(kHoldNoteHeight)});
 }
 
 void styleLabel(BMLabel *label, int points, QFont::Weight weight, const QColor &color,
@@ -119,7 +149,7 @@ void BMWifiScanView::buildPanel()
 {
     m_viewBordered = new QWidget(this);
     m_viewBordered->setObjectName(QStringLiteral("viewBordered"));
-    m_viewBordered->setFixedHeight(px(kPanelHeight));
+    m_viewBordered->setFixedHeight(chartHeight() + px(kRowGap) + counterRowHeight() + ssidHeight() + px(kMargin));
     m_viewBordered->installEventFilter(this);
     QVBoxLayout *around = column(kMargin, kMargin, kMargin, kMargin);
     around->addWidget(m_viewBordered);
@@ -134,7 +164,7 @@ void BMWifiScanView::buildPanel()
     QVBoxLayout *rows = column(0, 0, 0, kMargin);
     m_viewPlotHolderContainer = new QWidget(m_viewBordered);
     m_viewPlotHolderContainer->setObjectName(QStringLiteral("viewPlotHolderContainer"));
-    m_viewPlotHolderContainer->setFixedHeight(px(kChartHeight));
+    m_viewPlotHolderContainer->setFixedHeight(chartHeight());
     m_viewPlotHolderContainer->installEventFilter(this);
     rows->addWidget(m_viewPlotHolderContainer);
     rows->addSpacing(px(kRowGap));
@@ -148,7 +178,8 @@ void BMWifiScanView::buildPanel()
         showNetwork(m_ssid, m_bssid);
     });
     m_lblSSID->setTextFormat(Qt::RichText);
-    m_lblSSID->setFixedHeight(px(kSsidHeight));
+    m_lblSSID->setFixedHeight(ssidHeight());
+    m_lblSSID->setWordWrap(View::textScale() > 1.0);
     QVBoxLayout *ssid = column(kMargin, 0, kMargin, 0);
     ssid->addWidget(m_lblSSID);
     rows->addLayout(ssid);
@@ -157,8 +188,9 @@ void BMWifiScanView::buildPanel()
     m_lblPreparing = new BMLabel(m_viewBordered);
     m_lblPreparing->setObjectName(QStringLiteral("lblPreparing"));
     styleLabel(m_lblPreparing, 15, QFont::DemiBold, noteColor());
-    m_lblPreparing->setFixedHeight(px(24));
-    QVBoxLayout *preparing = column(0, kChartHeight / 2 - 12, 0, 0);
+    m_lblPreparing->setFixedHeight(tx(kPreparingHeight));
+    QVBoxLayout *preparing = column(0, 0, 0, 0);
+    preparing->addSpacing((chartHeight() - tx(kPreparingHeight)) / 2);
     preparing->addWidget(m_lblPreparing);
     preparing->addStretch();
     grid->addLayout(preparing, 0, 0);
@@ -178,7 +210,7 @@ void BMWifiScanView::buildPanel()
     m_scrollTutorial = new ScrollView(m_viewBordered);
     m_scrollTutorial->setObjectName(QStringLiteral("scrollTutorial"));
     m_scrollTutorial->setPagingEnabled(true);
-    m_scrollTutorial->setFixedHeight(px(kPlotTop + kChartHeight - kPageDotsHeight));
+    m_scrollTutorial->setFixedHeight(px(kPlotTop - kPageDotsHeight) + chartHeight());
     View::setBackgroundColor(m_scrollTutorial->viewport(), Color::named(QStringLiteral("fz_chart_back")));
     connect(m_scrollTutorial, &ScrollView::didEndDecelerating, this,
             [this] { scrollViewDidEndDecelerating(m_scrollTutorial); });
@@ -236,11 +268,14 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_lblWifiSpeed = new BMLabel(m_viewBordered);
     m_lblWifiSpeed->setObjectName(QStringLiteral("lblWifiSpeed"));
     styleLabel(m_lblWifiSpeed, 28, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
-    m_lblWifiSpeed->setFixedSize(px(kCounterSize), px(kSpeedHeight));
+    // Larger figures may reach past the counter's ring, never past the controls.
+    const int figuresWidth
+        = std::max(px(kCounterSize), m_lblWifiSpeed->fontMetrics().horizontalAdvance(QStringLiteral("000.0")) + 4);
+    m_lblWifiSpeed->setFixedSize(figuresWidth, tx(kSpeedHeight));
     m_lblUnit = new BMLabel(m_viewBordered);
     m_lblUnit->setObjectName(QStringLiteral("lblUnit"));
     styleLabel(m_lblUnit, 11, QFont::DemiBold, unitColor());
-    m_lblUnit->setFixedSize(px(kCounterSize), px(kUnitHeight));
+    m_lblUnit->setFixedSize(figuresWidth, tx(kUnitHeight));
     QVBoxLayout *figures = column(0, kSpeedTop, 0, 0);
     figures->addWidget(m_lblWifiSpeed);
     figures->addWidget(m_lblUnit);
@@ -264,7 +299,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     // A longer translation takes a second line under the control, and a
     // still longer one ends in an ellipsis.
     m_lblHoldToAverage->setMaximumLines(2);
-    m_lblHoldToAverage->setFixedSize(side, px(kCounterRowHeight - kControlTop - kControlSize));
+    m_lblHoldToAverage->setFixedSize(side, tx(kHoldNoteHeight));
     QVBoxLayout *record = column(0, kControlTop, kControlInset, 0);
     record->addWidget(m_btnRecordReset, 0, Qt::AlignRight);
     QVBoxLayout *note = column(0, 0, 0, 0);
@@ -274,7 +309,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     right->addLayout(note);
     right->addStretch();
     row->addLayout(right, 0, 2);
-    row->setRowMinimumHeight(0, px(kCounterRowHeight));
+    row->setRowMinimumHeight(0, counterRowHeight());
     return row;
 }
 

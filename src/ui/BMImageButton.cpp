@@ -221,13 +221,15 @@ void BMImageButton::paintEvent(QPaintEvent *)
     if (title.isEmpty())
         return;
     painter.setPen(m_titleColor);
-    // A longer translation first shrinks the title (down to 70 %, never
-    // under the kit's smallest text), and only then is cut with an ellipsis.
+    // A longer translation, or larger text, first shrinks the title (down to
+    // 70 % of its designed size, never under the kit's smallest text), and
+    // only then is cut with an ellipsis.
     QFont titleFont = font();
     const int room = width() - 8;
     const int largest = titleFont.pixelSize() > 0 ? titleFont.pixelSize()
                                                   : Brightmere::View::fontOfSize(kTitlePoints).pixelSize();
-    const int smallest = qMax(Brightmere::View::kMinimumTextPixels, largest * 7 / 10);
+    const qreal scale = Brightmere::View::textScale();
+    const int smallest = qMax(Brightmere::View::kMinimumTextPixels, scale > 1.0 ? qRound(largest * 0.7 / scale) : largest * 7 / 10);
     for (int size = largest; size > smallest && QFontMetrics(titleFont).horizontalAdvance(title) > room;)
         titleFont.setPixelSize(--size);
     painter.setFont(titleFont);

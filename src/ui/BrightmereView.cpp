@@ -4,11 +4,16 @@
 #include "model/BMSDKUISettings.h"
 #include "platform/foundation/NotificationCenter.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
 #include <QHash>
 #include <QPalette>
 #include <QMutex>
 #include <QMutexLocker>
 
+#include <atomic>
+#include <cmath>
 #include <mutex>
 
 namespace Brightmere::View {
@@ -99,10 +104,56 @@ int pixelsForPoints(qreal points)
     return qRound(points);
 }
 
+namespace {
+
+std::atomic<double> s_textScaleFactor{1.0};
+
+// A font's size in points whether it was given in points or pixels.
+qreal pointSizeOf(const QFont &font)
+{
+    return font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
+}
+
+} // namespace
+
+qreal textScale()
+{
+    qreal scale = s_textScaleFactor.load();
+    // Without a GUI application there is no user's font to follow.
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        return scale;
+    const qreal platform = pointSizeOf(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    const qreal application = pointSizeOf(QGuiApplication::font());
+    if (platform > 0 && application > 0)
+        scale *= application / platform;
+    return qBound(kMinimumTextScaleFactor, scale, kMaximumTextScaleFactor);
+}
+
+void setTextScaleFactor(qreal factor)
+{
+    if (!std::isfinite(factor) || factor < kMinimumTextScaleFactor || factor > kMaximumTextScaleFactor) {
+        const qreal clamped = std::isfinite(factor) ? qBound(kMinimumTextScaleFactor, factor, kMaximumTextScaleFactor) : 1.0;
+        BMLogger::sharedInstance().logFromModule(kModule, 2, "text scale factor %@ is out of range; %@ is used",
+                                                 QString::number(factor), QString::number(clamped));
+        factor = clamped;
+    }
+    s_textScaleFactor.store(factor);
+}
+
+qreal textScaleFactor()
+{
+    return s_textScaleFactor.load();
+}
+
+int pixelsForTextPoints(qreal points)
+{
+    return qMax(pixelsForPoints(points), qRound(points * textScale()));
+}
+
 QFont fontOfSize(qreal points, QFont::Weight weight)
 {
     QFont font;
-    font.setPixelSize(qMax(kMinimumTextPixels, pixelsForPoints(points)));
+    font.setPixelSize(qMax(kMinimumTextPixels, qRound(points * textScale())));
     font.setWeight(weight);
     return kitFont(font);
 }

@@ -39,8 +39,27 @@ int pixelsForPoints(qreal points);
 // No text of the kit is smaller than this many pixels at scale 1.
 inline constexpr int kMinimumTextPixels = 10;
 
-// The kit's face at a size in points (never under kMinimumTextPixels) and a
-// weight: the one way screens make a font.
+// How much larger than designed the kit's text is drawn: the application's
+// font against the platform's default (a user who asked for larger text
+// gets it), times the host's own factor. 1 at the default size. Fonts are
+// made when a screen is built, so a change shows on screens built after it.
+qreal textScale();
+
+// The host's factor on top of the application's font, 1 by default. A
+// factor that is not a number between kMinimumTextScaleFactor and
+// kMaximumTextScaleFactor is logged and clamped into that range.
+inline constexpr qreal kMinimumTextScaleFactor = 0.5;
+inline constexpr qreal kMaximumTextScaleFactor = 4.0;
+void setTextScaleFactor(qreal factor);
+qreal textScaleFactor();
+
+// A length in points that holds text (a row's height, a button's side):
+// the design's size at the default text size, growing with the text, never
+// below the design.
+int pixelsForTextPoints(qreal points);
+
+// The kit's face at a size in points scaled by textScale() (never under
+// kMinimumTextPixels) and a weight: the one way screens make a font.
 QFont fontOfSize(qreal points, QFont::Weight weight = QFont::Normal);
 
 // Gives the widget kitFont of its font. Every widget has a font, so none is

@@ -355,8 +355,10 @@ void NavigationBar::relayout()
     }
 
     int rightEdge = w - kSideMargin;
+    // Larger text takes a wider button, up to two fifths of the bar.
+    const int buttonRoom = std::max(0, std::min(qRound((w / 4) * View::textScale()), w * 2 / 5));
     for (QToolButton *button : std::as_const(m_rightButtons)) {
-        const int bw = fitButtonTitle(button, std::max(0, w / 4));
+        const int bw = fitButtonTitle(button, buttonRoom);
         rightEdge -= bw;
         button->setGeometry(rightEdge, 0, bw, h);
         rightEdge -= kButtonSpacing;
@@ -376,6 +378,14 @@ void NavigationBar::relayout()
     }
     if (!m_titleLabel->isHidden()) {
         const QString title = m_topItem ? m_topItem->title() : QString();
+        // Text larger than designed shrinks to fit, down to 70 % of the
+        // design's size, before it is cut.
+        QFont font = View::fontOfSize(kTitleFontPoints, QFont::Bold);
+        const int designed = View::textScale() > 1.0 ? View::pixelsForPoints(kTitleFontPoints * 0.7)
+                                                     : View::pixelsForPoints(kTitleFontPoints);
+        while (font.pixelSize() > designed && QFontMetrics(font).horizontalAdvance(title) + 4 > available)
+            font.setPixelSize(font.pixelSize() - 1);
+        m_titleLabel->setFont(font);
         const int full = m_titleLabel->fontMetrics().horizontalAdvance(title) + 4;
         const int tw = std::min(full, available);
         m_titleLabel->setText(m_titleLabel->fontMetrics().elidedText(title, Qt::ElideRight, tw));

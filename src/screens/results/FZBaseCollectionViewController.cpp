@@ -21,6 +21,21 @@ using Brightmere::IndexPath;
 namespace {
 const QString kModule = QStringLiteral("FZBaseCollectionViewController");
 constexpr int kSideMargin = 12;
+
+// A row's height: the design's at the default text size; with larger text
+// at least as much larger, and as tall as its tallest cell's text needs.
+template<typename Cell>
+int grownHeight(int designed, const QList<QRect> &cells, const QList<Cell *> &views)
+{
+    if (Brightmere::View::textScale() <= 1.0)
+        return designed;
+    int height = Brightmere::View::pixelsForTextPoints(designed);
+    for (qsizetype i = 0; i < cells.size() && i < views.size(); ++i) {
+        if (views.at(i)->hasHeightForWidth())
+            height = qMax(height, views.at(i)->heightForWidth(cells.at(i).width()));
+    }
+    return height;
+}
 }
 
 FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
@@ -186,17 +201,24 @@ void FZBaseCollectionViewController::layoutCells()
         m_content->resize(0, 0);
         return;
     }
-    const int height = rowHeight();
-    for (int index = 0; index < m_cells.size(); ++index) {
-        const int section = index / columns;
-        const int column = index % columns;
-        const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, section));
-        const int left = qRound(columnX(column));
-        const int right = qRound(columnX(column) + size.width());
-        m_cells.at(index)->setGeometry(left, section * height, right - left, height);
-        m_cells.at(index)->show();
+    int top = 0;
+    for (qsizetype first = 0; first < m_cells.size(); first += columns) {
+        const int section = int(first / columns);
+        QList<QRect> cells;
+        for (int column = 0; column < columns && first + column < m_cells.size(); ++column) {
+            const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, section));
+            const int left = qRound(columnX(column));
+            cells.append(QRect(left, top, qRound(columnX(column) + size.width()) - left, rowHeight()));
+        }
+        const int height = grownHeight(rowHeight(), cells, m_cells.mid(first, cells.size()));
+        for (qsizetype column = 0; column < cells.size(); ++column) {
+            cells[column].setHeight(height);
+            m_cells.at(first + column)->setGeometry(cells.at(column));
+            m_cells.at(first + column)->show();
+        }
+        top += height;
     }
-    m_content->resize(qRound(m_totalWidth), int(m_cells.size() / columns) * height);
+    m_content->resize(qRound(m_totalWidth), top);
 }
 
 void FZBaseCollectionViewController::buildHeaderCells()
@@ -232,13 +254,17 @@ void FZBaseCollectionViewController::configureHeaderCell(FZSpotsSetsHeaderCollec
 
 void FZBaseCollectionViewController::layoutHeaderCells()
 {
+    QList<QRect> cells;
     for (FZSpotsSetsHeaderCollectionViewCell *cell : std::as_const(m_headerCells)) {
         const int column = cell->column();
         const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, 0));
         const int left = qRound(columnX(column));
-        const int right = qRound(columnX(column) + size.width());
-        cell->setGeometry(left, 0, right - left, m_headerRow->height());
+        cells.append(QRect(left, 0, qRound(columnX(column) + size.width()) - left, headerRowHeight()));
     }
+    if (Brightmere::View::textScale() > 1.0 && showsHeaderRow())
+        m_headerRow->setFixedHeight(grownHeight(headerRowHeight(), cells, m_headerCells));
+    for (qsizetype i = 0; i < m_headerCells.size(); ++i)
+        m_headerCells.at(i)->setGeometry(cells.at(i).x(), 0, cells.at(i).width(), m_headerRow->height());
 }
 
 FZSpotsSetsCollectionViewCell *FZBaseCollectionViewController::cellAt(int section, int column) const

@@ -25,6 +25,7 @@ constexpr int kDateHeight = 18;
 constexpr int kLineGap = 2;
 // The hairline under each row.
 constexpr int kSeparatorHeight = 1;
+constexpr int kRowHeight = 64;
 
 BMLabel *makeLabel(QWidget *parent, const QString &objectName, qreal points, QFont::Weight weight, const QColor &color)
 {
@@ -51,6 +52,8 @@ FZSavedSpotsCell::FZSavedSpotsCell(QWidget *parent)
     m_content->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_nameTextView = makeLabel(m_content, QStringLiteral("nameTextView"), kNamePoints, QFont::DemiBold,
                                Brightmere::Color::system(0));
+    // A long name is cut with an ellipsis where the row ends (layoutContent).
+    m_nameTextView->setProperty("elidesOnPurpose", true);
     m_dateTextView = makeLabel(m_content, QStringLiteral("dateTextView"), kDatePoints, QFont::Normal,
                                Brightmere::Color::system(1));
     m_comparableIconImageView = new QLabel(m_content);
@@ -98,6 +101,11 @@ void FZSavedSpotsCell::resizeEvent(QResizeEvent *event)
     layoutContent();
 }
 
+double FZSavedSpotsCell::height()
+{
+    return Brightmere::View::pixelsForTextPoints(kRowHeight);
+}
+
 void FZSavedSpotsCell::layoutContent()
 {
     m_content->setGeometry(0, 0, width(), qMax(0, QWidget::height() - kSeparatorHeight));
@@ -106,9 +114,11 @@ void FZSavedSpotsCell::layoutContent()
     // again when the table shows it at the same size.
     const int iconSpace = !m_comparableIconImageView->isHidden() ? kIconSize + kSideMargin : 0;
     const int textWidth = qMax(0, width() - 2 * kSideMargin - iconSpace);
-    const int textTop = (m_content->height() - kNameHeight - kLineGap - kDateHeight) / 2;
-    m_nameTextView->setGeometry(kSideMargin, textTop, textWidth, kNameHeight);
-    m_dateTextView->setGeometry(kSideMargin, textTop + kNameHeight + kLineGap, textWidth, kDateHeight);
+    const int nameHeight = Brightmere::View::pixelsForTextPoints(kNameHeight);
+    const int dateHeight = Brightmere::View::pixelsForTextPoints(kDateHeight);
+    const int textTop = (m_content->height() - nameHeight - kLineGap - dateHeight) / 2;
+    m_nameTextView->setGeometry(kSideMargin, textTop, textWidth, nameHeight);
+    m_dateTextView->setGeometry(kSideMargin, textTop + nameHeight + kLineGap, textWidth, dateHeight);
     // A long name is cut where the row ends rather than running under the mark.
     m_nameTextView->setText(m_spotsSet ? QFontMetrics(m_nameTextView->font())
                                              .elidedText(m_spotsSet->name(), Qt::ElideRight, textWidth)

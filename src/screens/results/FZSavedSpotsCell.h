@@ -19,7 +19,8 @@ public:
 
     explicit FZSavedSpotsCell(QWidget *parent = nullptr);
 
-    static double height() { return 64.0; }
+    // The design's 64 points, taller with larger text.
+    static double height();
 
     // Shows the set for the list's mode (0 normal, 1 compare); everything
     // shown before is replaced, as rows are reused. A null set shows an

@@ -45,7 +45,8 @@ FZSpotsSetViewController::FZSpotsSetViewController(QWidget *parent)
 {
     m_continueRecordingButton = new BMMainButton(this);
     m_continueRecordingButton->setObjectName(QStringLiteral("continueRecordingButton"));
-    m_continueRecordingButton->setMinimumHeight(kButtonHeight);
+    // Larger text may take the title onto a second line.
+    m_continueRecordingButton->setMinimumHeight(Brightmere::View::pixelsForTextPoints(kButtonHeight));
     connect(m_continueRecordingButton, &QPushButton::clicked, this,
             [this] { editSpotsSet(m_continueRecordingButton); });
     pageLayout()->addWidget(m_continueRecordingButton);
