@@ -88,6 +88,7 @@ private:
     void startDelayedPress();
     void dropPendingPress();
     void layoutParts();
+    bool handleReRecordKey(QEvent *event);
     bool handleReRecordEvent(QEvent *event);
     // Ends a hold in progress with the delegate call given; nothing without one.
     void endHold(const QString &message, void (BMSpeedRecordDelegate::*tell)(BMSpeedRecordCell *));
@@ -99,6 +100,7 @@ private:
     QColor m_recordingColor;
     QColor m_defaultTextColor;
     QLineEdit *m_lblArea = nullptr;
+    bool m_keyHold = false;
     QCompleter *m_completer = nullptr;
     QLabel *m_lblSpeed = nullptr;
     QLabel *m_lblUnit = nullptr;

@@ -236,8 +236,11 @@ void BMWifiScanVC::buildViews()
     connect(m_spotsTable, &BMSpotsTableController::nameEditEnded, this, &BMWifiScanVC::onNameEditEnded);
     connect(m_spotsTable, &BMSpotsTableController::bottomConstraintChanged, this,
             [this] { m_view->setTblRecordsBottomConstraint(m_spotsTable->tblRecordsBottomConstraint()); });
-    // Tab follows the screen from top to bottom: the sound control, start,
-    // record, then the spots' names in list order.
+    // Tab follows the screen from top to bottom: the tutorial's page dots
+    // (while it shows), the sound control, start, record, then the spots in
+    // list order, each its name and then its speed.
+    if (pageResults())
+        setTabOrder(pageResults(), btnSound());
     setTabOrder(btnSound(), btnStartStop());
     setTabOrder(btnStartStop(), btnRecordReset());
     m_spotsTable->setTabChainStart(btnRecordReset());

@@ -164,6 +164,16 @@ static bool isSpace(const QKeyEvent *event)
 
 void BMImageButton::keyPressEvent(QKeyEvent *event)
 {
+    // Enter is a tap: down and up at once, then the click.
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && event->modifiers() == Qt::NoModifier) {
+        if (!event->isAutoRepeat() && isEnabled() && !m_tracking) {
+            begin();
+            end(true);
+            click();
+        }
+        event->accept();
+        return;
+    }
     if (isSpace(event) && isEnabled() && !m_tracking) {
         begin();
         m_trackingKey = true;

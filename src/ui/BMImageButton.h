@@ -16,7 +16,7 @@
 // The keyboard reaches it with Tab (a click leaves the focus where it was)
 // and it then shows a focus ring; Space held down is a press held down:
 // touchDown on press, touchUpInside on release, touchUpOutside when the
-// focus goes meanwhile. With exclusive touch on, no other widget of its
+// focus goes meanwhile; Enter is a tap. With exclusive touch on, no other widget of its
 // window takes a press (mouse, finger) while it is held, and a second finger
 // on it is ignored. Titles show as written ("&" is no shortcut).
 class BMImageButton : public QPushButton
