@@ -401,12 +401,18 @@ void FZOptionsPopup::leaveScreen()
 {
     if (m_window)
         m_window->removeEventFilter(this);
+    const QPointer<QWidget> window = m_window;
     m_window.clear();
     const bool hadFocus = isAncestorOf(QApplication::focusWidget()) || hasFocus();
     QWidget::hide();
     setParent(nullptr);
+    // The control that opened it may have gone with the screen its option
+    // left: the keyboard then starts again from the window, not from
+    // wherever the window system puts it.
     if (hadFocus && m_previousFocus && m_previousFocus->isVisible())
         m_previousFocus->setFocus(Qt::OtherFocusReason);
+    else if (hadFocus && window)
+        window->setFocus(Qt::OtherFocusReason);
     deleteLater();
 }
 

@@ -411,14 +411,30 @@ bool BMSpeedRecordCell::handleReRecordKey(QEvent *event)
     // for a finger: a key is no scroll in the making.
     if (key->isAutoRepeat())
         return true;
-    if (event->type() == QEvent::KeyPress && !m_keyHold && !m_touchOnReRecordView) {
+    if (event->type() == QEvent::KeyPress && m_pendingKeyRelease != 0) {
+        // A repeat the window system did not mark: the hold goes on.
+        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+        m_pendingKeyRelease = 0;
+    } else if (event->type() == QEvent::KeyPress && !m_keyHold && !m_touchOnReRecordView) {
         m_keyHold = true;
         reRecordViewOnTouchDown();
-    } else if (event->type() == QEvent::KeyRelease && m_keyHold) {
-        m_keyHold = false;
-        reRecordViewOnTouchUpInside();
+    } else if (event->type() == QEvent::KeyRelease && m_keyHold && m_pendingKeyRelease == 0) {
+        // Counted once no press followed within a moment, as on Record.
+        QPointer<BMSpeedRecordCell> self(this);
+        m_keyReleaseClock = &BMSDKBackend::clock();
+        m_pendingKeyRelease = m_keyReleaseClock->startOnce(kKeyRepeatGapSeconds, [self] {
+            if (self)
+                self->finishKeyRelease();
+        });
     }
     return true;
+}
+
+void BMSpeedRecordCell::finishKeyRelease()
+{
+    m_pendingKeyRelease = 0;
+    m_keyHold = false;
+    reRecordViewOnTouchUpInside();
 }
 
 bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
@@ -428,8 +444,13 @@ bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
         return handleReRecordKey(event);
     // Space held while the focus goes (or the row goes) lets go unsaved.
     if (m_keyHold && (event->type() == QEvent::FocusOut || event->type() == QEvent::Hide)) {
-        m_keyHold = false;
-        reRecordViewOnCancel();
+        if (m_pendingKeyRelease != 0) {
+            m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+            finishKeyRelease();
+        } else {
+            m_keyHold = false;
+            reRecordViewOnCancel();
+        }
     }
     switch (event->type()) {
     case QEvent::MouseButtonPress:

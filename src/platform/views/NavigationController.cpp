@@ -434,9 +434,15 @@ void NavigationController::showTop()
         m_bar->setTopItem(nullptr);
         return;
     }
+    // The keyboard goes with the screens: a focus in the screen or the bar
+    // that left would otherwise fall to whatever follows in the window.
+    const QWidget *focus = QApplication::focusWidget();
+    const bool keyboardHere = focus && (focus == this || isAncestorOf(focus));
     m_content->setCurrentWidget(top);
     ViewController *under = m_stack.size() > 1 ? m_stack.at(m_stack.size() - 2) : nullptr;
     m_bar->setTopItem(top->navigationItem(), under ? under->navigationItem() : nullptr);
+    if (keyboardHere && !top->isAncestorOf(QApplication::focusWidget()))
+        top->setFocus(Qt::OtherFocusReason);
 }
 
 void NavigationController::layoutContent()
