@@ -436,12 +436,15 @@ void NavigationController::showTop()
     }
     // The keyboard goes with the screens: a focus in the screen or the bar
     // that left would otherwise fall to whatever follows in the window.
+    // The new screen holds it itself, with no control ringed until Tab
+    // moves to one (Qt would hand it on to the next control in the chain).
     const QWidget *focus = QApplication::focusWidget();
     const bool keyboardHere = focus && (focus == this || isAncestorOf(focus));
+    const bool alreadyOnTop = focus && (focus == top || top->isAncestorOf(focus));
     m_content->setCurrentWidget(top);
     ViewController *under = m_stack.size() > 1 ? m_stack.at(m_stack.size() - 2) : nullptr;
     m_bar->setTopItem(top->navigationItem(), under ? under->navigationItem() : nullptr);
-    if (keyboardHere && !top->isAncestorOf(QApplication::focusWidget()))
+    if (keyboardHere && !alreadyOnTop)
         top->setFocus(Qt::OtherFocusReason);
 }
 
