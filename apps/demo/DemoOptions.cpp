@@ -27,12 +27,14 @@ struct Parser
     QCommandLineOption screenshot{QStringLiteral("screenshot"),
                                   QStringLiteral("Run a test a few seconds, save the window to <file> (PNG) and exit."),
                                   QStringLiteral("file")};
+    QCommandLineOption highContrast{QStringLiteral("high-contrast"),
+                                    QStringLiteral("Show the kit as a host does whose system asks for high contrast.")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")};
 
     Parser()
     {
         parser.setApplicationDescription(QStringLiteral("Demo host of the BrightmereMobileSDKUI kit"));
-        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, help});
+        parser.addOptions({customer, password, tester, anyLink, i18n, walkthrough, screenshot, highContrast, help});
     }
 };
 
@@ -82,6 +84,7 @@ DemoOptions DemoOptions::parse(const QStringList &arguments, const QProcessEnvir
     options.anyLink = p.parser.isSet(p.anyLink);
     if (options.anyLink && options.testerUrl.isEmpty() && options.errors.isEmpty())
         options.errors << QStringLiteral("--any-link goes with --tester");
+    options.highContrast = p.parser.isSet(p.highContrast);
     options.walkthroughDir = p.parser.value(p.walkthrough);
     options.screenshotPath = p.parser.value(p.screenshot);
     if (!options.walkthroughDir.isEmpty() && !options.screenshotPath.isEmpty())

@@ -21,6 +21,8 @@ public:
     bool anyLink = false;
     // Empty: the built-in texts (or BRIGHTMERE_SERVER_URL when set).
     QUrl i18nServiceUrl;
+    // The kit's high-contrast setting, as a host binds it to its system's.
+    bool highContrast = false;
     // Non-empty: the headless walkthrough writes its pictures here.
     QString walkthroughDir;
     // Non-empty: one picture of a running test, then exit.

@@ -6,6 +6,7 @@
 //   brightmere_demo --walkthrough DIR    headless tour, pictures into DIR
 //   brightmere_demo --screenshot FILE    one picture of a running test
 //   brightmere_demo --tester URL         measure real downloads (on Wi-Fi)
+//   brightmere_demo --high-contrast      as on a system that asks for high contrast
 //
 // The customer's name and password come from --customer/--password or
 // BRIGHTMERE_CUSTOMER/BRIGHTMERE_PASSWORD; the password goes to the screen
@@ -19,6 +20,7 @@
 #include "core/BMSDKGeneralUtilities.h"
 #include "core/BMSDKRestServiceManager.h"
 #include "i18n/BMI18NManager.h"
+#include "model/BMSDKUISettings.h"
 #include "platform/views/NavigationController.h"
 #include "session/BMWifiScanVC.h"
 #include "storyboard/BMSDKUIStoryboard.h"
@@ -64,6 +66,7 @@ int main(int argc, char *argv[])
         BMSDKBackend::setSystemDownloadUrl(options.testerUrl);
     }
 
+    BMSDKUISettings::sharedInstance().setHighContrast(options.highContrast);
     if (!options.i18nServiceUrl.isEmpty())
         BMSDKRestServiceManager::setBrightmereServerURL(options.i18nServiceUrl.toString());
     // Once, before any screen: the saved-results and settings screens are reached by segue.

@@ -124,7 +124,8 @@ void PlotItem::setTitleDefaultsForGraph(XYGraph *graph, const QRectF &bounds)
     font.setBold(true);
     font.setPixelSize(std::max(1, int(std::lround(height / 20.0))));
     graph->setTitleFont(font);
-    graph->setTitleBrush(Brightmere::Color::named(QStringLiteral("medium_gray")));
+    graph->setTitleBrush(Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_gray")),
+                                                       Brightmere::Color::named(QStringLiteral("fz_chart_back"))));
     graph->setTitleDisplacement(QPointF(0.0, std::round(height / 18.0)));
 }
 

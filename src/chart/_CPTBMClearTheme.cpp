@@ -50,5 +50,7 @@ void _CPTBMClearTheme::applyThemeToPlotArea(XYGraph *graph) const
 void _CPTBMClearTheme::applyThemeToAxisSet(XYGraph *graph) const
 {
     applyAxisStyle(graph, {lineStyle(bmBlueGrayColor(), 1.0), lineStyle(bmBlueGrayColor(), 1.0),
-                           Brightmere::Color::named(QStringLiteral("medium_gray")), textFont(14)});
+                           Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_gray")),
+                                                         Brightmere::Color::named(QStringLiteral("fz_chart_back"))),
+                           textFont(14)});
 }

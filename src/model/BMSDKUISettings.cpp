@@ -1,6 +1,7 @@
 #include "BMSDKUISettings.h"
 
 #include "core/BMLogger.h"
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/UserDefaults.h"
 
 #include <QSet>
@@ -112,4 +113,18 @@ void BMSDKUISettings::setSavedSpots(const QStringList &spots)
     }
     UserDefaults::standard().setObject(kept, key(kSavedSpotsKey));
     synchronize();
+}
+
+bool BMSDKUISettings::highContrast() const
+{
+    return m_highContrast;
+}
+
+void BMSDKUISettings::setHighContrast(bool on)
+{
+    if (on == m_highContrast)
+        return;
+    m_highContrast = on;
+    Brightmere::NotificationCenter::defaultCenter().postNotificationName(
+        QString::fromLatin1(kHighContrastChangeNotification), nullptr, {{QStringLiteral("highContrast"), on}});
 }

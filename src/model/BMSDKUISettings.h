@@ -6,8 +6,9 @@
 // The kit's UI preferences: three "always" switches that skip a confirmation
 // before a recorded spot is deleted, replaced or copied, and the user's list
 // of spot names, into which the preset room names are merged once per
-// installation. Holds no state: every call reads or writes the standard user
-// defaults at once, and every write is synchronised.
+// installation. Every call reads or writes the standard user defaults at once,
+// and every write is synchronised; only the high-contrast switch lives in
+// memory, since the host follows its system's preference on every start.
 class BMSDKUISettings
 {
 public:
@@ -16,6 +17,9 @@ public:
     static constexpr const char *kAlwaysCopySpotKey = "kAlwaysCopySpotKey";
     static constexpr const char *kSavedSpotsKey = "kSavedSpotsKey";
     static constexpr const char *kPresetSpotsAlreadySavedKey = "kPresetSpotsAlreadySavedKey";
+    // Posted through the default notification centre when highContrast
+    // changes; the user info's "highContrast" holds the new value.
+    static constexpr const char *kHighContrastChangeNotification = "kHighContrastChange";
 
     static BMSDKUISettings &sharedInstance();
 
@@ -44,6 +48,14 @@ public:
     // "Bathroom 1", "Bathroom 2", "Garage".
     static const QStringList &presetSpots();
 
+    // Off by default. On, the colours the kit's design fixes give way to the
+    // nearest colours of the same hue that are readable on their backgrounds.
+    // A host binds it to its system's high-contrast preference.
+    bool highContrast() const;
+    void setHighContrast(bool on);
+
 private:
     BMSDKUISettings() = default;
+
+    bool m_highContrast = false;
 };

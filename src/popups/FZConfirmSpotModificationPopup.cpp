@@ -1,5 +1,7 @@
 #include "FZConfirmSpotModificationPopup.h"
 
+#include <QTextDocumentFragment>
+
 #include "platform/views/Switch.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -76,12 +78,15 @@ QWidget *FZConfirmSpotModificationPopup::addViewWithOption(const QString &option
     QPalette palette = m_note->palette();
     // System colour 1, not 3: colour 3 on the white card cannot be read.
     // Lines with a colour of their own keep it.
-    palette.setColor(QPalette::WindowText, Brightmere::Color::system(1));
+    palette.setColor(QPalette::WindowText,
+                     Brightmere::Color::fixedColor(Brightmere::Color::system(1), Brightmere::Color::system(2)));
     m_note->setPalette(palette);
     layout->addWidget(m_note, 1, Qt::AlignVCenter);
 
     m_optionSwitch = new Brightmere::Switch(row);
     m_optionSwitch->setObjectName(QStringLiteral("optionSwitch"));
+    m_optionSwitch->setAccessibleName(
+        m_noteFormat == Qt::RichText ? QTextDocumentFragment::fromHtml(option).toPlainText() : option);
     layout->addWidget(m_optionSwitch, 0, Qt::AlignVCenter);
 
     m_viewOnTopOfOptions = row;

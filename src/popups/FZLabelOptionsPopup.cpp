@@ -60,7 +60,8 @@ QWidget *FZLabelOptionsPopup::addViewWithOption(const QString &option, int index
     note->setAutoFillBackground(false);
     QPalette palette = note->palette();
     palette.setColor(QPalette::Window, Brightmere::Color::system(2));
-    palette.setColor(QPalette::WindowText, Brightmere::Color::colorFromHex(QStringLiteral("999999")));
+    palette.setColor(QPalette::WindowText, Brightmere::Color::fixedColor(Brightmere::Color::colorFromHex(QStringLiteral("999999")),
+                                                                         Brightmere::Color::system(2)));
     note->setPalette(palette);
     m_viewOnTopOfOptions = note;
     stackRow(note);

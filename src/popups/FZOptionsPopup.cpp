@@ -50,11 +50,17 @@ QString cornerRadii(bool topLeft, bool topRight, bool bottomLeft, bool bottomRig
         .arg(radius(bottomRight));
 }
 
+QColor white()
+{
+    return Brightmere::Color::colorWithR(255, 255, 255);
+}
+
 QString titleStyleSheet(const QString &radii)
 {
     return QStringLiteral("QLabel { background: %1; color: %2; %3 }")
-        .arg(Brightmere::Color::named(QStringLiteral("medium_blue")).name(QColor::HexArgb),
-             Brightmere::Color::colorWithR(255, 255, 255).name(QColor::HexArgb), radii);
+        .arg(Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_blue")), white())
+                 .name(QColor::HexArgb),
+             white().name(QColor::HexArgb), radii);
 }
 
 QString buttonStyleSheet(const QString &radii)
@@ -62,7 +68,9 @@ QString buttonStyleSheet(const QString &radii)
     return QStringLiteral("QPushButton { background: %1; color: %2; border: none; padding: %3px; %4 }"
                           "QPushButton:pressed { background: %5; }")
                .arg(Brightmere::Color::system(2).name(QColor::HexArgb),
-                    Brightmere::Color::colorFromHex(QStringLiteral("999999")).name(QColor::HexArgb))
+                    Brightmere::Color::fixedColor(Brightmere::Color::colorFromHex(QStringLiteral("999999")),
+                                                  Brightmere::Color::system(2))
+                        .name(QColor::HexArgb))
                .arg(pixelsForPoints(kButtonInset))
                .arg(radii, Brightmere::Color::system(4).name(QColor::HexArgb))
            + Brightmere::FocusRing::styleSheetRule(QStringLiteral("QPushButton"),

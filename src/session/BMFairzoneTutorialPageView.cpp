@@ -41,9 +41,13 @@ void BMFairzoneTutorialPageView::initialize()
     m_lblText->setFont(Brightmere::View::fontOfSize(kTextFontPoints));
     m_lblText->setWordWrap(true);
     m_lblText->setAlignment(Qt::AlignCenter);
-    QPalette palette = m_lblText->palette();
-    palette.setColor(QPalette::WindowText, Brightmere::Color::named(QStringLiteral("medium_gray")));
-    m_lblText->setPalette(palette);
+    Brightmere::View::followContrast(m_lblText, [label = m_lblText] {
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText,
+                         Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_gray")),
+                                                       Brightmere::Color::named(QStringLiteral("fz_chart_back"))));
+        label->setPalette(palette);
+    });
     // Drawn over the picture's base, so it must not cover it with a background.
     m_lblText->setAutoFillBackground(false);
     // The page's size is the scroll view's; no text may widen or heighten

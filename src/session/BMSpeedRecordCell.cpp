@@ -94,12 +94,20 @@ BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
     m_lblSpeed->setAlignment(Qt::AlignRight | Qt::AlignTop);
     m_lblUnit->setFont(Brightmere::View::fontOfSize(kUnitFontPoints));
     m_lblUnit->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    setTextColor(m_lblUnit, Brightmere::Color::named(QStringLiteral("text_blue")));
+    // The table's text blue, darkened until it reads on the darker of the
+    // two row greys.
+    setTextColor(m_lblUnit, Brightmere::Color::withContrast(Brightmere::Color::named(QStringLiteral("text_blue")),
+                                                            Brightmere::Color::system(3),
+                                                            Brightmere::Color::kTextContrast));
     m_lblAverage->setFont(Brightmere::View::fontOfSize(kAverageFontPoints));
     m_lblAverage->setAlignment(Qt::AlignRight | Qt::AlignTop);
     m_lblAverage->hide();
 
     awakeFromNib();
+    Brightmere::View::followContrast(this, [this] {
+        if (m_record)
+            setupWithRecord(m_record, m_isEven);
+    });
 }
 
 void BMSpeedRecordCell::awakeFromNib()
@@ -162,14 +170,15 @@ void BMSpeedRecordCell::setDelegate(BMSpeedRecordDelegate *delegate)
 void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool isEven)
 {
     m_record = record;
+    m_isEven = isEven;
     const bool averaged = record && record->isAverage();
 
-    const QColor textColor = averaged ? m_recordingColor : m_defaultTextColor;
+    const QColor averageBack = Brightmere::Color::named(QStringLiteral("fz_average_back"));
+    const QColor textColor = averaged ? Brightmere::Color::fixedColor(m_recordingColor, averageBack) : m_defaultTextColor;
     for (QWidget *label : {m_lblAverage, m_lblSpeed, m_lblUnit})
         setTextColor(label, textColor);
     QPalette background = m_viewBg->palette();
-    background.setColor(QPalette::Window, averaged ? Brightmere::Color::named(QStringLiteral("fz_average_back"))
-                                                   : Brightmere::Color::system(isEven ? 3 : 4));
+    background.setColor(QPalette::Window, averaged ? averageBack : Brightmere::Color::system(isEven ? 3 : 4));
     m_viewBg->setPalette(background);
     m_lblAverage->setVisible(averaged);
 
@@ -187,6 +196,11 @@ void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool 
     m_lblArea->setText(record->label());
     m_lblArea->setCursorPosition(0);
     m_lblSpeed->setText(BMI18NManager::formatNumber(record->speedInMbps(), 1, 1));
+    setAccessibleName(record->label() + QStringLiteral(", ") + m_lblSpeed->text() + u' '
+                      + BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    m_lblArea->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_spot_name")));
+    setDeleteAccessibleName(
+        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), record->label()));
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
 
     double seconds = std::ceil(record->duration());

@@ -98,6 +98,7 @@ private:
     QPointer<QObject> m_delegateObject;
     BMSpeedRecordDelegate *m_delegate = nullptr;
     WifiTestResult::Ptr m_record;
+    bool m_isEven = false;
     QColor m_recordingColor;
     QColor m_defaultTextColor;
     QLineEdit *m_lblArea = nullptr;

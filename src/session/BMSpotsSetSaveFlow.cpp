@@ -66,6 +66,7 @@ void BMSpotsSetSaveFlow::showSaveCurrentSpotSetScreen()
         [self](QLineEdit *textField) {
             textField->setPlaceholderText(BMI18NManager::stringForCode(
                 QStringLiteral("fairzones_historical_results_save_alert_title_placeholder")));
+            textField->setAccessibleName(textField->placeholderText());
             textField->setMaxLength(FZHistoricalResultSpotsSet::kMaxTitleLength);
             if (!self)
                 return;

@@ -24,7 +24,8 @@ QString BMSpotsTableController::canBeClearedAttributedStringWithMessageString(co
 {
     const QString note =
         BMI18NManager::stringForCode(QStringLiteral("fairzones_delete_record_can_be_cleared_in_settings"));
-    const QString blue = Color::colorToString(Color::colorWithHexString(QStringLiteral("2882c6")));
+    const QString blue = Color::colorToString(
+        Color::fixedColor(Color::colorWithHexString(QStringLiteral("2882c6")), Color::system(2)));
     // Line spacing 0: the two lines sit as close as the fonts allow.
     return QStringLiteral("<div style=\"line-height:100%\">%1<br/><span style=\"color:#%2; font-size:8pt\">%3</span></div>")
         .arg(message.toHtmlEscaped(), blue, note.toHtmlEscaped());

@@ -1,5 +1,9 @@
 #include "BMWifiScanVC.h"
 
+#include "platform/views/AccessibleWidget.h"
+
+#include <algorithm>
+
 #include "chart/ChartThemeRegistry.h"
 #include "chart/RealTimePlot.h"
 #include "chart/_CPTBMClearTheme.h"
@@ -207,6 +211,8 @@ void BMWifiScanVC::refreshUITexts()
     setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_title")));
     m_view->retranslate(m_session->isScanning());
     m_historyItem->setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_results_title")));
+    m_leftMenuItem->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_menu")));
+    m_menuItem->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_options")));
 }
 
 // ---------------------------------------------------------------------------
@@ -298,6 +304,9 @@ void BMWifiScanVC::connectSession()
         if (m_charPlot)
             recording ? m_charPlot->startRecording() : m_charPlot->stopRecording();
         recording ? setRecordingUI() : setNormalUI();
+        m_recordingSince = BMSDKBackend::clock().now();
+        if (!recording && m_view)
+            m_view->updateRecordResetLabel(m_session->isScanning());
     });
     connect(m_session, &BMWifiTestSession::spotSaved, this, &BMWifiScanVC::onSpotSaved);
     connect(m_session, &BMWifiTestSession::spotDeleted, m_spotsTable, &BMSpotsTableController::removeRow);
@@ -404,16 +413,38 @@ void BMWifiScanVC::onResultArrived()
 void BMWifiScanVC::onResultAccepted(const WifiTestResult::Ptr &result, double shown)
 {
     lblWifiSpeed()->setText(BMI18NManager::formatNumber(shown, 1, 1));
+    announceSpeed(shown);
     // The chart shows what was measured, never the average.
     if (m_charPlot)
         m_charPlot->addSpeedToGraph(result->speedInMbps());
+}
+
+// A reader hears the speed at most once a second, and the hold's progress
+// on the record control.
+void BMWifiScanVC::announceSpeed(double shown)
+{
+    const double now = BMSDKBackend::clock().now();
+    if (m_session->isRecording() && btnRecordReset()) {
+        btnRecordReset()->setAccessibleName(Brightmere::StringFormat::print(
+            BMI18NManager::stringForCode(QStringLiteral("a11y_recording")), m_session->nextSpotRecordName(),
+            int(std::clamp(now - m_recordingSince, 0.0, 1e6))));
+        Brightmere::AccessibleWidget::announceName(btnRecordReset());
+    }
+    if (now - m_speedAnnouncedAt < 1.0 || !m_view)
+        return;
+    m_speedAnnouncedAt = now;
+    const QString text = BMI18NManager::formatNumber(shown, 1, 1) + u' '
+        + BMI18NManager::stringForCode(QStringLiteral("bmMbps"));
+    Brightmere::AccessibleWidget::setValue(m_view->wifiCounterBackground(), shown, text);
+    if (QWidget *chart = m_view->viewPlotHolder())
+        Brightmere::AccessibleWidget::setValue(chart, shown, text);
 }
 
 void BMWifiScanVC::actSoundOnOff()
 {
     const bool enabled = !m_session->isSoundEnabled();
     m_session->setSoundEnabled(enabled);
-    BMWifiScanView::showImage(btnSound(), enabled ? QStringLiteral("buttonAudioOn") : QStringLiteral("buttonAudioOff"));
+    m_view->showSound(enabled);
     if (BMWifiScanVCDelegate *delegate = fzDelegate())
         delegate->wifiScanVCActSoundOnOff(this, enabled);
 }

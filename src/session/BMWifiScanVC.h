@@ -106,6 +106,7 @@ public:
     void actRecordResetTouchUp(bool inside);
     void actSoundOnOff();
     void menuButtonTapped();
+    void announceSpeed(double shown);
     void leftMenuBtnTapped();
     // The history control on the bar: the saving menu.
     virtual void menuHistoricalResultsTapped();
@@ -279,6 +280,9 @@ private:
     Brightmere::ScrollView *m_contentScrollView = nullptr;
     BMWifiScanView *m_view = nullptr;
     QPointer<RealTimePlot> m_charPlot;
+    // When the reader last heard the speed, and when the hold began (clock seconds).
+    double m_speedAnnouncedAt = -1e9;
+    double m_recordingSince = 0.0;
     Brightmere::BarButtonItem *m_leftMenuItem = nullptr;
     Brightmere::BarButtonItem *m_menuItem = nullptr;
     Brightmere::BarButtonItem *m_historyItem = nullptr;

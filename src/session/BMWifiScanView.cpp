@@ -1,5 +1,7 @@
 #include "BMWifiScanView.h"
 
+#include "platform/views/AccessibleWidget.h"
+
 #include "BMFairzoneTutorialPageView.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
@@ -70,6 +72,21 @@ void setTextColor(QWidget *view, const QColor &color)
     view->setPalette(palette);
 }
 
+// The notes on the white panel: the table's medium grey darkened just enough
+// to read there.
+QColor noteColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_gray")), Color::named(QStringLiteral("fz_chart_back")),
+                               Color::kTextContrast);
+}
+
+// The unit under the speed, on the pale face of the "wifiCounter" image.
+QColor unitColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_gray")), Color::colorFromHex(QStringLiteral("F7F9FB")),
+                               Color::kTextContrast);
+}
+
 QVBoxLayout *column(int left, int top, int right, int bottom)
 {
     auto *layout = new QVBoxLayout;
@@ -125,6 +142,11 @@ void BMWifiScanView::buildPanel()
     m_lblSSID = new BMLabel(m_viewBordered);
     m_lblSSID->setObjectName(QStringLiteral("lblSSID"));
     styleLabel(m_lblSSID, 13, QFont::Normal, Color::colorWithHexString(QStringLiteral("3593da")));
+    View::followContrast(m_lblSSID, [this] {
+        const QColor blue = Color::colorWithHexString(QStringLiteral("3593da"));
+        setTextColor(m_lblSSID, Color::fixedColor(blue, Color::named(QStringLiteral("fz_chart_back"))));
+        showNetwork(m_ssid, m_bssid);
+    });
     m_lblSSID->setTextFormat(Qt::RichText);
     m_lblSSID->setFixedHeight(px(kSsidHeight));
     QVBoxLayout *ssid = column(kMargin, 0, kMargin, 0);
@@ -134,7 +156,7 @@ void BMWifiScanView::buildPanel()
 
     m_lblPreparing = new BMLabel(m_viewBordered);
     m_lblPreparing->setObjectName(QStringLiteral("lblPreparing"));
-    styleLabel(m_lblPreparing, 15, QFont::DemiBold, Color::named(QStringLiteral("medium_gray")));
+    styleLabel(m_lblPreparing, 15, QFont::DemiBold, noteColor());
     m_lblPreparing->setFixedHeight(px(24));
     QVBoxLayout *preparing = column(0, kChartHeight / 2 - 12, 0, 0);
     preparing->addWidget(m_lblPreparing);
@@ -144,7 +166,7 @@ void BMWifiScanView::buildPanel()
     m_btnSound = new BMImageButton(m_viewBordered);
     m_btnSound->setObjectName(QStringLiteral("btnSound"));
     m_btnSound->setFixedSize(px(kSoundSize), px(kSoundSize));
-    showImage(m_btnSound, QStringLiteral("buttonAudioOff"));
+    showSound(false);
     // kMargin in from the corner.
     QVBoxLayout *sound = column(0, kMargin, kMargin, 0);
     sound->addWidget(m_btnSound, 0, Qt::AlignRight);
@@ -165,7 +187,8 @@ void BMWifiScanView::buildPanel()
     m_pageResults = new PageControl(m_viewBordered);
     m_pageResults->setObjectName(QStringLiteral("pageResults"));
     m_pageResults->setNumberOfPages(kTutorialPages);
-    m_pageResults->setPageIndicatorTintColor(Color::named(QStringLiteral("disable_gray")));
+    m_pageResults->setPageIndicatorTintColor(Color::withContrast(
+        Color::named(QStringLiteral("disable_gray")), Color::named(QStringLiteral("fz_chart_back")), Color::kLargeContrast));
     m_pageResults->setCurrentPageIndicatorTintColor(Color::named(QStringLiteral("medium_blue")));
     m_pageResults->setFixedHeight(px(kPageDotsHeight));
     View::setBackgroundColor(m_pageResults, Color::named(QStringLiteral("fz_chart_back")));
@@ -206,6 +229,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     row->addLayout(start, 0, 0);
 
     m_wifiCounterBackground = new QLabel(m_viewBordered);
+    Brightmere::AccessibleWidget::exposeValue(m_wifiCounterBackground, QAccessible::StaticText);
     m_wifiCounterBackground->setObjectName(QStringLiteral("wifiCounterBackground"));
     m_wifiCounterBackground->setAlignment(Qt::AlignCenter);
     m_wifiCounterBackground->setFixedSize(px(kCounterSize), px(kCounterSize));
@@ -215,7 +239,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_lblWifiSpeed->setFixedSize(px(kCounterSize), px(kSpeedHeight));
     m_lblUnit = new BMLabel(m_viewBordered);
     m_lblUnit->setObjectName(QStringLiteral("lblUnit"));
-    styleLabel(m_lblUnit, 11, QFont::DemiBold, Color::named(QStringLiteral("medium_gray")));
+    styleLabel(m_lblUnit, 11, QFont::DemiBold, unitColor());
     m_lblUnit->setFixedSize(px(kCounterSize), px(kUnitHeight));
     QVBoxLayout *figures = column(0, kSpeedTop, 0, 0);
     figures->addWidget(m_lblWifiSpeed);
@@ -235,7 +259,7 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_btnRecordReset->setFixedSize(px(kControlSize), px(kControlSize));
     m_lblHoldToAverage = new BMLabel(m_viewBordered);
     m_lblHoldToAverage->setObjectName(QStringLiteral("lblHoldToAverage"));
-    styleLabel(m_lblHoldToAverage, 11, QFont::Normal, Color::named(QStringLiteral("medium_gray")),
+    styleLabel(m_lblHoldToAverage, 11, QFont::Normal, noteColor(),
                Qt::AlignHCenter | Qt::AlignTop);
     // A longer translation takes a second line under the control, and a
     // still longer one ends in an ellipsis.
@@ -259,6 +283,8 @@ QWidget *BMWifiScanView::makePlotHolder()
     delete m_viewPlotHolder.data();
     m_viewPlotHolder = new QWidget(m_viewBordered);
     m_viewPlotHolder->setObjectName(QStringLiteral("viewPlotHolder"));
+    Brightmere::AccessibleWidget::exposeValue(m_viewPlotHolder, QAccessible::Chart);
+    m_viewPlotHolder->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_speed_chart")));
     placePlotHolder();
     m_viewPlotHolder->show();
     // The notes and the tutorial stay over the chart, the controls over all.
@@ -351,17 +377,35 @@ void BMWifiScanView::retranslate(bool testing)
     updateRecordResetLabel(testing);
     m_lblPreparing->setText(BMI18NManager::stringForCode(QStringLiteral("preparing")));
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    m_btnStartStop->setAccessibleName(
+        BMI18NManager::stringForCode(testing ? QStringLiteral("a11y_stop_test") : QStringLiteral("a11y_start_test"))); // i18n-key
+    showSound(m_soundOn);
+    m_wifiCounterBackground->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_speed")));
+    if (m_pageResults)
+        m_pageResults->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_tutorial_page")));
+}
+
+void BMWifiScanView::showSound(bool on)
+{
+    m_soundOn = on;
+    showImage(m_btnSound, on ? QStringLiteral("buttonAudioOn") : QStringLiteral("buttonAudioOff"));
+    Brightmere::AccessibleWidget::setToggle(m_btnSound, on);
+    m_btnSound->setAccessibleName(
+        BMI18NManager::stringForCode(on ? QStringLiteral("a11y_sound_on") : QStringLiteral("a11y_sound_off"))); // i18n-key
 }
 
 void BMWifiScanView::showNetwork(const QString &ssid, const QString &bssid)
 {
+    m_ssid = ssid;
+    m_bssid = bssid;
     if (ssid.isEmpty()) {
         m_lblSSID->clear();
         return;
     }
     QString text = ssid.toHtmlEscaped();
     if (!bssid.isEmpty()) {
-        const QString grey = Color::colorToString(Color::colorWithHexString(QStringLiteral("999999")));
+        const QString grey = Color::colorToString(Color::fixedColor(Color::colorWithHexString(QStringLiteral("999999")),
+                                                                    Color::named(QStringLiteral("fz_chart_back"))));
         text += QStringLiteral("<span style=\"color:#%1\"> (%2)</span>").arg(grey, bssid.toHtmlEscaped());
     }
     m_lblSSID->setText(text);
@@ -372,6 +416,8 @@ void BMWifiScanView::updateRecordResetLabel(bool testing)
     m_btnRecordReset->setTitle(BMI18NManager::stringForCode(QStringLiteral("reset")), BMImageButton::State::Disabled);
     const QString normalKey = testing ? QStringLiteral("record") : QStringLiteral("reset"); // i18n-key
     m_btnRecordReset->setTitle(BMI18NManager::stringForCode(normalKey));
+    m_btnRecordReset->setAccessibleName(
+        BMI18NManager::stringForCode(testing ? QStringLiteral("a11y_record_spot") : QStringLiteral("a11y_clear_spots"))); // i18n-key
 }
 
 QIcon BMWifiScanView::barIcon(bool dots)
@@ -435,7 +481,7 @@ void BMWifiScanView::setRecording(bool recording)
     } else {
         m_counterImageName = QStringLiteral("wifiCounter");
         setTextColor(m_lblWifiSpeed, m_lblWifiSpeedNormalColor);
-        setTextColor(m_lblUnit, Color::named(QStringLiteral("medium_gray")));
+        setTextColor(m_lblUnit, unitColor());
     }
     showCounterImage();
 }

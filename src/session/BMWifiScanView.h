@@ -59,6 +59,8 @@ public:
     void showTesting(bool testing);
     void retranslate(bool testing);
     void updateRecordResetLabel(bool testing);
+    // The sound control's picture, and what a reader hears ("Sound, off").
+    void showSound(bool on);
     // The network's name, with the access point's address in grey.
     void showNetwork(const QString &ssid, const QString &bssid);
     // The bar's menu icons, drawn in white so the bar needs no image files.
@@ -108,6 +110,7 @@ private:
     BMImageButton *m_btnStartStop = nullptr;
     BMImageButton *m_btnRecordReset = nullptr;
     BMImageButton *m_btnSound = nullptr;
+    bool m_soundOn = false;
     BMLabel *m_lblHoldToAverage = nullptr;
     BMLabel *m_lblPreparing = nullptr;
     BMLabel *m_lblWifiSpeed = nullptr;
@@ -119,4 +122,6 @@ private:
     QPointer<Brightmere::PageControl> m_pageResults;
     QString m_counterImageName;
     QColor m_lblWifiSpeedNormalColor;
+    QString m_ssid;
+    QString m_bssid;
 };

@@ -11,6 +11,7 @@
 #include "i18n/BMLanguageChangeNotification.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/MainQueue.h"
+#include "platform/foundation/StringFormat.h"
 #include "platform/views/Alert.h"
 #include "platform/views/BarButtonItem.h"
 #include "platform/views/NavigationBar.h"
@@ -78,6 +79,23 @@ void BMSDKUIBaseViewController::viewWillAppear(bool animated)
     BMScreenChangeNotification::postScreenChange(screenNameAndClassForEventTracker());
     setStatusBarHidden(false);
     refreshUITexts();
+    refreshBackNames();
+}
+
+// "Back to <this screen>" for the back button that leads here, and the same
+// name on the kit's own back arrow that leads to the screen below.
+void BMSDKUIBaseViewController::refreshBackNames()
+{
+    const QString here = !title().isEmpty() ? title() : !m_headerTitle.isEmpty() ? m_headerTitle : navigationItem()->title();
+    navigationItem()->setBackAccessibleName(
+        StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_back_to")), here));
+    NavigationController *navigation = navigationController();
+    const QList<ViewController *> stack = navigation ? navigation->viewControllers() : QList<ViewController *>();
+    const qsizetype index = stack.indexOf(this);
+    // While being pushed, the screen below is still the top.
+    ViewController *below = index > 0 ? stack.at(index - 1) : index < 0 && !stack.isEmpty() ? stack.last() : nullptr;
+    if (m_kitBackItem && below)
+        m_kitBackItem->setAccessibleName(below->navigationItem()->backAccessibleName());
 }
 
 void BMSDKUIBaseViewController::viewWillLayoutSubviews()
@@ -194,6 +212,7 @@ void BMSDKUIBaseViewController::prepareHeaderViewForTitle(const QString &title)
         font.setPixelSize(font.pixelSize() - 1);
     label->setFont(font);
     label->setText(QFontMetrics(font).elidedText(title, Qt::ElideRight, kTitleViewWidth));
+    m_headerTitle = title;
     navigationItem()->setTitleView(container);
 }
 
@@ -202,12 +221,16 @@ void BMSDKUIBaseViewController::replaceNativeBackButton()
     auto *back = new BarButtonItem(QIcon(QStringLiteral(":/images/iconBack.svg")), BarButtonItem::Style::Plain,
                                    {}, this);
     back->setObjectName(QStringLiteral("iconBack"));
+    m_kitBackItem = back;
     QPointer<BMSDKUIBaseViewController> self(this);
     back->setAction([self, back] {
         if (self)
             self->backAction(back);
     });
     navigationItem()->setLeftBarButtonItem(back);
+    // Made after the screen appeared (the saved list makes it on leaving
+    // compare mode): named now, not at the next appearance.
+    refreshBackNames();
 }
 
 void BMSDKUIBaseViewController::backAction(QObject *sender)
@@ -296,14 +319,18 @@ void BMSDKUIBaseViewController::presentLater(std::function<Alert *()> build)
 
 void BMSDKUIBaseViewController::notifyLanguageChange(BMLanguageChangeNotification *)
 {
-    if (isViewLoaded())
+    if (isViewLoaded()) {
         textsDidChange();
+        refreshBackNames();
+    }
 }
 
 void BMSDKUIBaseViewController::notifyTextBundleAvailable(BMI18NNotification *)
 {
-    if (isViewLoaded())
+    if (isViewLoaded()) {
         textsDidChange();
+        refreshBackNames();
+    }
 }
 
 void BMSDKUIBaseViewController::notifyTextBundleNotAvailable(BMI18NNotification *)

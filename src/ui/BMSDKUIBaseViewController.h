@@ -10,6 +10,7 @@
 #include <QPointer>
 
 namespace Brightmere {
+class BarButtonItem;
 class Clock;
 }
 
@@ -109,7 +110,10 @@ private:
     void notifyTextBundleAvailable(BMI18NNotification *notification) override;
     void notifyTextBundleNotAvailable(BMI18NNotification *notification) override;
     void presentLater(std::function<Brightmere::Alert *()> build);
+    void refreshBackNames();
 
     bool m_statusBarHidden = false;
     Brightmere::Clock *m_clock = nullptr;
+    QString m_headerTitle;
+    QPointer<Brightmere::BarButtonItem> m_kitBackItem;
 };

@@ -1,6 +1,8 @@
 #include "BrightmereView.h"
 
 #include "core/BMLogger.h"
+#include "model/BMSDKUISettings.h"
+#include "platform/foundation/NotificationCenter.h"
 
 #include <QHash>
 #include <QPalette>
@@ -188,6 +190,23 @@ void setBackgroundColor(QWidget *view, const QColor &color)
     QPalette palette = view->palette();
     palette.setColor(QPalette::Window, color);
     view->setPalette(palette);
+}
+
+void followContrast(QWidget *widget, const std::function<void()> &apply, bool applyNow)
+{
+    if (!widget || !apply)
+        return;
+    if (applyNow)
+        apply();
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.addObserver(widget, QString::fromLatin1(BMSDKUISettings::kHighContrastChangeNotification),
+                       [apply](const Notification &) { apply(); });
+    // Registered once per widget however many parts of it follow.
+    if (!widget->property("followsContrast").toBool()) {
+        widget->setProperty("followsContrast", true);
+        QObject::connect(widget, &QObject::destroyed,
+                         [widget] { NotificationCenter::defaultCenter().removeObserver(widget); });
+    }
 }
 
 QString literalButtonText(const QString &text)

@@ -99,6 +99,11 @@ bool findAndResignFirstResponder(QWidget *view);
 // colour does (Qt leaves widgets unfilled unless told).
 void setBackgroundColor(QWidget *view, const QColor &color);
 
+// Runs apply (now too, unless applyNow is false) whenever the high-contrast
+// setting changes, for as long as the widget lives: a widget that paints a
+// design-fixed colour re-reads it there, so a screen already shown follows.
+void followContrast(QWidget *widget, const std::function<void()> &apply, bool applyNow = true);
+
 // A user's or translator's text as a button's text: every "&" doubled, so it
 // shows as written and makes no keyboard shortcut ("Save & close").
 QString literalButtonText(const QString &text);

@@ -10,14 +10,10 @@
 #include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
 #include "core/BMSDKGeneralUtilities.h"
-#include "i18n/BMI18NNotification.h"
 #include "i18n/BMI18NServiceManager.h"
-#include "platform/foundation/LocalizedBundle.h"
 #include "platform/foundation/UserDefaults.h"
 
 #include <QRegularExpression>
-#include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTest>
 
 namespace {
@@ -40,46 +36,15 @@ constexpr double kShortTimeoutSeconds = 0.3;
 constexpr double kTimeoutSeconds = 10.0;
 constexpr qint64 kSizeCap = 2048;
 
-// Counts the outcomes on the main thread, as a screen sees them; ended()
-// lets the test wait in an event loop, so the server answers at once.
-class Outcomes : public QObject, public BMI18NNotificationSubscriber
-{
-    Q_OBJECT
-
-public:
-    void notifyTextBundleAvailable(BMI18NNotification *) override
-    {
-        ++available;
-        Q_EMIT ended();
-    }
-    void notifyTextBundleNotAvailable(BMI18NNotification *) override
-    {
-        ++notAvailable;
-        Q_EMIT ended();
-    }
-    int available = 0;
-    int notAvailable = 0;
-
-Q_SIGNALS:
-    void ended();
-};
-
 QString cacheFile(const QString &name)
 {
-    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u'/' + name;
+    return i18nCacheFolder() + u'/' + name;
 }
 
 QByteArray storedRecord()
 {
     Brightmere::UserDefaults::standard().synchronize();
     return readFile(Brightmere::UserDefaults::standard().filePath());
-}
-
-void deliver(const QString &language, const QVariantMap &contents)
-{
-    const QVariantMap data{{"_id", language}, {"ts", 1}, {"contents", contents}};
-    BMI18NManager::sharedInstance()->requestBundleDataSuccessBlock()(
-        BMSDKRestRequestTask(), {{"code", 200}, {"message", "OK"}, {"data", data}});
 }
 
 } // namespace
@@ -100,7 +65,7 @@ private Q_SLOTS:
         BMI18NManager::resetSharedInstanceForTesting();
         BMI18NServiceManager::sharedInstance()->clearAuthorizationToken();
         BMI18NServiceManager::sharedInstance()->manager()->setMaximumResponseSize(kSizeCap);
-        m_outcomes = std::make_unique<Outcomes>();
+        m_outcomes = std::make_unique<I18NOutcomes>();
         BMI18NNotification::subscribe(m_outcomes.get(), BMNotificationDelivery::MainThread);
     }
 
@@ -124,14 +89,14 @@ private Q_SLOTS:
         ++m_injected;
 
         // Texts downloaded earlier, in memory and in the cache files.
-        deliver("en", {{"k_all", "held en"}, {"k_en", "held en only"}});
-        deliver("es", {{"k_all", "held es"}});
+        deliverBundle("en", 1, {{"k_all", "held en"}, {"k_en", "held en only"}});
+        deliverBundle("es", 1, {{"k_all", "held es"}});
         QCOMPARE(BMI18NManager::stringForCode("k_all"), QStringLiteral("held es"));
         const QByteArray english = readFile(cacheFile("bundle_en"));
         const QByteArray spanish = readFile(cacheFile("bundle_user"));
         const QByteArray record = storedRecord();
         QVERIFY(english.contains("held en only") && spanish.contains("held es"));
-        m_outcomes->available = m_outcomes->notAvailable = 0;
+        m_outcomes->clear();
         BMI18NServiceManager::sharedInstance()->manager()->setTimeoutInterval(
             cause == u"timed out" ? kShortTimeoutSeconds : kTimeoutSeconds);
 
@@ -143,15 +108,15 @@ private Q_SLOTS:
         BMSDKRestServiceManager::setBrightmereServerURL(server.baseUrl());
         LogCapture log;
 
-        QSignalSpy ended(m_outcomes.get(), &Outcomes::ended);
+        // Waiting in the event loop, so that the server answers at once.
         BMI18NManager::sharedInstance()->updateBundleTexts();
-        QVERIFY(ended.wait(20000));
+        QTRY_VERIFY_WITH_TIMEOUT(m_outcomes->total() > 0, 20000);
         QVERIFY(settle());
-        QCOMPARE(m_outcomes->available + m_outcomes->notAvailable, 1);
+        QCOMPARE(m_outcomes->total(), 1);
         QVERIFY2(log.text().contains(QRegularExpression(cause)), qPrintable(log.text()));
         QCOMPARE(BMI18NManager::stringForCode("k_en"), QStringLiteral("held en only"));
         QCOMPARE(readFile(cacheFile("bundle_en")), english);
-        QCOMPARE(recovers ? m_outcomes->available : m_outcomes->notAvailable, 1);
+        QCOMPARE(m_outcomes->count(recovers ? "available" : "notAvailable"), 1);
         QCOMPARE(BMI18NManager::stringForCode("k_all"), QString(recovers ? "fresh es" : "held es"));
         QVERIFY(recovers || (readFile(cacheFile("bundle_user")) == spanish && storedRecord() == record));
         // A redirect loop is given up (after 50 hops, a few of them retried), not followed for ever.
@@ -167,7 +132,7 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<TestEnvironment> m_env;
-    std::unique_ptr<Outcomes> m_outcomes;
+    std::unique_ptr<I18NOutcomes> m_outcomes;
     int m_injected = 0;
     int m_survived = 0;
 };

@@ -36,13 +36,6 @@ public:
         QMutexLocker lock(&m_store->mutex);
         return m_store->lines;
     }
-    QStringList messages() const
-    {
-        QStringList result;
-        for (const Line &line : lines())
-            result.append(line.message);
-        return result;
-    }
     // All lines as one text, "module [level] message" a line.
     QString text() const
     {
@@ -53,8 +46,8 @@ public:
     }
     bool contains(const QString &fragment) const
     {
-        const QStringList all = messages();
-        return std::any_of(all.cbegin(), all.cend(), [&fragment](const QString &message) { return message.contains(fragment); });
+        const QList<Line> all = lines();
+        return std::any_of(all.cbegin(), all.cend(), [&fragment](const Line &line) { return line.message.contains(fragment); });
     }
 
 private:

@@ -63,11 +63,6 @@ void ScriptedHttpServer::setAnswer(const QString &path, const QByteArray &answer
     m_answers.insert(path, Answer{answer, ending, dripIntervalMs});
 }
 
-void ScriptedHttpServer::setFallbackAnswer(const QByteArray &answer, Ending ending)
-{
-    m_fallback = Answer{answer, ending, 0};
-}
-
 void ScriptedHttpServer::setAnswerOnce(const QString &path, const QByteArray &answer, Ending ending)
 {
     m_once.insert(path, Answer{answer, ending, 0});

@@ -10,7 +10,7 @@ class QTcpSocket;
 // the faults a well-behaved server never produces: a cut body, a status
 // error, an answer that never comes, a declared length over the client's
 // cap, a redirect to itself, a reset connection, a body that drips in. Answers
-// are chosen by path (any other path gets the fallback, a 404 unless set);
+// are chosen by path (any other path gets a 404);
 // the token request gets a valid token unless told otherwise. Lives on the
 // thread that made it (the test's main thread).
 class ScriptedHttpServer : public QTcpServer
@@ -39,7 +39,6 @@ public:
     // byte per interval: a body that is slower than any sensible timeout.
     void setAnswer(const QString &path, const QByteArray &answer, Ending ending = Ending::Close,
                    int dripIntervalMs = 0);
-    void setFallbackAnswer(const QByteArray &answer, Ending ending = Ending::Close);
     // The answer to the next request of path only; later ones get the regular one.
     void setAnswerOnce(const QString &path, const QByteArray &answer, Ending ending = Ending::Close);
     // Ends every connection still open: a server that drops what it was sending.

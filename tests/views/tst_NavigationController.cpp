@@ -26,7 +26,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 #include <QToolButton>
 
 using namespace Brightmere;
@@ -169,17 +168,9 @@ private Q_SLOTS:
     void everySoundPlayIsCounted()
     {
         LogCapture log;
-        // Any id is the click; half of them from a worker.
-        const auto play = [] {
-            for (quint32 id : {0u, 1104u, 0xffffffffu})
-                SystemSound::play(id);
-        };
-        play();
-        std::unique_ptr<QThread> worker(QThread::create(play));
-        worker->start();
-        QVERIFY(worker->wait(5000));
-        QCOMPARE(SystemSound::playCount(), 6);
-        QCoreApplication::processEvents(); // plays queued from the worker reach the effect
+        for (quint32 id : {0u, 1104u, 0xffffffffu}) // any id is the click
+            SystemSound::play(id);
+        QCOMPARE(SystemSound::playCount(), 3);
         // Without an audio device: said once, however often it plays.
         int notices = 0;
         for (const LogCapture::Line &line : log.lines())
@@ -196,15 +187,14 @@ private Q_SLOTS:
             composer.setMessageBody(body);
             return composer.mailtoUrl().toEncoded();
         };
-        // Spaces are %20, never +; line breaks travel as CRLF.
-        QCOMPARE(url({}, "Spot names", "Living Room\nHall\r\nAttic\rCellar"),
-                 QByteArray("mailto:?subject=Spot%20names&body=Living%20Room%0D%0AHall%0D%0AAttic%0D%0ACellar"));
         // Ampersand, equals, question, hash, plus and percent stay inside; non-ASCII is UTF-8.
         QCOMPARE(url({}, "A&B Küche", "x=1&y=2?#3+100% 客厅"),
                  QByteArray("mailto:?subject=A%26B%20K%C3%BCche&body=x%3D1%26y%3D2%3F%233%2B100%25%20%E5%AE%A2%E5%8E%85"));
-        // Recipients joined by commas, blanks dropped; a subject keeps to one line.
-        QCOMPARE(url({"a@example.com", " ", " b+c@example.org "}, "first\nsecond", "x"),
-                 QByteArray("mailto:a@example.com,b%2Bc@example.org?subject=first%20second&body=x"));
+        // Recipients joined by commas, blanks dropped; spaces are %20, never +;
+        // a subject keeps to one line, the body's line breaks travel as CRLF.
+        QCOMPARE(url({"a@example.com", " ", " b+c@example.org "}, "first\nsecond", "Living Room\nHall\r\nAttic\rCellar"),
+                 QByteArray("mailto:a@example.com,b%2Bc@example.org?subject=first%20second"
+                            "&body=Living%20Room%0D%0AHall%0D%0AAttic%0D%0ACellar"));
     }
 
     void presentHandsTheUrlToTheOpener()

@@ -2,6 +2,7 @@
 
 #include "FocusRing.h"
 #include "core/BMLogger.h"
+#include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
 
 #include <QApplication>
@@ -37,7 +38,9 @@ const QColor kDestructiveColor(0xff, 0x3b, 0x30);
 
 QString buttonStyleSheet(AlertAction::Style style)
 {
-    const QColor color = style == AlertAction::Style::Destructive ? kDestructiveColor : kActionColor;
+    // The platform's action blue and destructive red, darkened to read on the card.
+    const QColor color = Color::withContrast(style == AlertAction::Style::Destructive ? kDestructiveColor : kActionColor,
+                                             kCardColor, Color::kTextContrast);
     return QStringLiteral("QPushButton { border: none; background: transparent; color: %1;"
                           " font-size: %4px; font-weight: %2; min-height: %3px; padding: 0px 8px; }"
                           "QPushButton:pressed { background: rgba(0, 0, 0, 20); }")

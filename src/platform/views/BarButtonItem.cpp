@@ -47,6 +47,14 @@ void BarButtonItem::setStyle(Style style)
     Q_EMIT changed();
 }
 
+void BarButtonItem::setAccessibleName(const QString &name)
+{
+    if (m_accessibleName == name)
+        return;
+    m_accessibleName = name;
+    Q_EMIT changed();
+}
+
 void BarButtonItem::setEnabled(bool enabled)
 {
     if (m_enabled == enabled)

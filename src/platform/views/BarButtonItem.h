@@ -31,6 +31,10 @@ public:
     void setStyle(Style style);
     bool isEnabled() const { return m_enabled; }
     void setEnabled(bool enabled);
+    // What assistive tools call the button, where the title does not say it
+    // (an icon alone); empty: the title.
+    QString accessibleName() const { return m_accessibleName; }
+    void setAccessibleName(const QString &name);
     Action action() const { return m_action; }
     void setAction(Action action);
 
@@ -44,6 +48,7 @@ Q_SIGNALS:
 private:
     QString m_title;
     QIcon m_icon;
+    QString m_accessibleName;
     Style m_style = Style::Plain;
     bool m_enabled = true;
     Action m_action;

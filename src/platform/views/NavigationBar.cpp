@@ -244,6 +244,7 @@ QToolButton *NavigationBar::makeButton(BarButtonItem *item)
     button->setFocusPolicy(Qt::TabFocus);
     button->setText(literalText(item->title()));
     button->setProperty(kFullTitleProperty, item->title());
+    button->setAccessibleName(item->accessibleName().isEmpty() ? item->title() : item->accessibleName());
     button->setIcon(item->icon());
     button->setIconSize(QSize(24, 24));
     button->setEnabled(item->isEnabled());
@@ -309,6 +310,8 @@ void NavigationBar::refresh()
         const bool fits = m_backButton->fontMetrics().horizontalAdvance(backTitle) <= kBackTitleMaxWidth;
         m_backButton->setText(literalText(fits ? backTitle : QString()));
         m_backButton->setToolTip(fits ? QString() : backTitle);
+        m_backButton->setAccessibleName(m_backItem->backAccessibleName().isEmpty() ? backTitle
+                                                                                   : m_backItem->backAccessibleName());
         m_backButton->setToolButtonStyle(!fits || backTitle.isEmpty() ? Qt::ToolButtonIconOnly
                                                                       : Qt::ToolButtonTextBesideIcon);
     }

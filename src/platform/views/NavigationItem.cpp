@@ -133,4 +133,12 @@ void NavigationItem::watch(BarButtonItem *item)
     connect(item, &BarButtonItem::changed, this, &NavigationItem::changed, Qt::UniqueConnection);
 }
 
+void NavigationItem::setBackAccessibleName(const QString &name)
+{
+    if (m_backAccessibleName == name)
+        return;
+    m_backAccessibleName = name;
+    Q_EMIT changed();
+}
+
 } // namespace Brightmere

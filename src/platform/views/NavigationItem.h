@@ -42,6 +42,11 @@ public:
     BarButtonItem *rightBarButtonItem() const;
     void setRightBarButtonItem(BarButtonItem *item);
 
+    // What assistive tools call the back button that leads to this item
+    // ("Back to ..."); empty: the title.
+    QString backAccessibleName() const { return m_backAccessibleName; }
+    void setBackAccessibleName(const QString &name);
+
     bool hidesBackButton() const { return m_hidesBackButton; }
     void setHidesBackButton(bool hides);
 
@@ -58,6 +63,7 @@ private:
     QPointer<BarButtonItem> m_leftItem;
     QList<QPointer<BarButtonItem>> m_rightItems;
     bool m_hidesBackButton = false;
+    QString m_backAccessibleName;
 };
 
 } // namespace Brightmere

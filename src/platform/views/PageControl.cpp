@@ -1,10 +1,11 @@
 #include "PageControl.h"
 
+#include "AccessibleWidget.h"
 #include "FocusRing.h"
 #include "ui/BrightmereColor.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
-
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -27,8 +28,13 @@ void PageControl::setNumberOfPages(int pages)
 
 void PageControl::setCurrentPage(int page)
 {
+    const int before = m_currentPage;
     m_currentPage = qBound(0, page, qMax(0, m_numberOfPages - 1));
     update();
+    if (before != m_currentPage) {
+        QAccessibleValueChangeEvent event(this, m_currentPage + 1);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void PageControl::setPageIndicatorTintColor(const QColor &color)
@@ -58,8 +64,12 @@ void PageControl::paintEvent(QPaintEvent *)
 {
     if (m_numberOfPages <= 0)
         return;
-    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor
-                                                          : Color::named(QStringLiteral("disable_gray"));
+    // Without a tint of the host's, dots that stand out from the page as a
+    // control's parts must (3:1).
+    const QColor dot = m_pageIndicatorTintColor.isValid()
+                           ? m_pageIndicatorTintColor
+                           : Color::withContrast(Color::named(QStringLiteral("disable_gray")),
+                                                 palette().color(QPalette::Window), Color::kLargeContrast);
     const QColor current = m_currentPageIndicatorTintColor.isValid()
                                ? m_currentPageIndicatorTintColor
                                : Color::named(QStringLiteral("medium_blue"));
@@ -105,8 +115,7 @@ void PageControl::step(int delta)
     const int page = m_currentPage + delta;
     if (page < 0 || page >= m_numberOfPages)
         return;
-    m_currentPage = page;
-    update();
+    setCurrentPage(page);
     Q_EMIT valueChanged();
 }
 

@@ -1,6 +1,7 @@
 #include "Switch.h"
 
 #include "FocusRing.h"
+#include "ui/BrightmereColor.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -94,10 +95,14 @@ void Switch::paintEvent(QPaintEvent *)
     const QRectF track = QRectF(0, 0, kWidth, kHeight).translated((width() - kWidth) / 2.0, (height() - kHeight) / 2.0);
     const qreal radius = track.height() / 2.0;
 
+    // Both tracks stand out from the page behind the switch as a control's
+    // parts must: 3:1.
+    const QColor page = palette().color(QPalette::Window);
+    const QColor off = Color::withContrast(kOffColor, page, Color::kLargeContrast);
+    const QColor on = Color::withContrast(kOnColor, page, Color::kLargeContrast);
     QColor fill;
-    fill.setRgbF(kOffColor.redF() + (kOnColor.redF() - kOffColor.redF()) * m_position,
-                 kOffColor.greenF() + (kOnColor.greenF() - kOffColor.greenF()) * m_position,
-                 kOffColor.blueF() + (kOnColor.blueF() - kOffColor.blueF()) * m_position);
+    fill.setRgbF(off.redF() + (on.redF() - off.redF()) * m_position, off.greenF() + (on.greenF() - off.greenF()) * m_position,
+                 off.blueF() + (on.blueF() - off.blueF()) * m_position);
     if (!isEnabled())
         fill.setAlphaF(0.5f);
     QPainterPath path;

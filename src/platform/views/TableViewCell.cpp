@@ -1,5 +1,6 @@
 #include "TableViewCell.h"
 
+#include "AccessibleWidget.h"
 #include "FocusRingOverlay.h"
 #include "ui/BrightmereColor.h"
 
@@ -45,6 +46,24 @@ QIcon deleteGlyph()
 TableViewCell::TableViewCell(QWidget *parent)
     : QWidget(parent)
 {
+    AccessibleWidget::installFactory();
+}
+
+void TableViewCell::setDeleteAccessibleName(const QString &name)
+{
+    m_deleteAccessibleName = name;
+    if (m_deleteStrip)
+        m_deleteStrip->setAccessibleName(name);
+}
+
+void TableViewCell::setAccessibleSelected(bool selected)
+{
+    if (m_selected == selected)
+        return;
+    m_selected = selected;
+    QAccessible::State changed;
+    changed.selected = true;
+    AccessibleWidget::announceState(this, changed);
 }
 
 void TableViewCell::setEditing(bool editing, bool animated)
@@ -55,6 +74,7 @@ void TableViewCell::setEditing(bool editing, bool animated)
         // Made on first use: most rows are never edited.
         m_deleteStrip = new QToolButton(this);
         m_deleteStrip->setObjectName(QStringLiteral("deleteStrip"));
+        m_deleteStrip->setAccessibleName(m_deleteAccessibleName);
         m_deleteStrip->setIcon(deleteGlyph());
         m_deleteStrip->setIconSize(QSize(22, 22));
         m_deleteStrip->setCursor(Qt::PointingHandCursor);

@@ -34,6 +34,13 @@ public:
 
     // The strip shown while editing.
     QWidget *deleteStrip() const;
+    // What assistive tools call the strip ("Delete Kitchen"); the caller's text.
+    void setDeleteAccessibleName(const QString &name);
+
+    // Whether the row is picked, as assistive tools hear it (the look is the
+    // subclass's); a change is announced.
+    bool isAccessibleSelected() const { return m_selected; }
+    void setAccessibleSelected(bool selected);
 
 Q_SIGNALS:
     void deleteButtonClicked();
@@ -46,6 +53,8 @@ private:
 
     QString m_reuseIdentifier;
     bool m_editing = false;
+    bool m_selected = false;
+    QString m_deleteAccessibleName;
     QToolButton *m_deleteStrip = nullptr;
 };
 

@@ -81,6 +81,8 @@ void FZBaseCollectionViewController::viewDidLoad()
 {
     BMSDKUIBaseViewController::viewDidLoad();
     buildHeaderCells();
+    // The cells' texts carry their colours: a new look needs new texts.
+    Brightmere::View::followContrast(this, [this] { reloadData(); }, false);
 }
 
 void FZBaseCollectionViewController::viewWillAppear(bool animated)
@@ -105,7 +107,9 @@ QColor FZBaseCollectionViewController::backgroundColorForSection(int section)
 
 QColor FZBaseCollectionViewController::cellTextColor()
 {
-    return Brightmere::Color::named(QStringLiteral("medium_gray"));
+    // Readable on the darker of the two row shades, where high contrast asks for it.
+    return Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_gray")),
+                                         Brightmere::Color::system(3));
 }
 
 QFont FZBaseCollectionViewController::systemFont(double points, QFont::Weight weight, bool italic)

@@ -89,6 +89,7 @@ void FZCompareSpotsSetsViewController::refreshUITexts()
     prepareHeaderViewForTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_compare_title")));
     m_hideIdenticalDataLabel->setText(
         BMI18NManager::stringForCode(QStringLiteral("fairzones_historical_compare_hide_identical_data")));
+    m_hideIdenticalSwitch->setAccessibleName(m_hideIdenticalDataLabel->text());
     const QList<FZSpotsSetsHeaderCollectionViewCell *> cells = headerCells();
     for (FZSpotsSetsHeaderCollectionViewCell *cell : cells) {
         cell->setTitle(titleForColumnWithIndex(cell->column()));

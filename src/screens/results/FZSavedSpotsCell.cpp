@@ -1,5 +1,9 @@
 #include "FZSavedSpotsCell.h"
 
+#include "i18n/BMI18NManager.h"
+
+#include "platform/foundation/StringFormat.h"
+
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "platform/views/FocusRingOverlay.h"
@@ -78,6 +82,9 @@ void FZSavedSpotsCell::setupWithSpotsSet(const FZHistoricalResultSpotsSet::Ptr &
     }
     m_nameTextView->setText(spotsSet->name());
     m_dateTextView->setText(BMSDKGeneralUtilities::stringWithYYMMDDHMMFormatFromDate(spotsSet->date()));
+    setAccessibleName(spotsSet->name() + QStringLiteral(", ") + m_dateTextView->text());
+    setDeleteAccessibleName(
+        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), spotsSet->name()));
     // The mark only means something while sets are being picked.
     m_comparableIconImageView->setVisible(mode == 1 && spotsSet->isComparable());
     layoutContent();
@@ -87,6 +94,7 @@ void FZSavedSpotsCell::setSelected(bool selected, bool animated)
 {
     BMTableViewCell::setSelected(selected, animated);
     m_showsSelection = selected;
+    setAccessibleSelected(selected);
     paintBackground();
 }
 
@@ -117,7 +125,13 @@ void FZSavedSpotsCell::layoutContent()
 
 void FZSavedSpotsCell::paintBackground()
 {
-    Brightmere::View::setBackgroundColor(m_content, m_showsSelection
-                                                        ? Brightmere::Color::named(QStringLiteral("fz_compare_set"))
-                                                        : Brightmere::Color::system(4));
+    const QColor background = m_showsSelection ? Brightmere::Color::named(QStringLiteral("fz_compare_set"))
+                                               : Brightmere::Color::system(4);
+    Brightmere::View::setBackgroundColor(m_content, background);
+    // The secondary label grey as it shows on this background, darkened
+    // until it reads there.
+    QPalette palette = m_dateTextView->palette();
+    palette.setColor(QPalette::WindowText, Brightmere::Color::withContrast(Brightmere::Color::system(1), background,
+                                                                           Brightmere::Color::kTextContrast));
+    m_dateTextView->setPalette(palette);
 }

@@ -81,6 +81,9 @@ void FZSavedSpotsViewController::refreshUITexts()
 {
     if (isViewLoaded())
         updateTitle();
+    m_optionsItem->setAccessibleName(text("a11y_options"));
+    m_cancelItem->setAccessibleName(text("cancel"));
+    m_forwardItem->setAccessibleName(text("fairzones_historical_results_saved_compare_sets"));
 }
 
 BMWifiScanVCEditSpotsSetSetter *FZSavedSpotsViewController::editSpotsSetSetter() const

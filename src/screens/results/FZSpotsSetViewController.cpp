@@ -102,6 +102,8 @@ void FZSpotsSetViewController::configureHeaderCell(FZSpotsSetsHeaderCollectionVi
                                                        : QStringLiteral("fairzones_historical_result_saved_ssid_bssid")));
     cell->detailLabel()->setAlignment(first ? Qt::AlignLeft : Qt::AlignHCenter);
     cell->setIconNamed(first ? sortImageName() : QString());
+    // Before the first tap the spots are not in name order, though the arrow shows.
+    cell->setSortInForce(m_spotsSet && m_spotsSet->isSortedAscending() != 0);
 }
 
 int FZSpotsSetViewController::numberOfRows() const

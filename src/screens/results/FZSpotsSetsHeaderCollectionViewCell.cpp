@@ -1,5 +1,9 @@
 #include "FZSpotsSetsHeaderCollectionViewCell.h"
 
+#include "i18n/BMI18NManager.h"
+#include "platform/foundation/StringFormat.h"
+#include "platform/views/AccessibleWidget.h"
+
 #include "FZAttributedText.h"
 #include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
 #include "platform/views/FocusRingOverlay.h"
@@ -35,7 +39,10 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
     m_detailLabel->setTextFormat(Qt::PlainText);
     m_detailLabel->setFont(Brightmere::View::fontOfSize(kDetailPoints));
     QPalette detailPalette = m_detailLabel->palette();
-    detailPalette.setColor(QPalette::WindowText, Brightmere::Color::colorWithHexString(QStringLiteral("999999")));
+    detailPalette.setColor(QPalette::WindowText,
+                           Brightmere::Color::withContrast(Brightmere::Color::colorWithHexString(QStringLiteral("999999")),
+                                                           palette.color(QPalette::Window),
+                                                           Brightmere::Color::kTextContrast));
     m_detailLabel->setPalette(detailPalette);
     m_detailLabel->hide();
 
@@ -77,9 +84,25 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
     connect(m_button, &QPushButton::clicked, this, [this] { touchUpInside(); });
 }
 
+// The heading as a reader hears it: what a tap sorts by, and the order shown.
+void FZSpotsSetsHeaderCollectionViewCell::nameSortButton()
+{
+    const QString key = !m_sortInForce                  ? QStringLiteral("a11y_sort_by")
+                      : m_iconName == u"arrowUpIcon"     ? QStringLiteral("a11y_sort_ascending")
+                      : m_iconName == u"arrowDownIcon" ? QStringLiteral("a11y_sort_descending")
+                                                       : QStringLiteral("a11y_sort_by"); // i18n-key
+    const QString name = Brightmere::StringFormat::print(BMI18NManager::stringForCode(key), m_sortTitle.toLower());
+    if (m_button->accessibleName() == name)
+        return;
+    m_button->setAccessibleName(name);
+    Brightmere::AccessibleWidget::announceName(m_button);
+}
+
 void FZSpotsSetsHeaderCollectionViewCell::setTitle(const FZAttributedText &title)
 {
     m_titleLabel->setText(title.isEmpty() ? QString() : title.toHtml());
+    m_sortTitle = title.string();
+    nameSortButton();
     m_titleLabel->setAlignment(title.alignment() | Qt::AlignVCenter);
 }
 
@@ -89,9 +112,16 @@ void FZSpotsSetsHeaderCollectionViewCell::setDetail(const QString &detail)
     m_detailLabel->setVisible(!detail.isEmpty());
 }
 
+void FZSpotsSetsHeaderCollectionViewCell::setSortInForce(bool inForce)
+{
+    m_sortInForce = inForce;
+    nameSortButton();
+}
+
 void FZSpotsSetsHeaderCollectionViewCell::setIconNamed(const QString &name)
 {
     m_iconName = name;
+    nameSortButton();
     const QIcon icon = Brightmere::FrameworkBundle::imageNamed(name);
     // Drawn for the screen's pixel ratio, so the arrow stays sharp.
     m_iconImageView->setPixmap(icon.isNull() ? QPixmap() : icon.pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));

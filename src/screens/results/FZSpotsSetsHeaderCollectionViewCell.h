@@ -30,6 +30,9 @@ public:
     // The kit's image of that name; an empty name hides the icon. The name
     // shown is kept for readers (iconName()).
     void setIconNamed(const QString &name);
+    // Whether the column's order is in force; when not, a reader hears only
+    // what a tap sorts by, whatever arrow shows.
+    void setSortInForce(bool inForce);
     QString iconName() const { return m_iconName; }
 
     // Not owned: the grid that sets itself here also owns the cell.
@@ -44,6 +47,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void nameSortButton();
     void touchUpInside();
 
     QLabel *m_titleLabel = nullptr;
@@ -52,6 +56,8 @@ private:
     QLabel *m_iconImageView = nullptr;
     QPushButton *m_button = nullptr;
     QString m_iconName;
+    QString m_sortTitle;
+    bool m_sortInForce = true;
     FZSpotsSetsHeaderCollectionViewCellDelegate *m_delegate = nullptr;
     int m_column = -1;
 };

@@ -153,6 +153,9 @@ void FZMiscellaneousSettingsViewController::refreshUITexts()
     m_confirmCopyLabel->setText(BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_misc_confirm_copy")));
     m_confirmDeletionOfRecordingLabel->setText(
         BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_misc_confirm_deletion")));
+    m_confirmReplacementSwitch->setAccessibleName(m_confirmReplacementLabel->text());
+    m_confirmCopySwitch->setAccessibleName(m_confirmCopyLabel->text());
+    m_confirmDeletionSwitch->setAccessibleName(m_confirmDeletionOfRecordingLabel->text());
 }
 
 void FZMiscellaneousSettingsViewController::viewDidLoad()

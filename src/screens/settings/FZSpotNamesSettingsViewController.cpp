@@ -74,6 +74,12 @@ QIcon tintedImage(const QString &name, const QColor &color)
     return QIcon(pixmap);
 }
 
+// The table's medium blue, darkened to read on the white page.
+QColor actionColor()
+{
+    return Color::withContrast(Color::named(QStringLiteral("medium_blue")), Color::system(2), Color::kTextContrast);
+}
+
 QToolButton *actionButton(const QString &objectName, QWidget *parent)
 {
     auto *button = new QToolButton(parent);
@@ -84,7 +90,7 @@ QToolButton *actionButton(const QString &objectName, QWidget *parent)
     button->setIconSize(QSize(pixelsForPoints(kIconSize), pixelsForPoints(kIconSize)));
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setMinimumHeight(pixelsForPoints(kActionRowHeight));
-    QColor tint = Color::named(QStringLiteral("medium_blue"));
+    QColor tint = actionColor();
     QColor pressed = tint;
     pressed.setAlphaF(0.4f);
     button->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; color: %1;"
@@ -146,7 +152,7 @@ void FZSpotNamesSettingsViewController::buildView()
     m_spotNamesTextView->setFont(View::fontOfSize(kTextPoints));
     m_spotNamesTextView->installEventFilter(this);
 
-    const QColor tint = Color::named(QStringLiteral("medium_blue"));
+    const QColor tint = actionColor();
     m_editIcon = tintedImage(QStringLiteral("iconEdit"), tint);
     m_shareIcon = tintedImage(QStringLiteral("iconShare"), tint);
 
@@ -177,9 +183,12 @@ void FZSpotNamesSettingsViewController::viewDidLoad()
     BMSDKUIBaseViewController::viewDidLoad();
     m_originalString = spotNamesAsString();
     m_spotNamesTextView->setPlainText(m_originalString);
-    QPalette palette = m_spotNamesTextView->palette();
-    palette.setColor(QPalette::Text, Color::colorFromHex(QStringLiteral("999999")));
-    m_spotNamesTextView->setPalette(palette);
+    // Readable on the grey of editing too, where high contrast asks for it.
+    Brightmere::View::followContrast(m_spotNamesTextView, [view = m_spotNamesTextView] {
+        QPalette palette = view->palette();
+        palette.setColor(QPalette::Text, Color::fixedColor(Color::colorFromHex(QStringLiteral("999999")), Color::system(3)));
+        view->setPalette(palette);
+    });
 
     NotificationCenter &center = NotificationCenter::defaultCenter();
     center.addObserver(this, QString::fromLatin1(KeyboardNotifications::kKeyboardDidShowNotification),
@@ -193,6 +202,7 @@ void FZSpotNamesSettingsViewController::refreshUITexts()
 {
     using Brightmere::View::literalButtonText;
     setTitle(BMI18NManager::stringForCode(QStringLiteral("fairzones_settings_spot_names")));
+    m_spotNamesTextView->setAccessibleName(title());
     if (m_editing) {
         m_leftButton->setText(literalButtonText(BMI18NManager::stringForCode(QStringLiteral("cancel"))));
         m_rightButton->setText(
