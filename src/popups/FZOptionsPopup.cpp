@@ -367,8 +367,11 @@ void FZOptionsPopup::show()
     }
     m_window = window;
     QWidget *focus = QApplication::focusWidget();
-    if (focus && window->isAncestorOf(focus))
+    if (focus && window->isAncestorOf(focus)) {
         m_previousFocus = focus;
+        for (QWidget *w = focus->parentWidget(); w && w != window; w = w->parentWidget())
+            m_previousFocusHolders.append(w);
+    }
     setParent(window);
     setGeometry(window->rect());
     window->installEventFilter(this);
@@ -409,12 +412,27 @@ void FZOptionsPopup::leaveScreen()
 {
     if (m_window)
         m_window->removeEventFilter(this);
+    const QPointer<QWidget> window = m_window;
     m_window.clear();
     const bool hadFocus = isAncestorOf(QApplication::focusWidget()) || hasFocus();
     QWidget::hide();
     setParent(nullptr);
-    if (hadFocus && m_previousFocus && m_previousFocus->isVisible())
+    // The control that opened it may have gone with the screen its option
+    // left: the keyboard then starts again from the nearest of its holders
+    // still shown (the bar, say), not from wherever the window system puts it.
+    if (hadFocus && m_previousFocus && m_previousFocus->isVisible()) {
         m_previousFocus->setFocus(Qt::OtherFocusReason);
+    } else if (hadFocus) {
+        QWidget *holder = window.data();
+        for (const QPointer<QWidget> &w : std::as_const(m_previousFocusHolders)) {
+            if (w && w->isVisible()) {
+                holder = w.data();
+                break;
+            }
+        }
+        if (holder)
+            holder->setFocus(Qt::OtherFocusReason);
+    }
     deleteLater();
 }
 

@@ -165,6 +165,8 @@ private:
     QList<QPointer<QWidget>> m_separators;
     QPointer<QWidget> m_window;
     QPointer<QWidget> m_previousFocus;
+    // Its parents, nearest first, for when it is gone by the time the popup is.
+    QList<QPointer<QWidget>> m_previousFocusHolders;
     bool m_backdropPressed = false;
     QVariantAnimation *m_slide = nullptr;
 };

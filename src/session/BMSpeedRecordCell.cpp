@@ -6,6 +6,7 @@
 #include "platform/foundation/Clock.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
+#include "platform/views/FocusRingOverlay.h"
 #include "platform/views/TableView.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -16,6 +17,7 @@
 #include <QWindow>
 #include <QCompleter>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -82,6 +84,10 @@ BMSpeedRecordCell::BMSpeedRecordCell(QWidget *parent)
     m_reRecordView->raise();
     m_reRecordView->setObjectName(QStringLiteral("reRecordView"));
     m_reRecordView->installEventFilter(this);
+    // Reached with Tab after the name; Space held on it is a finger held on
+    // it. A click leaves the focus where it was.
+    m_reRecordView->setFocusPolicy(Qt::TabFocus);
+    new Brightmere::FocusRingOverlay(m_reRecordView);
 
     m_lblArea->setFont(Brightmere::View::fontOfSize(kNameFontPoints));
     setTextColor(m_lblArea, Brightmere::Color::system(0));
@@ -424,9 +430,56 @@ void BMSpeedRecordCell::dropPendingPress()
     m_pendingPressClock = nullptr;
 }
 
+bool BMSpeedRecordCell::handleReRecordKey(QEvent *event)
+{
+    const auto *key = static_cast<QKeyEvent *>(event);
+    if (key->key() != Qt::Key_Space || key->modifiers() != Qt::NoModifier)
+        return false;
+    // The key's own repeats neither end nor restart the hold. No delay as
+    // for a finger: a key is no scroll in the making.
+    if (key->isAutoRepeat())
+        return true;
+    if (event->type() == QEvent::KeyPress && m_pendingKeyRelease != 0) {
+        // A repeat the window system did not mark: the hold goes on.
+        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+        m_pendingKeyRelease = 0;
+    } else if (event->type() == QEvent::KeyPress && !m_keyHold && !m_touchOnReRecordView) {
+        m_keyHold = true;
+        reRecordViewOnTouchDown();
+    } else if (event->type() == QEvent::KeyRelease && m_keyHold && m_pendingKeyRelease == 0) {
+        // Counted once no press followed within a moment, as on Record.
+        QPointer<BMSpeedRecordCell> self(this);
+        m_keyReleaseClock = &BMSDKBackend::clock();
+        m_pendingKeyRelease = m_keyReleaseClock->startOnce(kKeyRepeatGapSeconds, [self] {
+            if (self)
+                self->finishKeyRelease();
+        });
+    }
+    return true;
+}
+
+void BMSpeedRecordCell::finishKeyRelease()
+{
+    m_pendingKeyRelease = 0;
+    m_keyHold = false;
+    reRecordViewOnTouchUpInside();
+}
+
 bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
 {
     const bool pending = m_pendingPressTimer != 0;
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease)
+        return handleReRecordKey(event);
+    // Space held while the focus goes (or the row goes) lets go unsaved.
+    if (m_keyHold && (event->type() == QEvent::FocusOut || event->type() == QEvent::Hide)) {
+        if (m_pendingKeyRelease != 0) {
+            m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+            finishKeyRelease();
+        } else {
+            m_keyHold = false;
+            reRecordViewOnCancel();
+        }
+    }
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:

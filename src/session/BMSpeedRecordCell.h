@@ -89,6 +89,8 @@ private:
     void startDelayedPress();
     void dropPendingPress();
     void layoutParts();
+    bool handleReRecordKey(QEvent *event);
+    void finishKeyRelease();
     bool handleReRecordEvent(QEvent *event);
     // Ends a hold in progress with the delegate call given; nothing without one.
     void endHold(const QString &message, void (BMSpeedRecordDelegate::*tell)(BMSpeedRecordCell *));
@@ -101,6 +103,11 @@ private:
     QColor m_recordingColor;
     QColor m_defaultTextColor;
     QLineEdit *m_lblArea = nullptr;
+    bool m_keyHold = false;
+    // How long after Space is let go a press still counts as its repeat.
+    static constexpr double kKeyRepeatGapSeconds = 0.05;
+    int m_pendingKeyRelease = 0;
+    Brightmere::Clock *m_keyReleaseClock = nullptr;
     QCompleter *m_completer = nullptr;
     QLabel *m_lblSpeed = nullptr;
     QLabel *m_lblUnit = nullptr;

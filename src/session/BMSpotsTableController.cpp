@@ -124,7 +124,8 @@ void BMSpotsTableController::updateTabOrder()
     for (TableViewCell *row : m_table->visibleCells()) {
         if (auto *cell = qobject_cast<BMSpeedRecordCell *>(row)) {
             QWidget::setTabOrder(previous, cell->lblArea());
-            previous = cell->lblArea();
+            QWidget::setTabOrder(cell->lblArea(), cell->reRecordView());
+            previous = cell->reRecordView();
         }
     }
 }

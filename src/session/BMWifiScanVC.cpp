@@ -242,9 +242,15 @@ void BMWifiScanVC::buildViews()
     connect(m_spotsTable, &BMSpotsTableController::nameEditEnded, this, &BMWifiScanVC::onNameEditEnded);
     connect(m_spotsTable, &BMSpotsTableController::bottomConstraintChanged, this,
             [this] { m_view->setTblRecordsBottomConstraint(m_spotsTable->tblRecordsBottomConstraint()); });
-    // Tab follows the screen from top to bottom: the sound control, start,
-    // record, then the spots' names in list order.
-    setTabOrder(btnSound(), btnStartStop());
+    // Tab follows the screen from top to bottom: the sound control in the
+    // chart's corner, the tutorial's page dots (while it shows), start,
+    // record, then the spots in list order, each its name and then its speed.
+    if (pageResults()) {
+        setTabOrder(btnSound(), pageResults());
+        setTabOrder(pageResults(), btnStartStop());
+    } else {
+        setTabOrder(btnSound(), btnStartStop());
+    }
     setTabOrder(btnStartStop(), btnRecordReset());
     m_spotsTable->setTabChainStart(btnRecordReset());
 

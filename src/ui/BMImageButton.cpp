@@ -2,12 +2,15 @@
 
 #include "BrightmereColor.h"
 #include "BrightmereView.h"
+#include "core/BMSDKBackend.h"
+#include "platform/foundation/Clock.h"
 #include "platform/views/FocusRing.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QTouchEvent>
 
 namespace {
@@ -164,6 +167,24 @@ static bool isSpace(const QKeyEvent *event)
 
 void BMImageButton::keyPressEvent(QKeyEvent *event)
 {
+    // A press right behind the release is the key's repeat that the window
+    // system did not mark: the hold goes on.
+    if (isSpace(event) && m_pendingKeyRelease != 0) {
+        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+        m_pendingKeyRelease = 0;
+        event->accept();
+        return;
+    }
+    // Enter is a tap: down and up at once, then the click.
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && event->modifiers() == Qt::NoModifier) {
+        if (!event->isAutoRepeat() && isEnabled() && !m_tracking) {
+            begin();
+            end(true);
+            click();
+        }
+        event->accept();
+        return;
+    }
     if (isSpace(event) && isEnabled() && !m_tracking) {
         begin();
         m_trackingKey = true;
@@ -173,17 +194,44 @@ void BMImageButton::keyPressEvent(QKeyEvent *event)
 
 void BMImageButton::keyReleaseEvent(QKeyEvent *event)
 {
-    // Released as a finger is lifted: up inside first, then the click.
-    if (isSpace(event) && m_trackingKey)
-        end(true);
+    // Some window systems send a held key's repeats as releases and presses
+    // that are not marked as repeats: the release only counts once no press
+    // has followed it within a moment.
+    if (isSpace(event) && m_trackingKey) {
+        if (m_pendingKeyRelease == 0) {
+            QPointer<BMImageButton> self(this);
+            m_keyReleaseClock = &BMSDKBackend::clock();
+            m_pendingKeyRelease = m_keyReleaseClock->startOnce(kKeyRepeatGapSeconds, [self] {
+                if (self)
+                    self->finishKeyRelease();
+            });
+        }
+        event->accept();
+        return;
+    }
     QPushButton::keyReleaseEvent(event);
+}
+
+void BMImageButton::finishKeyRelease()
+{
+    m_pendingKeyRelease = 0;
+    m_keyReleaseClock = nullptr;
+    // Released as a finger is lifted: up inside first, then the click.
+    end(true);
+    setDown(false);
+    click();
 }
 
 void BMImageButton::focusOutEvent(QFocusEvent *event)
 {
-    // Space held while the focus goes elsewhere lets go without acting.
-    if (m_trackingKey)
+    // Space held while the focus goes elsewhere lets go without acting; a
+    // release already seen is the user's.
+    if (m_pendingKeyRelease != 0) {
+        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
+        finishKeyRelease();
+    } else if (m_trackingKey) {
         end(false);
+    }
     QPushButton::focusOutEvent(event);
 }
 

@@ -15,6 +15,7 @@
 #include "screens/results/FZSpotsSetViewController.h"
 #include "storyboard/BMSDKUIStoryboard.h"
 
+#include <QApplication>
 #include <QTest>
 
 using Brightmere::IndexPath;
@@ -180,23 +181,36 @@ private Q_SLOTS:
     void deleteBySwipe_data()
     {
         QTest::addColumn<bool>("compare");
+        QTest::addColumn<bool>("byKey"); // Delete on the focused row, then Enter on its strip
         QTest::addColumn<QStringList>("left");
-        QTest::newRow("normal mode deletes from the store") << false
+        QTest::newRow("normal mode deletes from the store") << false << false
                                                             << QStringList{"Ground floor", "Garden", "Attic"};
-        QTest::newRow("compare mode deletes nothing") << true
+        QTest::newRow("the Delete key asks as the swipe does") << false << true
+                                                               << QStringList{"Ground floor", "Garden", "Attic"};
+        QTest::newRow("compare mode deletes nothing") << true << false
                                                       << QStringList{"Ground floor", "Upstairs", "Garden", "Attic"};
     }
 
     void deleteBySwipe()
     {
         QFETCH(bool, compare);
+        QFETCH(bool, byKey);
         QFETCH(QStringList, left);
         if (compare)
             m_screen->enableCompareSetsMode();
-        PointerInput::drag(PointerInput::Kind::Mouse, m_screen->tableView()->viewport(), QPoint(300, 96),
-                           QPoint(200, 96));
+        if (byKey) {
+            m_nav->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(m_nav.get()));
+            cell(1)->setFocus(Qt::TabFocusReason);
+            QTest::keyClick(cell(1), Qt::Key_Delete);
+        } else {
+            PointerInput::drag(PointerInput::Kind::Mouse, m_screen->tableView()->viewport(), QPoint(300, 96),
+                               QPoint(200, 96));
+        }
         QCOMPARE(cell(1)->isEditing(), !compare);
-        if (!compare)
+        if (!compare && byKey) // the strip has the focus
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        else if (!compare)
             QTest::mouseClick(cell(1)->deleteStrip(), Qt::LeftButton);
         else // even asked directly, compare mode keeps the set
             m_screen->commitEditingStyle(m_screen->tableView(),

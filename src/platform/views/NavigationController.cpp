@@ -1,10 +1,18 @@
 #include "NavigationController.h"
 
+#include "BarButtonItem.h"
 #include "NavigationBar.h"
+#include "NavigationItem.h"
+#include "TableView.h"
 #include "ViewController.h"
 #include "core/BMLogger.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QShortcut>
+#include <QAbstractButton>
+#include <QToolButton>
 #include <QPointer>
 #include <QShowEvent>
 #include <QStackedWidget>
@@ -29,6 +37,20 @@ NavigationController::NavigationController(ViewController *rootViewController, Q
     m_bar = new NavigationBar(this);
     connect(m_bar, &NavigationBar::backRequested, this, [this] { popViewControllerAnimated(true); });
     connect(m_bar, &NavigationBar::placementChanged, this, &NavigationController::layoutContent);
+    // Alt+Left and the platform's Back key go back even where the focused
+    // control takes arrow keys (a switch, a text field): a shortcut comes
+    // first. Escape stays a key, so a control or an overlay can take it.
+    QList<QKeySequence> backKeys = QKeySequence::keyBindings(QKeySequence::Back);
+    backKeys << QKeySequence(Qt::ALT | Qt::Key_Left) << QKeySequence(Qt::Key_Back);
+    QList<QKeySequence> unique;
+    for (const QKeySequence &keys : std::as_const(backKeys)) {
+        if (!unique.contains(keys))
+            unique << keys;
+    }
+    auto *back = new QShortcut(this);
+    back->setKeys(unique);
+    back->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(back, &QShortcut::activated, this, &NavigationController::goBack);
 
     if (!rootViewController) {
         BMLogger::sharedInstance().logFromModule(kModule, 3, "created without a root screen");
@@ -175,7 +197,7 @@ void NavigationController::hideEvent(QHideEvent *event)
     }
 }
 
-bool NavigationController::focusNextPrevChild(bool next)
+QList<QWidget *> NavigationController::focusOrder() const
 {
     const auto reachable = [](QWidget *widget) {
         // A widget that hands its focus to another (a view's viewport) is
@@ -192,25 +214,144 @@ bool NavigationController::focusNextPrevChild(bool next)
     }
     std::stable_sort(barButtons.begin(), barButtons.end(), [](QWidget *a, QWidget *b) { return a->x() < b->x(); });
     order << barButtons;
-    if (ViewController *top = topViewController()) {
-        for (QWidget *w = top->nextInFocusChain(); w && w != top; w = w->nextInFocusChain()) {
-            if (top->isAncestorOf(w) && reachable(w) && !order.contains(w))
-                order.append(w);
+    ViewController *top = topViewController();
+    if (!top)
+        return order;
+    QList<QWidget *> chain;
+    for (QWidget *w = top->nextInFocusChain(); w && w != top; w = w->nextInFocusChain()) {
+        if (top->isAncestorOf(w) && reachable(w) && !order.contains(w) && !chain.contains(w))
+            chain.append(w);
+    }
+    // Rows are reused, so a table's widgets sit in the chain in the order
+    // they were made: each table's widgets go where its first one is, in
+    // row order (the chain's order within a row).
+    while (!chain.isEmpty()) {
+        QWidget *first = chain.takeFirst();
+        TableView *table = TableView::enclosingTableView(first);
+        if (!table || table->rowOfWidget(first) < 0) {
+            order.append(first);
+            continue;
+        }
+        QList<QWidget *> rows{first};
+        for (auto it = chain.begin(); it != chain.end();) {
+            if (TableView::enclosingTableView(*it) == table && table->rowOfWidget(*it) >= 0) {
+                rows.append(*it);
+                it = chain.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        std::stable_sort(rows.begin(), rows.end(),
+                         [table](QWidget *a, QWidget *b) { return table->rowOfWidget(a) < table->rowOfWidget(b); });
+        order << rows;
+    }
+    return order;
+}
+
+bool NavigationController::focusNextPrevChild(bool next)
+{
+    QList<QWidget *> order = focusOrder();
+    QWidget *focus = QApplication::focusWidget();
+    const auto targetIn = [&](const QList<QWidget *> &widgets) -> qsizetype {
+        const qsizetype current = widgets.indexOf(focus);
+        return current < 0 ? (next ? 0 : widgets.size() - 1) : current + (next ? 1 : -1);
+    };
+    const auto inRange = [&](qsizetype index) { return index >= 0 && index < order.size(); };
+    qsizetype target = targetIn(order);
+
+    // Only the rows in view have widgets: a step that would leave a table
+    // (or land in it past its first or last row) brings the neighbouring row
+    // into view first, so every row is reached in turn.
+    TableView *from = order.contains(focus) ? TableView::enclosingTableView(focus) : nullptr;
+    const int fromRow = from ? from->rowOfWidget(focus) : -1;
+    TableView *to = inRange(target) ? TableView::enclosingTableView(order.at(target)) : nullptr;
+    const int toRow = to ? to->rowOfWidget(order.at(target)) : -1;
+    TableView *reveal = nullptr;
+    int revealRow = -1;
+    if (from && fromRow >= 0) {
+        const int neighbour = fromRow + (next ? 1 : -1);
+        if (neighbour >= 0 && neighbour < from->numberOfRowsInSection(0) && !(to == from && toRow >= 0 && (toRow == fromRow || toRow == neighbour))) {
+            reveal = from;
+            revealRow = neighbour;
+        }
+    } else if (to && toRow >= 0) {
+        const int edge = next ? 0 : to->numberOfRowsInSection(0) - 1;
+        if (toRow != edge) {
+            reveal = to;
+            revealRow = edge;
         }
     }
+    if (reveal) {
+        reveal->scrollToRowAtIndexPath(IndexPath(revealRow, 0), TableView::ScrollPosition::None, false);
+        order = focusOrder();
+        target = targetIn(order);
+        // Straight to the revealed row's first (or, backwards, last) control.
+        for (qsizetype i = 0; i < order.size(); ++i) {
+            const qsizetype index = next ? i : order.size() - 1 - i;
+            if (TableView::enclosingTableView(order.at(index)) == reveal
+                && reveal->rowOfWidget(order.at(index)) == revealRow) {
+                target = index;
+                break;
+            }
+        }
+    }
+
     if (order.isEmpty())
         return QWidget::focusNextPrevChild(next);
-    const qsizetype current = order.indexOf(QApplication::focusWidget());
-    qsizetype target = current < 0 ? (next ? 0 : order.size() - 1) : current + (next ? 1 : -1);
-    if (target < 0 || target >= order.size()) {
+    if (!inRange(target)) {
         // Past either end: on to the host's widgets, or round again when
         // the controller is the window.
         if (!isWindow())
             return QWidget::focusNextPrevChild(next);
         target = next ? 0 : order.size() - 1;
     }
-    order.at(target)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    QWidget *chosen = order.at(target);
+    if (TableView *table = TableView::enclosingTableView(chosen); table && table->rowOfWidget(chosen) >= 0)
+        table->scrollToRowAtIndexPath(IndexPath(table->rowOfWidget(chosen), 0), TableView::ScrollPosition::None,
+                                      false);
+    chosen->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
+}
+
+void NavigationController::keyPressEvent(QKeyEvent *event)
+{
+    // Enter presses the focused button as Space does (a button in a
+    // popup or alert is pressed there, and never gets here).
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !event->isAutoRepeat()) {
+        auto *button = qobject_cast<QAbstractButton *>(QApplication::focusWidget());
+        if (button && isAncestorOf(button) && button->isEnabled()) {
+            event->accept();
+            button->click();
+            return;
+        }
+    }
+    if (event->key() != Qt::Key_Escape || event->modifiers() != Qt::NoModifier) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    goBack();
+}
+
+void NavigationController::goBack()
+{
+    if (m_stack.size() < 2 || m_inTransition)
+        return;
+    // Not from inside a popup or an alert over the screen: the keys are
+    // theirs while they are up.
+    QWidget *focus = QApplication::focusWidget();
+    if (focus && !m_bar->isAncestorOf(focus) && !topViewController()->isAncestorOf(focus)
+        && focus != topViewController())
+        return;
+    // A screen that puts its own back control on the left (one that saves
+    // or asks first) is left through it, as a tap on it would.
+    NavigationItem *item = topViewController()->navigationItem();
+    if (BarButtonItem *left = item ? item->leftBarButtonItem() : nullptr) {
+        left->trigger();
+        return;
+    }
+    if (m_bar->isBackButtonShown())
+        m_bar->backButton()->click();
 }
 
 void NavigationController::resizeEvent(QResizeEvent *)
@@ -293,9 +434,18 @@ void NavigationController::showTop()
         m_bar->setTopItem(nullptr);
         return;
     }
+    // The keyboard goes with the screens: a focus in the screen or the bar
+    // that left would otherwise fall to whatever follows in the window.
+    // The new screen holds it itself, with no control ringed until Tab
+    // moves to one (Qt would hand it on to the next control in the chain).
+    const QWidget *focus = QApplication::focusWidget();
+    const bool keyboardHere = focus && (focus == this || isAncestorOf(focus));
+    const bool alreadyOnTop = focus && (focus == top || top->isAncestorOf(focus));
     m_content->setCurrentWidget(top);
     ViewController *under = m_stack.size() > 1 ? m_stack.at(m_stack.size() - 2) : nullptr;
     m_bar->setTopItem(top->navigationItem(), under ? under->navigationItem() : nullptr);
+    if (keyboardHere && !alreadyOnTop)
+        top->setFocus(Qt::OtherFocusReason);
 }
 
 void NavigationController::layoutContent()

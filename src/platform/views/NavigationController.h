@@ -59,10 +59,17 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     // Tab goes through the bar's buttons left to right, then the top
     // screen's controls in the screen's own order, then on to whatever
-    // follows the controller in its window.
+    // follows the controller in its window. A table's rows come in row
+    // order, and a row out of view is scrolled in as Tab reaches it.
     bool focusNextPrevChild(bool next) override;
+    // Escape, Alt+Left and the platform's Back key do what the bar's back
+    // control does (Escape only where no control or overlay took it);
+    // Enter presses the focused button.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    QList<QWidget *> focusOrder() const;
+    void goBack();
     bool deferIfBusy(std::function<void()> operation);
     void finishTransition();
     QList<ViewController *> popTo(int index, bool animated);

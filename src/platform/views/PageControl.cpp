@@ -1,11 +1,11 @@
 #include "PageControl.h"
 
 #include "AccessibleWidget.h"
-
-#include <QAccessible>
-
+#include "FocusRing.h"
 #include "ui/BrightmereColor.h"
 
+#include <QAccessible>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -16,6 +16,7 @@ PageControl::PageControl(QWidget *parent)
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);
 }
 
 void PageControl::setNumberOfPages(int pages)
@@ -80,6 +81,42 @@ void PageControl::paintEvent(QPaintEvent *)
         painter.setBrush(page == m_currentPage ? current : dot);
         painter.drawEllipse(dotCentre(page), radius, radius);
     }
+    if (hasFocus()) {
+        const qreal half = kDotSpacing / 2.0;
+        const QRectF dots(QPointF(dotCentre(0).x() - half, 0),
+                          QPointF(dotCentre(m_numberOfPages - 1).x() + half, height()));
+        FocusRing::paint(painter, dots, height() / 2.0, FocusRing::color(this));
+    }
+}
+
+void PageControl::keyPressEvent(QKeyEvent *event)
+{
+    // The arrows move a page as a tap beside the current dot does; Space
+    // and Enter go on to the next page.
+    switch (event->key()) {
+    case Qt::Key_Left:
+        step(-1);
+        break;
+    case Qt::Key_Right:
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        step(1);
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+}
+
+void PageControl::step(int delta)
+{
+    const int page = m_currentPage + delta;
+    if (page < 0 || page >= m_numberOfPages)
+        return;
+    setCurrentPage(page);
+    Q_EMIT valueChanged();
 }
 
 void PageControl::mousePressEvent(QMouseEvent *event)
@@ -97,16 +134,10 @@ void PageControl::mouseReleaseEvent(QMouseEvent *event)
     event->accept();
     const qreal x = event->position().x();
     const qreal centre = dotCentre(m_currentPage).x();
-    int page = m_currentPage;
     if (x < centre - kDotDiameter / 2.0)
-        page = m_currentPage - 1;
+        step(-1);
     else if (x > centre + kDotDiameter / 2.0)
-        page = m_currentPage + 1;
-    if (page < 0 || page >= m_numberOfPages || page == m_currentPage)
-        return;
-    m_currentPage = page;
-    update();
-    Q_EMIT valueChanged();
+        step(1);
 }
 
 } // namespace Brightmere

@@ -7,7 +7,9 @@ namespace Brightmere {
 
 // A row of dots, one per page, the current one highlighted. A tap on either
 // side of the current dot moves one page that way and emits valueChanged;
-// setting currentPage from code emits nothing. Colours not set (invalid)
+// setting currentPage from code emits nothing. Tab reaches it (a click
+// leaves the focus where it was); the arrow keys move a page, Space and
+// Enter go on to the next. Colours not set (invalid)
 // take the kit's defaults: light grey dots, the current one medium blue.
 class PageControl : public QWidget
 {
@@ -41,8 +43,11 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void step(int delta);
+
     int m_numberOfPages = 0;
     int m_currentPage = 0;
     QColor m_pageIndicatorTintColor;

@@ -6,8 +6,10 @@
 #include "TableViewDataSource.h"
 #include "core/BMLogger.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QGraphicsOpacityEffect>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPropertyAnimation>
 #include <QResizeEvent>
@@ -268,6 +270,17 @@ IndexPath TableView::indexPathForCell(const TableViewCell *cell) const
             return IndexPath(it.key(), 0);
     }
     return {};
+}
+
+int TableView::rowOfWidget(const QWidget *widget) const
+{
+    for (const QWidget *w = widget; w && w != this; w = w->parentWidget()) {
+        if (w->parentWidget() == m_content) {
+            const IndexPath index = indexPathForCell(qobject_cast<const TableViewCell *>(w));
+            return index.isValid() ? index.row() : -1;
+        }
+    }
+    return -1;
 }
 
 QList<TableViewCell *> TableView::visibleCells() const
@@ -556,6 +569,46 @@ void TableView::onDragFinished(const QPoint &distance)
     m_dragMode = DragMode::None;
     m_panState = GestureStatePossible;
     m_pressRow.clear();
+}
+
+void TableView::keyPressEvent(QKeyEvent *event)
+{
+    QWidget *focus = QApplication::focusWidget();
+    const int rowIndex = rowOfWidget(focus);
+    TableViewCell *row = rowIndex >= 0 ? m_live.value(rowIndex) : nullptr;
+    if (!row || !m_dataSource || event->modifiers() & ~Qt::KeypadModifier) {
+        QScrollArea::keyPressEvent(event);
+        return;
+    }
+    const IndexPath index(rowIndex, 0);
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (event->key() == Qt::Key_Delete && !row->isEditing() && m_dataSource->canEditRowAtIndexPath(this, index)) {
+        row->setEditing(true, true);
+        // Unless a question that the swipe brings up has taken the focus.
+        if (row->isEditing() && row->deleteStrip() && QApplication::focusWidget() == focus)
+            row->deleteStrip()->setFocus(Qt::OtherFocusReason);
+    } else if (event->key() == Qt::Key_Escape && row->isEditing()) {
+        const bool onStrip = focus == row->deleteStrip();
+        row->setEditing(false, true);
+        // The focus goes back to where Delete was pressed: the row, or its
+        // first control.
+        if (onStrip) {
+            if (row->focusPolicy() & Qt::TabFocus)
+                row->setFocus(Qt::OtherFocusReason);
+            else
+                row->nextInFocusChain()->setFocus(Qt::OtherFocusReason);
+        }
+    } else if (enter && focus == row->deleteStrip()) {
+        if (auto *strip = qobject_cast<QAbstractButton *>(row->deleteStrip()))
+            strip->click();
+    } else if ((enter || event->key() == Qt::Key_Space) && focus == row && m_allowsSelection && !row->isEditing()) {
+        if (!event->isAutoRepeat())
+            m_dataSource->didSelectRowAtIndexPath(this, index);
+    } else {
+        QScrollArea::keyPressEvent(event);
+        return;
+    }
+    event->accept();
 }
 
 void TableView::swipeIfFarEnough(const QPoint &distance)

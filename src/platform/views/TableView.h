@@ -73,6 +73,9 @@ public:
     QRect rectForRowAtIndexPath(const IndexPath &indexPath) const;
     // The index of a row of this table; an invalid index for anything else.
     IndexPath indexPathForCell(const TableViewCell *cell) const;
+    // The row a widget of this table belongs to (the row itself or a part
+    // of it); -1 for anything else.
+    int rowOfWidget(const QWidget *widget) const;
     // The rows at least partly inside the viewport, top to bottom.
     QList<TableViewCell *> visibleCells() const;
     // The row under a point of the viewport; invalid where there is none.
@@ -140,6 +143,11 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    // Keys the focused row left alone: Delete does what a swipe to the left
+    // does (the row's delete strip, which then has the focus), Escape puts
+    // the strip away again, and Space or Enter on a focusable row selects
+    // it as a click does.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     enum class DragMode { None, Scroll, Swipe, HorizontalPan };

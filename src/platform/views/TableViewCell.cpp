@@ -1,7 +1,7 @@
 #include "TableViewCell.h"
 
 #include "AccessibleWidget.h"
-
+#include "FocusRingOverlay.h"
 #include "ui/BrightmereColor.h"
 
 #include <QPainter>
@@ -78,6 +78,10 @@ void TableViewCell::setEditing(bool editing, bool animated)
         m_deleteStrip->setIcon(deleteGlyph());
         m_deleteStrip->setIconSize(QSize(22, 22));
         m_deleteStrip->setCursor(Qt::PointingHandCursor);
+        // Delete on a focused row hands it the focus; a click leaves the
+        // focus where it was.
+        m_deleteStrip->setFocusPolicy(Qt::TabFocus);
+        new FocusRingOverlay(m_deleteStrip);
         m_deleteStrip->setStyleSheet(QStringLiteral("QToolButton { background-color: %1; border: none; }"
                                                     "QToolButton:pressed { background-color: %2; }")
                                          .arg(Color::named(QStringLiteral("norva_red_1")).name(),

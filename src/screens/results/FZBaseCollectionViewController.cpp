@@ -5,6 +5,7 @@
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "platform/foundation/Clock.h"
+#include "platform/views/FocusRingOverlay.h"
 #include "ui/BMBorderedView.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -62,6 +63,10 @@ FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
     m_collectionView = new QScrollArea(m_borderedView);
     m_collectionView->setObjectName(QStringLiteral("collectionView"));
     m_collectionView->setFrameShape(QFrame::NoFrame);
+    // Tab reaches the grid so the arrow keys scroll it; a click leaves the
+    // focus where it was.
+    m_collectionView->setFocusPolicy(Qt::TabFocus);
+    new Brightmere::FocusRingOverlay(m_collectionView);
     m_collectionView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_collectionView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_collectionView->setWidgetResizable(false);

@@ -6,6 +6,7 @@
 
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
+#include "platform/views/FocusRingOverlay.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BMLabel.h"
 #include "ui/BrightmereColor.h"
@@ -61,6 +62,11 @@ FZSavedSpotsCell::FZSavedSpotsCell(QWidget *parent)
     m_comparableIconImageView->setPixmap(
         Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconComparable")).pixmap(kIconSize, kIconSize));
     m_comparableIconImageView->hide();
+    // Reached with Tab: Enter opens the set, Space picks it while sets are
+    // being picked, Delete asks to delete it. A click leaves the focus where
+    // it was.
+    setFocusPolicy(Qt::TabFocus);
+    new Brightmere::FocusRingOverlay(this);
     // Under the strip the table adds while the row is swiped.
     m_content->lower();
     paintBackground();

@@ -6,6 +6,7 @@
 
 #include "FZAttributedText.h"
 #include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
+#include "platform/views/FocusRingOverlay.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -76,6 +77,10 @@ FZSpotsSetsHeaderCollectionViewCell::FZSpotsSetsHeaderCollectionViewCell(QWidget
     m_button->setFlat(true);
     m_button->setStyleSheet(QStringLiteral("background: transparent; border: none;"));
     m_button->setCursor(Qt::PointingHandCursor);
+    // Tab reaches the heading (Space sorts); a click leaves the focus where
+    // it was.
+    m_button->setFocusPolicy(Qt::TabFocus);
+    new Brightmere::FocusRingOverlay(m_button);
     connect(m_button, &QPushButton::clicked, this, [this] { touchUpInside(); });
 }
 

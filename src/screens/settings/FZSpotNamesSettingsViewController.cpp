@@ -5,6 +5,7 @@
 #include "core/BMLogger.h"
 #include "i18n/BMI18NManager.h"
 #include "model/BMSDKUISettings.h"
+#include "platform/views/FocusRingOverlay.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/views/KeyboardNotifications.h"
 #include "platform/views/NavigationItem.h"
@@ -83,7 +84,9 @@ QToolButton *actionButton(const QString &objectName, QWidget *parent)
 {
     auto *button = new QToolButton(parent);
     button->setObjectName(objectName);
-    button->setFocusPolicy(Qt::NoFocus);
+    // Reached with Tab; a click leaves the focus in the text being edited.
+    button->setFocusPolicy(Qt::TabFocus);
+    new Brightmere::FocusRingOverlay(button);
     button->setIconSize(QSize(pixelsForPoints(kIconSize), pixelsForPoints(kIconSize)));
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setMinimumHeight(pixelsForPoints(kActionRowHeight));
