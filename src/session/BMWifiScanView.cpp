@@ -16,6 +16,7 @@
 #include "ui/BrightmereView.h"
 
 #include <QEvent>
+#include <QFontMetrics>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -268,9 +269,15 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_lblWifiSpeed = new BMLabel(m_viewBordered);
     m_lblWifiSpeed->setObjectName(QStringLiteral("lblWifiSpeed"));
     styleLabel(m_lblWifiSpeed, 28, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
-    // Larger figures may reach past the counter's ring, never past the controls.
-    const int figuresWidth
-        = std::max(px(kCounterSize), m_lblWifiSpeed->fontMetrics().horizontalAdvance(QStringLiteral("000.0")) + 4);
+    // Larger text grows the figures only as far as "000.0" fits inside the
+    // counter's ring: past it they would run onto the panel, white on white
+    // while recording. Never under their size at the default text size.
+    const int figuresWidth = px(kCounterSize);
+    QFont figureFont = m_lblWifiSpeed->font();
+    while (figureFont.pixelSize() > 28
+           && QFontMetrics(figureFont).horizontalAdvance(QStringLiteral("000.0")) + 4 > figuresWidth)
+        figureFont.setPixelSize(figureFont.pixelSize() - 1);
+    m_lblWifiSpeed->setFont(figureFont);
     m_lblWifiSpeed->setFixedSize(figuresWidth, tx(kSpeedHeight));
     m_lblUnit = new BMLabel(m_viewBordered);
     m_lblUnit->setObjectName(QStringLiteral("lblUnit"));
