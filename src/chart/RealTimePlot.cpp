@@ -142,7 +142,15 @@ void RealTimePlot::fitAxisRoom()
     const qreal xRoom = xLabels.height() + xTitle.height() + kAxisAir;
     const qreal left = std::max(kPaddingLeft, m_coveredMargins.left() + yRoom - padding.left());
     const qreal bottom = std::max(kPaddingBottom, m_coveredMargins.bottom() + xRoom - padding.bottom());
-    currentGraph->setPlotAreaFramePadding(QMarginsF(left, kPaddingTop, kPaddingRight, bottom));
+    // The last time label is centred on the plot's right edge: larger text
+    // needs the half of a two-digit label that the design's size does not.
+    QFont designLabels = currentGraph->xAxis()->labelsFont();
+    designLabels.setPixelSize(
+        std::max(1, qRound(designLabels.pixelSize() / std::max<qreal>(1.0, Brightmere::View::textScale()))));
+    const QString twoDigits = QStringLiteral("00");
+    const qreal right = kPaddingRight
+        + std::max<qreal>(0.0, (xLabels.horizontalAdvance(twoDigits) - QFontMetricsF(designLabels).horizontalAdvance(twoDigits)) / 2.0);
+    currentGraph->setPlotAreaFramePadding(QMarginsF(left, kPaddingTop, right, bottom));
 }
 
 void RealTimePlot::addSpeedToGraph(double speed)
