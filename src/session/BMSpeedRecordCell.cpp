@@ -439,28 +439,21 @@ bool BMSpeedRecordCell::handleReRecordKey(QEvent *event)
     // for a finger: a key is no scroll in the making.
     if (key->isAutoRepeat())
         return true;
-    if (event->type() == QEvent::KeyPress && m_pendingKeyRelease != 0) {
-        // A repeat the window system did not mark: the hold goes on.
-        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
-        m_pendingKeyRelease = 0;
-    } else if (event->type() == QEvent::KeyPress && !m_keyHold && !m_touchOnReRecordView) {
-        m_keyHold = true;
-        reRecordViewOnTouchDown();
-    } else if (event->type() == QEvent::KeyRelease && m_keyHold && m_pendingKeyRelease == 0) {
-        // Counted once no press followed within a moment, as on Record.
-        QPointer<BMSpeedRecordCell> self(this);
-        m_keyReleaseClock = &BMSDKBackend::clock();
-        m_pendingKeyRelease = m_keyReleaseClock->startOnce(kKeyRepeatGapSeconds, [self] {
-            if (self)
-                self->finishKeyRelease();
-        });
+    if (event->type() == QEvent::KeyPress) {
+        // A press right behind a release is a repeat the window system did
+        // not mark: the hold goes on.
+        if (!m_heldKeyRelease.pressSeen() && !m_keyHold && !m_touchOnReRecordView) {
+            m_keyHold = true;
+            reRecordViewOnTouchDown();
+        }
+    } else if (m_keyHold) {
+        m_heldKeyRelease.releaseSeen();
     }
     return true;
 }
 
 void BMSpeedRecordCell::finishKeyRelease()
 {
-    m_pendingKeyRelease = 0;
     m_keyHold = false;
     reRecordViewOnTouchUpInside();
 }
@@ -472,10 +465,7 @@ bool BMSpeedRecordCell::handleReRecordEvent(QEvent *event)
         return handleReRecordKey(event);
     // Space held while the focus goes (or the row goes) lets go unsaved.
     if (m_keyHold && (event->type() == QEvent::FocusOut || event->type() == QEvent::Hide)) {
-        if (m_pendingKeyRelease != 0) {
-            m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
-            finishKeyRelease();
-        } else {
+        if (!m_heldKeyRelease.settleNow()) {
             m_keyHold = false;
             reRecordViewOnCancel();
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/BMHeldKeyRelease.h"
 #include "core/WifiTestResult.h"
 #include "ui/BMTableViewCell.h"
 
@@ -104,10 +105,7 @@ private:
     QColor m_defaultTextColor;
     QLineEdit *m_lblArea = nullptr;
     bool m_keyHold = false;
-    // How long after Space is let go a press still counts as its repeat.
-    static constexpr double kKeyRepeatGapSeconds = 0.05;
-    int m_pendingKeyRelease = 0;
-    Brightmere::Clock *m_keyReleaseClock = nullptr;
+    BMHeldKeyRelease m_heldKeyRelease{[this] { finishKeyRelease(); }};
     QCompleter *m_completer = nullptr;
     QLabel *m_lblSpeed = nullptr;
     QLabel *m_lblUnit = nullptr;

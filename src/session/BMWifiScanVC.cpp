@@ -1,12 +1,8 @@
 #include "BMWifiScanVC.h"
 
-#include "platform/views/AccessibleWidget.h"
-
-#include <algorithm>
-
+#include "chart/_CPTBMClearTheme.h"
 #include "chart/ChartThemeRegistry.h"
 #include "chart/RealTimePlot.h"
-#include "chart/_CPTBMClearTheme.h"
 #include "core/BMLogger.h"
 #include "core/BMSDKBackend.h"
 #include "core/BMSDKNetworkUtilities.h"
@@ -15,6 +11,7 @@
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/StringFormat.h"
+#include "platform/views/AccessibleWidget.h"
 #include "platform/views/ApplicationNotifications.h"
 #include "platform/views/BarButtonItem.h"
 #include "platform/views/KeyboardNotifications.h"
@@ -28,6 +25,8 @@
 #include "ui/BMLoadingView.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
+
+#include <algorithm>
 
 using namespace Brightmere;
 

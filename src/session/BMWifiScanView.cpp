@@ -1,10 +1,9 @@
 #include "BMWifiScanView.h"
 
-#include "platform/views/AccessibleWidget.h"
-
 #include "BMFairzoneTutorialPageView.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
+#include "platform/views/AccessibleWidget.h"
 #include "platform/views/PageControl.h"
 #include "platform/views/ScrollView.h"
 #include "platform/views/TableView.h"
@@ -44,6 +43,7 @@ constexpr int kCounterSize = 100;
 constexpr int kControlTop = (kCounterSize - kControlSize) / 2 - 8;
 constexpr int kSpeedTop = 26;
 constexpr int kSpeedHeight = 36;
+constexpr int kSpeedPoints = 28;
 constexpr int kUnitHeight = 14;
 constexpr int kSoundSize = 36;
 constexpr int kRowGap = 6;
@@ -268,13 +268,13 @@ QLayout *BMWifiScanView::buildCounterRow()
     m_wifiCounterBackground->setFixedSize(px(kCounterSize), px(kCounterSize));
     m_lblWifiSpeed = new BMLabel(m_viewBordered);
     m_lblWifiSpeed->setObjectName(QStringLiteral("lblWifiSpeed"));
-    styleLabel(m_lblWifiSpeed, 28, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
+    styleLabel(m_lblWifiSpeed, kSpeedPoints, QFont::Bold, Color::named(QStringLiteral("dark_blue")));
     // Larger text grows the figures only as far as "000.0" fits inside the
     // counter's ring: past it they would run onto the panel, white on white
     // while recording. Never under their size at the default text size.
     const int figuresWidth = px(kCounterSize);
     QFont figureFont = m_lblWifiSpeed->font();
-    while (figureFont.pixelSize() > 28
+    while (figureFont.pixelSize() > View::pixelsForPoints(kSpeedPoints)
            && QFontMetrics(figureFont).horizontalAdvance(QStringLiteral("000.0")) + 4 > figuresWidth)
         figureFont.setPixelSize(figureFont.pixelSize() - 1);
     m_lblWifiSpeed->setFont(figureFont);

@@ -2,15 +2,12 @@
 
 #include "BrightmereColor.h"
 #include "BrightmereView.h"
-#include "core/BMSDKBackend.h"
-#include "platform/foundation/Clock.h"
 #include "platform/views/FocusRing.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QTouchEvent>
 
 namespace {
@@ -169,9 +166,7 @@ void BMImageButton::keyPressEvent(QKeyEvent *event)
 {
     // A press right behind the release is the key's repeat that the window
     // system did not mark: the hold goes on.
-    if (isSpace(event) && m_pendingKeyRelease != 0) {
-        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
-        m_pendingKeyRelease = 0;
+    if (isSpace(event) && m_heldKeyRelease.pressSeen()) {
         event->accept();
         return;
     }
@@ -198,14 +193,7 @@ void BMImageButton::keyReleaseEvent(QKeyEvent *event)
     // that are not marked as repeats: the release only counts once no press
     // has followed it within a moment.
     if (isSpace(event) && m_trackingKey) {
-        if (m_pendingKeyRelease == 0) {
-            QPointer<BMImageButton> self(this);
-            m_keyReleaseClock = &BMSDKBackend::clock();
-            m_pendingKeyRelease = m_keyReleaseClock->startOnce(kKeyRepeatGapSeconds, [self] {
-                if (self)
-                    self->finishKeyRelease();
-            });
-        }
+        m_heldKeyRelease.releaseSeen();
         event->accept();
         return;
     }
@@ -214,8 +202,6 @@ void BMImageButton::keyReleaseEvent(QKeyEvent *event)
 
 void BMImageButton::finishKeyRelease()
 {
-    m_pendingKeyRelease = 0;
-    m_keyReleaseClock = nullptr;
     // Released as a finger is lifted: up inside first, then the click.
     end(true);
     setDown(false);
@@ -226,12 +212,8 @@ void BMImageButton::focusOutEvent(QFocusEvent *event)
 {
     // Space held while the focus goes elsewhere lets go without acting; a
     // release already seen is the user's.
-    if (m_pendingKeyRelease != 0) {
-        m_keyReleaseClock->stopRepeating(m_pendingKeyRelease);
-        finishKeyRelease();
-    } else if (m_trackingKey) {
+    if (!m_heldKeyRelease.settleNow() && m_trackingKey)
         end(false);
-    }
     QPushButton::focusOutEvent(event);
 }
 

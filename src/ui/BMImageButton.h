@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BMHeldKeyRelease.h"
+
 #include <QColor>
 #include <QIcon>
 #include <QPushButton>
@@ -17,14 +19,10 @@
 // and it then shows a focus ring; Space held down is a press held down:
 // touchDown on press, touchUpInside on release, touchUpOutside when the
 // focus goes meanwhile (a release counts once no press followed it within
-// kKeyRepeatGapSeconds, so unmarked key repeats neither end nor restart the
+// BMHeldKeyRelease::kRepeatGapSeconds, so unmarked key repeats neither end nor restart the
 // hold); Enter is a tap. With exclusive touch on, no other widget of its
 // window takes a press (mouse, finger) while it is held, and a second finger
 // on it is ignored. Titles show as written ("&" is no shortcut).
-namespace Brightmere {
-class Clock;
-}
-
 class BMImageButton : public QPushButton
 {
     Q_OBJECT
@@ -68,8 +66,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    // How long after Space is let go a press still counts as its repeat.
-    static constexpr double kKeyRepeatGapSeconds = 0.05;
     void finishKeyRelease();
     void begin();
     void end(bool inside);
@@ -82,6 +78,5 @@ private:
     bool m_tracking = false;
     bool m_trackingKey = false;
     bool m_exclusiveTouch = false;
-    int m_pendingKeyRelease = 0;
-    Brightmere::Clock *m_keyReleaseClock = nullptr;
+    BMHeldKeyRelease m_heldKeyRelease{[this] { finishKeyRelease(); }};
 };

@@ -1,11 +1,9 @@
 #include "FZSavedSpotsCell.h"
 
-#include "i18n/BMI18NManager.h"
-
-#include "platform/foundation/StringFormat.h"
-
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
+#include "i18n/BMI18NManager.h"
+#include "platform/foundation/StringFormat.h"
 #include "platform/views/FocusRingOverlay.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BMLabel.h"

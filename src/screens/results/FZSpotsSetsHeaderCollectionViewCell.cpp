@@ -1,11 +1,10 @@
 #include "FZSpotsSetsHeaderCollectionViewCell.h"
 
+#include "FZAttributedText.h"
+#include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
 #include "i18n/BMI18NManager.h"
 #include "platform/foundation/StringFormat.h"
 #include "platform/views/AccessibleWidget.h"
-
-#include "FZAttributedText.h"
-#include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
 #include "platform/views/FocusRingOverlay.h"
 #include "resources/FrameworkBundle.h"
 #include "ui/BrightmereColor.h"
