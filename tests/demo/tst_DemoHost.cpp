@@ -246,23 +246,21 @@ private Q_SLOTS:
         }
     }
 
-    // With the localisation service running on the sample bundles, no text
-    // on any screen is cut, in either language, and the bar's tooltip says
-    // where they came from.
-    void textsFitOnEveryScreen_data()
+    // With the localisation service running on the sample bundles, the demo
+    // downloads the language asked for and the bar's tooltip says where its
+    // texts came from. (That they fit is the accessibility walk's business.)
+    void downloadsTheTexts_data()
     {
         QTest::addColumn<QString>("language");
         QTest::newRow("English") << "en";
         QTest::newRow("Spanish") << "es";
     }
-    void textsFitOnEveryScreen()
+    void downloadsTheTexts()
     {
         BMLocalisationService service;
         service.setFolder(QStringLiteral(BRIGHTMERE_BUNDLES_DIR));
         QVERIFY(service.listen() != 0);
         BMSDKRestServiceManager::setBrightmereServerURL(service.baseUrl());
-        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Flat", {"Hall", "Desk"})));
-        QVERIFY(FZHistoricalResultSpotsSet::saveSpotSet(ReportFixtures::makeSet("Upstairs", {"Hall", "Bed"}, {}, 1)));
         auto window = makeWindow(DemoOptions());
         window->show();
         QSignalSpy refreshed(window->hostDelegate(), &DemoHostDelegate::textBundleRefreshed);
@@ -272,40 +270,6 @@ private Q_SLOTS:
         QVERIFY(refreshed.constLast().first().toBool());
         QVERIFY2(window->navigation()->navigationBar()->toolTip().contains(" downloaded (service " + service.baseUrl()),
                  qPrintable(window->navigation()->navigationBar()->toolTip()));
-
-        QStringList cut;
-        const auto look = [&](const QString &where) {
-            QCoreApplication::processEvents();
-            for (QWidget *widget : window->findChildren<QWidget *>()) {
-                if (!widget->isVisible() || widget->objectName().startsWith("demoEventLog"))
-                    continue;
-                const auto *label = qobject_cast<QLabel *>(widget);
-                const auto *button = qobject_cast<QAbstractButton *>(widget);
-                const QString text = label ? label->text() : button ? button->text() : QString();
-                if (text.contains(QChar(0x2026)))
-                    cut << QStringLiteral("%1: \"%2\"").arg(where, text);
-            }
-        };
-        for (const char *segue : {"", BMSDKUIStoryboard::kShowMiscellaneousSettingsSegue,
-                                  BMSDKUIStoryboard::kShowSpotNamesSettingsSegue, BMSDKUIStoryboard::kShowSavedSpotsSegue}) {
-            window->navigation()->popToRootViewControllerAnimated(false);
-            if (*segue)
-                window->scan()->performSegueWithIdentifier(QString::fromLatin1(segue), nullptr);
-            look(*segue ? segue : "test screen");
-        }
-        auto *list = top<FZSavedSpotsViewController>(*window);
-        QVERIFY(list);
-        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
-        look("spots set");
-        window->navigation()->popViewControllerAnimated(false);
-        list->enableCompareSetsMode();
-        look("saved list, comparing");
-        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(0, 0));
-        list->didSelectRowAtIndexPath(list->tableView(), Brightmere::IndexPath(1, 0));
-        list->forwardButton()->trigger();
-        QVERIFY(top<FZCompareSpotsSetsViewController>(*window));
-        look("compare");
-        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(u'\n')));
         window.reset();
         BMSDKRestServiceManager::setBrightmereServerURL(QString());
     }

@@ -92,7 +92,8 @@ public:
     }
 
     // Runs a comma-separated script: start (and let setup finish),
-    // startStop (the control alone), results:N, press, release, releaseOut,
+    // startStop (the control alone), results:N, seconds:S (between results),
+    // press, release, releaseOut,
     // record (press and release), wifiOff, background,
     // resign, hide, show, edit (hand over a saved set of two spots), mark,
     // touchPress and touchOut (a finger on Record, lifted outside it), sound.
@@ -108,6 +109,8 @@ public:
                     clock.advance(kInterval); // the tester's setup
             } else if (step.startsWith("results:"))
                 clock.advance(step.section(':', 1).toInt() * kInterval);
+            else if (step.startsWith("seconds:"))
+                clock.advance(step.section(':', 1).toDouble());
             else if (step == "press" || step == "release" || step == "releaseOut" || step == "record") {
                 if (step == "press" || step == "record")
                     QTest::mousePress(record, Qt::LeftButton, {}, inside);

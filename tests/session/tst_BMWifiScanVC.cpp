@@ -330,32 +330,35 @@ private Q_SLOTS:
         }
     }
 
-    // Results arrive at 10, 20, 30, 40 ... Mbps, one every half second; one
-    // is on show before the steps.
+    // Results arrive at 10, 2.79, 30, 40 ... Mbps, one every half second;
+    // one is on show before the steps. A row shows the speed cut (not
+    // rounded) to a decimal and an average's seconds rounded up.
     void recordControl_data()
     {
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QStringList>("labels");
-        QTest::addColumn<bool>("average");
-        QTest::addColumn<double>("duration");
+        QTest::addColumn<double>("duration"); // over zero: an average
         QTest::addColumn<double>("speed");
+        QTest::addColumn<QString>("speedText");
+        QTest::addColumn<QString>("note"); // under the speed; empty: hidden
         QTest::newRow("a new result between presses makes a second spot")
-            << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << false << 0.0 << 20.0;
-        QTest::newRow("released outside still saves") << "press,releaseOut" << QStringList{"Spot 1"} << false << 0.0
-                                                      << 10.0;
+            << "press,release,results:1,press,release" << QStringList{"Spot 2", "Spot 1"} << 0.0 << 2.79 << "2.7" << "";
+        QTest::newRow("released outside still saves")
+            << "press,releaseOut" << QStringList{"Spot 1"} << 0.0 << 10.0 << "10.0" << "";
         QTest::newRow("a finger held over a result, dragged out and released")
-            << "touchPress,results:1,touchOut" << QStringList{"Spot 1"} << true << 0.5 << 15.0;
+            << "seconds:0.1,touchPress,seconds:0.4,touchOut" << QStringList{"Spot 1"} << 0.4 << 6.395 << "6.3"
+            << "Averaged over 1 second";
         QTest::newRow("stopped: released inside resets the run")
-            << "press,release,startStop,press,release" << QStringList{} << false << 0.0 << 0.0;
+            << "press,release,startStop,press,release" << QStringList{} << 0.0 << 0.0 << "" << "";
         QTest::newRow("stopped: released outside keeps it")
-            << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << false << 0.0 << 10.0;
+            << "press,release,startStop,press,releaseOut" << QStringList{"Spot 1"} << 0.0 << 10.0 << "10.0" << "";
     }
     void recordControl()
     {
         QFETCH(QString, steps);
         QFETCH(QStringList, labels);
-        QFETCH(bool, average);
-        WifiScanHarness h({10.0, 20.0, 30.0, 40.0, 50.0});
+        QFETCH(double, duration);
+        WifiScanHarness h({10.0, 2.79, 30.0, 40.0, 50.0});
         h.run("start,results:1," + steps);
         QCOMPARE(h.labels(), labels);
         QVERIFY(!h.screen->isRecording());
@@ -364,13 +367,21 @@ private Q_SLOTS:
         if (labels.isEmpty())
             return;
         const WifiTestResult::Ptr newest = h.screen->session()->recordedSpeeds().constFirst();
-        QCOMPARE(newest->isAverage(), average);
-        QTEST(newest->duration(), "duration");
+        QCOMPARE(newest->isAverage(), duration > 0);
+        QCOMPARE(newest->duration(), duration);
         QTEST(newest->speedInMbps(), "speed");
-        QCOMPARE(h.row(0)->lblArea()->text(), labels.first());
-        // Rows stripe from the top whatever was inserted above them.
-        for (int i = average ? 1 : 0; i < labels.size(); ++i)
-            QCOMPARE(h.row(i)->viewBg()->palette().color(QPalette::Window), Color::system(i % 2 == 0 ? 3 : 4));
+        BMSpeedRecordCell *row = h.row(0);
+        QCOMPARE(row->lblArea()->text(), labels.first());
+        QTEST(row->lblSpeed()->text(), "speedText");
+        QTEST(row->lblAverage()->isVisibleTo(row) ? row->lblAverage()->text() : QString(), "note");
+        // An average stands out in the recording colour; plain rows stripe
+        // from the top whatever was inserted above them.
+        const QColor text = duration > 0 ? BMWifiScanVC::recordingColor() : row->defaultTextColor();
+        for (const QLabel *label : {row->lblSpeed(), row->lblUnit(), row->lblAverage()})
+            QCOMPARE(label->palette().color(QPalette::WindowText), text);
+        for (int i = 0; i < labels.size(); ++i)
+            QCOMPARE(h.row(i)->viewBg()->palette().color(QPalette::Window),
+                     duration > 0 ? Color::named("fz_average_back") : Color::system(i % 2 == 0 ? 3 : 4));
     }
 
     void reRecord_data()
@@ -590,53 +601,6 @@ private Q_SLOTS:
 
     // A listed row set up again for another spot: a reused row first showed
     // the opposite kind.
-    void rowShowsItsSpot_data()
-    {
-        QTest::addColumn<bool>("average");
-        QTest::addColumn<bool>("even");
-        QTest::addColumn<double>("speed");
-        QTest::addColumn<double>("duration");
-        QTest::addColumn<QString>("speedText");
-        QTest::addColumn<QString>("note"); // empty: hidden
-        QTest::addColumn<QColor>("background");
-        const QColor averageBack = Color::named("fz_average_back");
-        QTest::newRow("averaged over 0.4 s") << true << true << 12.0 << 0.4 << "12.0" << "Averaged over 1 second"
-                                             << averageBack;
-        QTest::newRow("averaged over 2.1 s, rounded up") << true << false << 4.35 << 2.1 << "4.3"
-                                                         << "Averaged over 3 seconds" << averageBack;
-        QTest::newRow("plain, even row") << false << true << 2.79 << 3.0 << "2.7" << "" << Color::system(3);
-    }
-    void rowShowsItsSpot()
-    {
-        QFETCH(bool, average);
-        QFETCH(bool, even);
-        QFETCH(QString, note);
-        WifiScanHarness h;
-        h.run("start,results:1,record,startStop");
-        BMSpeedRecordCell *cell = h.row(0);
-        const QColor nameColor = cell->lblArea()->palette().color(QPalette::Text);
-        const auto spot = [](double speed, bool averaged, double duration) {
-            auto result = WifiTestResult::create(speed);
-            result->setLabel("Hall");
-            result->setAverage(averaged);
-            result->setDuration(duration);
-            return result;
-        };
-        cell->setupWithRecord(spot(99.9, !average, 7.5), !even);
-        cell->setupWithRecord(spot(fetched<double>("speed"), average, fetched<double>("duration")), even);
-        QCOMPARE(cell->lblArea()->text(), QStringLiteral("Hall"));
-        QTEST(cell->lblSpeed()->text(), "speedText");
-        QCOMPARE(cell->lblAverage()->isVisibleTo(cell) ? cell->lblAverage()->text() : QString(), note);
-        QTEST(cell->viewBg()->palette().color(QPalette::Window), "background");
-        const QColor text = average ? BMWifiScanVC::recordingColor() : cell->defaultTextColor();
-        for (const QLabel *label : {cell->lblSpeed(), cell->lblUnit(), cell->lblAverage()})
-            QCOMPARE(label->palette().color(QPalette::WindowText), text);
-        QCOMPARE(cell->lblArea()->palette().color(QPalette::Text), nameColor);
-    }
-
-    // What only the row tells apart on its speed, as the calls it makes: a
-    // hold released inside or dragged off, a swipe and a click on the name
-    // are followed through the screen in the cases above.
     void rowGestures_data()
     {
         QTest::addColumn<PointerInput::Kind>("kind");

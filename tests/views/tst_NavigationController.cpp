@@ -8,7 +8,6 @@
 #include "platform/views/ApplicationNotifications.h"
 #include "platform/views/KeyboardNotifications.h"
 #include "platform/views/MailComposer.h"
-#include "platform/views/SystemSound.h"
 #include "platform/views/BarButtonItem.h"
 #include "platform/views/NavigationBar.h"
 #include "platform/views/NavigationController.h"
@@ -21,7 +20,6 @@
 #include <QFile>
 #include <QLabel>
 #include <QMap>
-#include <QMediaDevices>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -119,14 +117,12 @@ private Q_SLOTS:
                 }
             });
         }
-        SystemSound::reset();
         m_path = qgetenv("PATH");
     }
 
     void cleanup()
     {
         NotificationCenter::defaultCenter().removeObserver(this);
-        SystemSound::reset();
         MailComposer::setOpener({});
         qputenv("PATH", m_path);
         m_nav.reset();
@@ -163,19 +159,6 @@ private Q_SLOTS:
         QCOMPARE(posted({hidden, inactive}) + posted({hidden, suspended}), QString());
         // To the background and back, a repeat posting once.
         QCOMPARE(posted({active, inactive, inactive, suspended, inactive, active}), QStringLiteral("RBA"));
-    }
-
-    void everySoundPlayIsCounted()
-    {
-        LogCapture log;
-        for (quint32 id : {0u, 1104u, 0xffffffffu}) // any id is the click
-            SystemSound::play(id);
-        QCOMPARE(SystemSound::playCount(), 3);
-        // Without an audio device: said once, however often it plays.
-        int notices = 0;
-        for (const LogCapture::Line &line : log.lines())
-            notices += line.module == QLatin1String("SystemSound") ? 1 : 0;
-        QCOMPARE(notices, QMediaDevices::audioOutputs().isEmpty() ? 1 : 0);
     }
 
     void mailtoEncoding()
