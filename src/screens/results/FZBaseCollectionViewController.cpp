@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QScroller>
@@ -245,12 +246,18 @@ void FZBaseCollectionViewController::chainCells(bool refocus)
     FZSpotsSetsCollectionViewCell *current = currentCell();
     if (!current)
         return m_collectionView->setFocusPolicy(Qt::TabFocus);
-    // One tab stop where the grid stands in the tab order: the current
-    // cell, right after the scroll area. Tab order is only set between
-    // widgets that take the focus, hence the policies set twice.
+    // One tab stop for the grid: the current cell, after the headings
+    // (made later than what follows the grid) and before what follows.
+    // Tab order is only set between widgets that take the focus, hence the
+    // policies set twice.
     m_collectionView->setFocusPolicy(Qt::TabFocus);
     current->setFocusPolicy(Qt::TabFocus);
-    QWidget::setTabOrder(m_collectionView, current);
+    QWidget *previous = m_collectionView;
+    for (FZSpotsSetsHeaderCollectionViewCell *heading : std::as_const(m_headerCells)) {
+        QWidget::setTabOrder(previous, heading->button());
+        previous = heading->button();
+    }
+    QWidget::setTabOrder(previous, current);
     m_collectionView->setFocusPolicy(Qt::NoFocus);
     for (FZSpotsSetsCollectionViewCell *cell : std::as_const(m_cells))
         cell->setFocusPolicy(cell == current ? Qt::TabFocus : Qt::NoFocus);
