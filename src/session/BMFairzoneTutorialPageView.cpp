@@ -90,15 +90,24 @@ void BMFairzoneTutorialPageView::fitPicture()
     // The picture at its own proportions, no higher than the cap and no
     // wider than the page; drawn for the screen's pixel density so it stays
     // sharp.
+    const int inset = pixelsForPoints(kTextInset);
+    int cap = pixelsForPoints(kImageMaxHeight);
+    // A text that needs more lines than the page leaves it under a whole
+    // picture (larger text on a crowded page) takes its room from the
+    // picture: the words matter more.
+    const int textWidth = qMin(width() - 2 * inset, m_lblText->maximumWidth());
+    if (!m_lblText->text().isEmpty() && textWidth > 0) {
+        const int room = height() - pixelsForPoints(kImageTop) - cap + pixelsForPoints(kTextOverlap) - inset;
+        cap = qMax(0, cap - qMax(0, m_lblText->heightForWidth(textWidth) - room));
+    }
     QSize imageSize(0, 0);
     if (!m_image.isNull())
-        imageSize = m_image.actualSize(QSize(qMax(0, width()), pixelsForPoints(kImageMaxHeight)));
+        imageSize = m_image.actualSize(QSize(qMax(0, width()), cap));
     m_imgView->setFixedSize(imageSize);
     m_imgView->setPixmap(m_image.isNull() || imageSize.isEmpty() ? QPixmap()
                                                                  : m_image.pixmap(imageSize, devicePixelRatioF()));
     // The text starts over the picture's base and keeps the inset from the
     // sides and the bottom.
-    const int inset = pixelsForPoints(kTextInset);
     const int textTop = pixelsForPoints(kImageTop) + imageSize.height() - pixelsForPoints(kTextOverlap);
     m_textArea->setContentsMargins(inset, qMax(0, textTop), inset, inset);
 }

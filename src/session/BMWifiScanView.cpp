@@ -50,6 +50,7 @@ constexpr int kRowGap = 6;
 // The network's line sits under the counter and under the hold note.
 constexpr int kCounterRowHeight = kCounterSize + 6;
 constexpr int kSsidHeight = 18;
+constexpr int kSsidPoints = 13;
 constexpr int kHoldNoteHeight = kCounterRowHeight - kControlTop - kControlSize;
 constexpr int kPreparingHeight = 24;
 // The chart's axis labels and title, the part of its height that holds text.
@@ -67,15 +68,35 @@ int tx(qreal points)
     return View::pixelsForTextPoints(points);
 }
 
-// Larger text may need a second line for the network's name and address.
+// Past one and a half times the text the panel would leave the spots too
+// little room (fewer than two whole rows on a phone): what can give does.
+bool crowded()
+{
+    return View::textScale() > 1.5;
+}
+
+// The space above and below the panel and under its rows, halved when crowded.
+int panelGap()
+{
+    return crowded() ? kMargin / 2 : kMargin;
+}
+
+// Larger text may need a second line for the network's name and address;
+// when crowded, two lines of its face and no more.
 int ssidHeight()
 {
+    if (crowded())
+        return 2 * QFontMetrics(View::fontOfSize(kSsidPoints)).lineSpacing() + 2;
     return View::textScale() > 1.0 ? 2 * tx(kSsidHeight) : px(kSsidHeight);
 }
 
+// When crowded the plotted part gives back what the chart's text grew past
+// one and a half times.
 int chartHeight()
 {
-    return px(kChartHeight - kChartTextHeight) + tx(kChartTextHeight);
+    const int text = tx(kChartTextHeight);
+    const int given = crowded() ? std::max(0, text - qRound(kChartTextHeight * 1.5)) : 0;
+    return px(kChartHeight - kChartTextHeight) - given + text;
 }
 
 // The figures under the counter's top, and the record control with its note,
@@ -150,9 +171,9 @@ void BMWifiScanView::buildPanel()
 {
     m_viewBordered = new QWidget(this);
     m_viewBordered->setObjectName(QStringLiteral("viewBordered"));
-    m_viewBordered->setFixedHeight(chartHeight() + px(kRowGap) + counterRowHeight() + ssidHeight() + px(kMargin));
+    m_viewBordered->setFixedHeight(chartHeight() + px(kRowGap) + counterRowHeight() + ssidHeight() + px(panelGap()));
     m_viewBordered->installEventFilter(this);
-    QVBoxLayout *around = column(kMargin, kMargin, kMargin, kMargin);
+    QVBoxLayout *around = column(kMargin, panelGap(), kMargin, panelGap());
     around->addWidget(m_viewBordered);
     m_layout->addLayout(around);
 
@@ -162,7 +183,7 @@ void BMWifiScanView::buildPanel()
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(0);
 
-    QVBoxLayout *rows = column(0, 0, 0, kMargin);
+    QVBoxLayout *rows = column(0, 0, 0, panelGap());
     m_viewPlotHolderContainer = new QWidget(m_viewBordered);
     m_viewPlotHolderContainer->setObjectName(QStringLiteral("viewPlotHolderContainer"));
     m_viewPlotHolderContainer->setFixedHeight(chartHeight());
@@ -172,7 +193,7 @@ void BMWifiScanView::buildPanel()
     rows->addLayout(buildCounterRow());
     m_lblSSID = new BMLabel(m_viewBordered);
     m_lblSSID->setObjectName(QStringLiteral("lblSSID"));
-    styleLabel(m_lblSSID, 13, QFont::Normal, Color::colorWithHexString(QStringLiteral("3593da")));
+    styleLabel(m_lblSSID, kSsidPoints, QFont::Normal, Color::colorWithHexString(QStringLiteral("3593da")));
     View::followContrast(m_lblSSID, [this] {
         const QColor blue = Color::colorWithHexString(QStringLiteral("3593da"));
         setTextColor(m_lblSSID, Color::fixedColor(blue, Color::named(QStringLiteral("fz_chart_back"))));

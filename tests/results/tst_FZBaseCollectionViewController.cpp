@@ -12,6 +12,8 @@
 #include "ui/BMMainButton.h"
 #include "ui/BrightmereColor.h"
 
+#include <QAccessible>
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
@@ -329,12 +331,35 @@ private Q_SLOTS:
         QTest::newRow("as opened: Z to A, numbers by value") << 0 << "arrowDownIcon" << descending;
         QTest::newRow("one tap: A to Z") << 1 << "arrowUpIcon" << ascending;
         QTest::newRow("two taps: back to the first order and arrow") << 2 << "arrowDownIcon" << descending;
+        // -1: Space on the heading, then Tab on to the grid and a walk of its cells.
+        QTest::newRow("by keys, the grid read cell by cell") << -1 << "arrowUpIcon" << ascending;
     }
     void compareSortsByName()
     {
         FZCompareSpotsSetsViewController *screen = compare(afterMovingRouter());
         for (int tap = 0; tap < fetched<int>("taps"); ++tap)
             QTest::mouseClick(screen->headerCells().at(0)->button(), Qt::LeftButton);
+        if (fetched<int>("taps") < 0) {
+            const auto focused = [] { return QApplication::focusWidget(); };
+            screen->headerCells().at(0)->button()->setFocus(Qt::TabFocusReason);
+            QTest::keyClick(focused(), Qt::Key_Space);
+            // One tab stop for the grid, whatever cell the arrows leave current;
+            // an edge keeps the cell, and a reload keeps the focus on it.
+            for (int heading = 0; heading < 3; ++heading)
+                QTest::keyClick(focused(), Qt::Key_Tab);
+            QCOMPARE(focused(), screen->cellAt(0, 0));
+            for (Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_End, Qt::Key_Right, Qt::Key_Left})
+                QTest::keyClick(focused(), key);
+            QCOMPARE(focused(), screen->cellAt(1, 1));
+            QVERIFY(focused()->findChild<QWidget *>("focusRing")->isVisible());
+            // Row, the heading shown over the cell (crosswise, as above), the cell's lines.
+            QCOMPARE(QAccessible::queryAccessibleInterface(focused())->text(QAccessible::Name),
+                     QString("Bedroom 10, After moving router, 17.50 Mbps, HomeNet, (a4:2b:b0:11:22:33), 25/03/14 09:34"));
+            screen->reloadData();
+            QCOMPARE(focused(), screen->cellAt(1, 1));
+            QTest::keyClick(focused(), Qt::Key_Tab);
+            QCOMPARE(focused(), screen->hideIdenticalSwitch());
+        }
         QTEST(rows(screen, 1), "order");
         QTEST(screen->headerCells().at(0)->iconName(), "arrow");
         // Tapping a set's heading sorts nothing.

@@ -10,6 +10,7 @@ namespace Brightmere {
 namespace {
 constexpr char kToggleProperty[] = "brightmereAccessibleToggle";
 constexpr char kRoleProperty[] = "brightmereAccessibleRole";
+constexpr char kPlainRoleProperty[] = "brightmereAccessiblePlainRole";
 constexpr char kValueProperty[] = "brightmereAccessibleValue";
 constexpr char kValueTextProperty[] = "brightmereAccessibleValueText";
 
@@ -26,6 +27,8 @@ QAccessibleInterface *factory(const QString &, QObject *object)
         return new AccessibleWidget(widget, QAccessible::Button);
     if (widget->property(kRoleProperty).isValid())
         return new AccessibleWidget(widget, QAccessible::Role(widget->property(kRoleProperty).toInt()));
+    if (widget->property(kPlainRoleProperty).isValid())
+        return new AccessibleWidget(widget, QAccessible::Role(widget->property(kPlainRoleProperty).toInt()));
     return nullptr;
 }
 } // namespace
@@ -61,6 +64,12 @@ void AccessibleWidget::exposeValue(QWidget *widget, QAccessible::Role role)
 {
     installFactory();
     widget->setProperty(kRoleProperty, int(role));
+}
+
+void AccessibleWidget::setRole(QWidget *widget, QAccessible::Role role)
+{
+    installFactory();
+    widget->setProperty(kPlainRoleProperty, int(role));
 }
 
 void AccessibleWidget::setValue(QWidget *widget, double value, const QString &text)

@@ -22,6 +22,9 @@ public:
     // Marks a view as showing a figure with that role; setValue() changes it
     // and announces the change.
     static void exposeValue(QWidget *widget, QAccessible::Role role);
+    // Gives a plain view a role of its own (a grid, one of its cells); its
+    // name stays the widget's accessible name.
+    static void setRole(QWidget *widget, QAccessible::Role role);
     static void setValue(QWidget *widget, double value, const QString &text);
     // Tells assistive tools that a widget's name, or one of its states, changed.
     static void announceName(QWidget *widget);

@@ -51,21 +51,38 @@ QIcon backChevron(const QColor &color)
     return QIcon(pixmap);
 }
 
-QString buttonStyleSheet(const QColor &tint, bool bold)
+QString buttonStyleSheet(const QColor &tint)
 {
     QColor pressed = tint;
     pressed.setAlphaF(0.4f);
     QColor disabled = tint;
     disabled.setAlphaF(0.35f);
     return QStringLiteral("QToolButton { border: none; background: transparent; color: %1;"
-                          " font-size: %2px; font-weight: %3; padding: 0px 2px; }"
-                          "QToolButton:pressed { color: %4; }"
-                          "QToolButton:disabled { color: %5; }")
+                          " padding: 0px 2px; }"
+                          "QToolButton:pressed { color: %2; }"
+                          "QToolButton:disabled { color: %3; }")
                .arg(tint.name(QColor::HexArgb))
-               .arg(View::fontOfSize(kButtonFontPoints).pixelSize())
-               .arg(bold ? QStringLiteral("bold") : QStringLiteral("normal"))
                .arg(pressed.name(QColor::HexArgb), disabled.name(QColor::HexArgb))
            + FocusRing::styleSheetRule(QStringLiteral("QToolButton"), tint);
+}
+
+// The buttons' face is set on the widget, not in their style sheet, so that
+// it follows the user's text size and the bar can narrow it.
+QFont buttonFont(bool bold)
+{
+    return View::fontOfSize(kButtonFontPoints, bold ? QFont::Bold : QFont::Normal);
+}
+
+bool isTextButton(const QToolButton *button)
+{
+    return button->toolButtonStyle() == Qt::ToolButtonTextOnly && !button->property(kFullTitleProperty).toString().isEmpty();
+}
+
+void setPixelSize(QWidget *widget, int pixels)
+{
+    QFont font = widget->font();
+    font.setPixelSize(pixels);
+    widget->setFont(font);
 }
 
 } // namespace
@@ -224,7 +241,8 @@ void NavigationBar::applyColors()
     QPalette palette = m_titleLabel->palette();
     palette.setColor(QPalette::WindowText, m_titleColor);
     m_titleLabel->setPalette(palette);
-    m_backButton->setStyleSheet(buttonStyleSheet(m_tintColor, false));
+    m_backButton->setStyleSheet(buttonStyleSheet(m_tintColor));
+    m_backButton->setFont(buttonFont(false));
     m_backButton->setIcon(backChevron(m_tintColor));
 }
 
@@ -254,7 +272,8 @@ QToolButton *NavigationBar::makeButton(BarButtonItem *item)
         button->setToolButtonStyle(Qt::ToolButtonIconOnly);
     else
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    button->setStyleSheet(buttonStyleSheet(m_tintColor, item->style() == BarButtonItem::Style::Done));
+    button->setStyleSheet(buttonStyleSheet(m_tintColor));
+    button->setFont(buttonFont(item->style() == BarButtonItem::Style::Done));
     QPointer<BarButtonItem> guard(item);
     connect(button, &QToolButton::clicked, this, [guard] {
         if (guard)
@@ -320,6 +339,59 @@ void NavigationBar::refresh()
     update();
 }
 
+int NavigationBar::giveTitlePriority(const QString &title, int room, int titleFloor, int &buttonRoom)
+{
+    QList<QToolButton *> texts;
+    int others = 0;
+    for (QToolButton *button : std::as_const(m_rightButtons)) {
+        others += kButtonSpacing;
+        if (isTextButton(button))
+            texts << button;
+        else
+            others += button->sizeHint().width();
+    }
+    if (texts.isEmpty())
+        return titleFloor;
+    // The text buttons' width at a face size: their title and the padding
+    // their style adds around it.
+    const auto buttonsWidth = [&texts](int pixels) {
+        int width = 0;
+        for (QToolButton *button : std::as_const(texts)) {
+            button->setText(literalText(button->property(kFullTitleProperty).toString()));
+            const int padding = button->sizeHint().width() - button->fontMetrics().horizontalAdvance(button->text());
+            QFont font = button->font();
+            font.setPixelSize(pixels);
+            width += padding + QFontMetrics(font).horizontalAdvance(button->property(kFullTitleProperty).toString());
+        }
+        return width;
+    };
+    const auto titleWidth = [&title](int pixels) {
+        QFont font = View::fontOfSize(kTitleFontPoints, QFont::Bold);
+        font.setPixelSize(pixels);
+        return QFontMetrics(font).horizontalAdvance(title) + 4;
+    };
+    // The title keeps priority: the buttons' text gives way first, down to
+    // its size at the default text size; then the title, never below the
+    // buttons' size; what still does not fit is taken from the buttons
+    // (elided), then from the title.
+    const int designed = View::fontOfSize(kButtonFontPoints).pixelSize();
+    const int buttonFloor = std::min(designed, View::pixelsForPoints(kButtonFontPoints));
+    int buttonPixels = designed;
+    int titlePixels = View::fontOfSize(kTitleFontPoints, QFont::Bold).pixelSize();
+    const auto fits = [&] { return titleWidth(titlePixels) + others + buttonsWidth(buttonPixels) <= room; };
+    while (buttonPixels > buttonFloor && !fits())
+        --buttonPixels;
+    while (titlePixels > std::max(titleFloor, buttonPixels) && !fits())
+        --titlePixels;
+    for (QToolButton *button : std::as_const(texts))
+        setPixelSize(button, buttonPixels);
+    // Each text button keeps at least a letter and the ellipsis.
+    const int least = QFontMetrics(texts.first()->font()).horizontalAdvance(QStringLiteral("M\u2026")) + 4;
+    const int spare = (room - others - titleWidth(titlePixels)) / int(texts.size());
+    buttonRoom = std::clamp(spare, least, std::max(least, buttonRoom));
+    return titlePixels;
+}
+
 int NavigationBar::fitButtonTitle(QToolButton *button, int maximumWidth)
 {
     // A long text title (a downloaded translation, say) is cut with an
@@ -356,9 +428,18 @@ void NavigationBar::relayout()
 
     int rightEdge = w - kSideMargin;
     // Larger text takes a wider button, up to two fifths of the bar.
-    const int buttonRoom = std::max(0, std::min(qRound((w / 4) * View::textScale()), w * 2 / 5));
+    const int iconRoom = std::max(0, std::min(qRound((w / 4) * View::textScale()), w * 2 / 5));
+    int buttonRoom = iconRoom;
+    const QString title = m_topItem ? m_topItem->title() : QString();
+    QFont titleFont = View::fontOfSize(kTitleFontPoints, QFont::Bold);
+    // Text larger than designed shrinks to fit, down to 70 % of the design's
+    // size, before it is cut.
+    int titleFloor = View::textScale() > 1.0 ? View::pixelsForPoints(kTitleFontPoints * 0.7)
+                                             : View::pixelsForPoints(kTitleFontPoints);
+    if (View::textScale() > 1.0 && !m_titleLabel->isHidden())
+        titleFloor = giveTitlePriority(title, w - leftEdge - kSideMargin, titleFloor, buttonRoom);
     for (QToolButton *button : std::as_const(m_rightButtons)) {
-        const int bw = fitButtonTitle(button, buttonRoom);
+        const int bw = fitButtonTitle(button, isTextButton(button) ? buttonRoom : iconRoom);
         rightEdge -= bw;
         button->setGeometry(rightEdge, 0, bw, h);
         rightEdge -= kButtonSpacing;
@@ -377,13 +458,8 @@ void NavigationBar::relayout()
         titleView->setGeometry(x, (h - th) / 2, tw, th);
     }
     if (!m_titleLabel->isHidden()) {
-        const QString title = m_topItem ? m_topItem->title() : QString();
-        // Text larger than designed shrinks to fit, down to 70 % of the
-        // design's size, before it is cut.
-        QFont font = View::fontOfSize(kTitleFontPoints, QFont::Bold);
-        const int designed = View::textScale() > 1.0 ? View::pixelsForPoints(kTitleFontPoints * 0.7)
-                                                     : View::pixelsForPoints(kTitleFontPoints);
-        while (font.pixelSize() > designed && QFontMetrics(font).horizontalAdvance(title) + 4 > available)
+        QFont font = titleFont;
+        while (font.pixelSize() > titleFloor && QFontMetrics(font).horizontalAdvance(title) + 4 > available)
             font.setPixelSize(font.pixelSize() - 1);
         m_titleLabel->setFont(font);
         const int full = m_titleLabel->fontMetrics().horizontalAdvance(title) + 4;

@@ -74,6 +74,10 @@ private:
     void refresh();
     void relayout();
     static int fitButtonTitle(QToolButton *button, int maximumWidth);
+    // With larger text: narrows the text buttons beside the title so the
+    // title keeps its size; sets the room each text button gets and answers
+    // the smallest size the title may shrink to.
+    int giveTitlePriority(const QString &title, int room, int titleFloor, int &buttonRoom);
     void applyColors();
     void releaseTitleView();
     QToolButton *makeButton(BarButtonItem *item);

@@ -5,13 +5,18 @@
 #include "core/BMLogger.h"
 #include "core/BMSDKGeneralUtilities.h"
 #include "platform/foundation/Clock.h"
+#include "platform/views/AccessibleWidget.h"
 #include "platform/views/FocusRingOverlay.h"
 #include "ui/BMBorderedView.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
 
+#include <QApplication>
 #include <QEvent>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QScroller>
 #include <QScrollerProperties>
 #include <QVBoxLayout>
@@ -63,9 +68,11 @@ FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
     m_collectionView = new QScrollArea(m_borderedView);
     m_collectionView->setObjectName(QStringLiteral("collectionView"));
     m_collectionView->setFrameShape(QFrame::NoFrame);
-    // Tab reaches the grid so the arrow keys scroll it; a click leaves the
+    // An empty grid is still reached by Tab, so the arrow keys scroll it;
+    // with cells Tab goes to the current cell instead. A click leaves the
     // focus where it was.
     m_collectionView->setFocusPolicy(Qt::TabFocus);
+    Brightmere::AccessibleWidget::setRole(m_collectionView, QAccessible::Table);
     new Brightmere::FocusRingOverlay(m_collectionView);
     m_collectionView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_collectionView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -75,6 +82,8 @@ FZBaseCollectionViewController::FZBaseCollectionViewController(QWidget *parent)
     m_collectionView->setWidget(m_content);
     m_collectionView->viewport()->installEventFilter(this);
     m_collectionView->viewport()->setAutoFillBackground(true);
+    // The headings sit outside the scrolled area; they follow a sideways scroll.
+    connect(m_collectionView->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { layoutHeaderCells(); });
     // A drag scrolls the rows, as a finger does on the phone, and stops at
     // the ends: the grid does not bounce.
     QScroller::grabGesture(m_collectionView->viewport(), QScroller::LeftMouseButtonGesture);
@@ -176,6 +185,8 @@ double FZBaseCollectionViewController::columnX(int column) const
 void FZBaseCollectionViewController::reloadData()
 {
     willReloadData();
+    // The new cells take the focus over where the old ones had it.
+    const bool hadFocus = m_cells.contains(QApplication::focusWidget());
     qDeleteAll(m_cells);
     m_cells.clear();
     const int rows = qMax(0, numberOfRows());
@@ -191,12 +202,88 @@ void FZBaseCollectionViewController::reloadData()
             // Grey over the whole text: only the column styles' fonts show.
             text.addForegroundOverAll(cellTextColor());
             cell->setAttributedText(text);
+            cell->installEventFilter(this);
+            new Brightmere::FocusRingOverlay(cell);
+            Brightmere::AccessibleWidget::setRole(cell, QAccessible::Cell);
             m_cells.append(cell);
         }
     }
-    layoutCells();
     refreshHeaderCells();
+    for (qsizetype i = 0; i < m_cells.size(); ++i)
+        m_cells.at(i)->setAccessibleName(accessibleCellName(int(i / columns), int(i % columns)));
+    layoutCells();
     layoutHeaderCells();
+    chainCells(hadFocus);
+}
+
+QString FZBaseCollectionViewController::accessibleCellName(int section, int column) const
+{
+    // Row heading, column heading, then the cell's lines, as one phrase.
+    const auto phrase = [](const QString &text) { return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts).join(u", "); };
+    QStringList parts;
+    const FZSpotsSetsCollectionViewCell *rowHeading = cellAt(section, 0);
+    if (column > 0 && rowHeading)
+        parts << rowHeading->plainText().section(QLatin1Char('\n'), 0, 0);
+    parts << phrase(column < m_headerCells.size() ? m_headerCells.at(column)->title()
+                                                   : titleForColumnWithIndex(column).string());
+    if (const FZSpotsSetsCollectionViewCell *cell = cellAt(section, column))
+        parts << phrase(cell->plainText());
+    parts.removeAll(QString());
+    return parts.join(u", ");
+}
+
+FZSpotsSetsCollectionViewCell *FZBaseCollectionViewController::currentCell() const
+{
+    return cellAt(m_currentSection, m_currentColumn);
+}
+
+void FZBaseCollectionViewController::chainCells(bool refocus)
+{
+    const int columns = qMax(1, numberOfColumns());
+    const int sections = int((m_cells.size() + columns - 1) / columns);
+    m_currentSection = qBound(0, m_currentSection, qMax(0, sections - 1));
+    m_currentColumn = qBound(0, m_currentColumn, columns - 1);
+    FZSpotsSetsCollectionViewCell *current = currentCell();
+    if (!current)
+        return m_collectionView->setFocusPolicy(Qt::TabFocus);
+    // One tab stop for the grid: the current cell, after the headings
+    // (made later than what follows the grid) and before what follows.
+    // Tab order is only set between widgets that take the focus, hence the
+    // policies set twice.
+    m_collectionView->setFocusPolicy(Qt::TabFocus);
+    current->setFocusPolicy(Qt::TabFocus);
+    QWidget *previous = m_collectionView;
+    for (FZSpotsSetsHeaderCollectionViewCell *heading : std::as_const(m_headerCells)) {
+        QWidget::setTabOrder(previous, heading->button());
+        previous = heading->button();
+    }
+    QWidget::setTabOrder(previous, current);
+    m_collectionView->setFocusPolicy(Qt::NoFocus);
+    for (FZSpotsSetsCollectionViewCell *cell : std::as_const(m_cells))
+        cell->setFocusPolicy(cell == current ? Qt::TabFocus : Qt::NoFocus);
+    if (refocus) {
+        current->setFocus(Qt::OtherFocusReason);
+        m_collectionView->ensureWidgetVisible(current, 0, 0);
+    }
+}
+
+void FZBaseCollectionViewController::moveCurrent(int sectionStep, int columnStep, bool toRowEnd)
+{
+    // At an edge the cell stays; the key does not scroll the grid away from it.
+    const int columns = numberOfColumns();
+    if (columns <= 0 || m_cells.isEmpty())
+        return;
+    const int sections = int((m_cells.size() + columns - 1) / columns);
+    int column = m_currentColumn + columnStep;
+    if (toRowEnd)
+        column = columnStep < 0 ? 0 : columns - 1;
+    const int section = qBound(0, m_currentSection + sectionStep, sections - 1);
+    column = qBound(0, column, columns - 1);
+    if (!cellAt(section, column))
+        return;
+    m_currentSection = section;
+    m_currentColumn = column;
+    chainCells(true);
 }
 
 void FZBaseCollectionViewController::layoutCells()
@@ -205,6 +292,10 @@ void FZBaseCollectionViewController::layoutCells()
     if (columns == 0) {
         m_content->resize(0, 0);
         return;
+    }
+    if (!m_cells.isEmpty()) {
+        sizeForItemAtIndexPath(IndexPath(0, 0));
+        fitColumnsToText();
     }
     int top = 0;
     for (qsizetype first = 0; first < m_cells.size(); first += columns) {
@@ -223,7 +314,52 @@ void FZBaseCollectionViewController::layoutCells()
         }
         top += height;
     }
-    m_content->resize(qRound(m_totalWidth), top);
+    m_content->resize(qRound(qMax(m_totalWidth, columnX(columns))), top);
+}
+
+void FZBaseCollectionViewController::fitColumnsToText()
+{
+    const int columns = numberOfColumns();
+    if (Brightmere::View::textScale() <= 1.0 || m_totalWidth <= 0.0 || columns <= 0)
+        return;
+    // What each column needs so that no word of a cell or heading is cut.
+    QList<double> needs(columns, 0.0);
+    for (qsizetype i = 0; i < m_cells.size(); ++i)
+        needs[i % columns] = qMax(needs.at(i % columns), double(m_cells.at(i)->minimumSizeHint().width()));
+    for (FZSpotsSetsHeaderCollectionViewCell *cell : std::as_const(m_headerCells)) {
+        if (cell->column() >= 0 && cell->column() < columns)
+            needs[cell->column()] = qMax(needs.at(cell->column()), double(cell->minimumSizeHint().width()));
+    }
+    // A column whose share is narrower than its text keeps what the text
+    // needs; the others share the rest by their proportions, again until
+    // every share holds its text (or none is left to share).
+    QList<bool> fixed(columns, false);
+    QList<double> widths(columns, 0.0);
+    for (bool again = true; again;) {
+        again = false;
+        double room = m_totalWidth;
+        double shares = 0.0;
+        for (int c = 0; c < columns; ++c) {
+            if (fixed.at(c))
+                room -= needs.at(c);
+            else
+                shares += columnWidthProportionWithIndex(c);
+        }
+        for (int c = 0; c < columns; ++c) {
+            widths[c] = fixed.at(c) || shares <= 0.0 ? needs.at(c) : qMax(0.0, room) * columnWidthProportionWithIndex(c) / shares;
+            if (!fixed.at(c) && widths.at(c) < needs.at(c)) {
+                fixed[c] = true;
+                again = true;
+            }
+        }
+    }
+    double used = 0.0;
+    for (double width : std::as_const(widths))
+        used += width;
+    // Whatever is left over (all columns at their text) goes to the last one.
+    if (used < m_totalWidth)
+        widths.last() += m_totalWidth - used;
+    m_columnWidths = widths;
 }
 
 void FZBaseCollectionViewController::buildHeaderCells()
@@ -259,12 +395,13 @@ void FZBaseCollectionViewController::configureHeaderCell(FZSpotsSetsHeaderCollec
 
 void FZBaseCollectionViewController::layoutHeaderCells()
 {
+    const int scrolled = m_collectionView->horizontalScrollBar()->value();
     QList<QRect> cells;
     for (FZSpotsSetsHeaderCollectionViewCell *cell : std::as_const(m_headerCells)) {
         const int column = cell->column();
         const QSizeF size = sizeForItemAtIndexPath(IndexPath(column, 0));
         const int left = qRound(columnX(column));
-        cells.append(QRect(left, 0, qRound(columnX(column) + size.width()) - left, headerRowHeight()));
+        cells.append(QRect(left - scrolled, 0, qRound(columnX(column) + size.width()) - left, headerRowHeight()));
     }
     if (Brightmere::View::textScale() > 1.0 && showsHeaderRow())
         m_headerRow->setFixedHeight(grownHeight(headerRowHeight(), cells, m_headerCells));
@@ -293,6 +430,36 @@ void FZBaseCollectionViewController::viewCellTouchUpInside(FZSpotsSetsHeaderColl
 
 bool FZBaseCollectionViewController::eventFilter(QObject *watched, QEvent *event)
 {
+    // However the cell got the focus (Tab after a drag, say), it is in sight.
+    if (event->type() == QEvent::FocusIn && watched == currentCell())
+        m_collectionView->ensureWidgetVisible(currentCell(), 0, 0);
+    if (event->type() == QEvent::KeyPress && watched == currentCell()) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->modifiers() & ~Qt::KeypadModifier)
+            return BMSDKUIBaseViewController::eventFilter(watched, event);
+        switch (key->key()) {
+        case Qt::Key_Up:
+            moveCurrent(-1, 0);
+            return true;
+        case Qt::Key_Down:
+            moveCurrent(1, 0);
+            return true;
+        case Qt::Key_Left:
+            moveCurrent(0, -1);
+            return true;
+        case Qt::Key_Right:
+            moveCurrent(0, 1);
+            return true;
+        case Qt::Key_Home:
+            moveCurrent(0, -1, true);
+            return true;
+        case Qt::Key_End:
+            moveCurrent(0, 1, true);
+            return true;
+        default:
+            break;
+        }
+    }
     // The first width the grid gets fixes the columns; later ones lay out again.
     if (event->type() == QEvent::Resize || event->type() == QEvent::Show) {
         if (watched == m_collectionView->viewport())

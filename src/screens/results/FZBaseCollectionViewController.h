@@ -26,6 +26,16 @@ class QVBoxLayout;
 //
 // Cells are addressed as IndexPath(item, section): section = grid row,
 // row() = column.
+//
+// With text larger than the system's the widths follow the text instead:
+// a column gets at least the room of its widest word (a spot's name, an
+// address, its heading), the columns share the rest by their proportions,
+// and past the grid's width it scrolls sideways, the headings with it.
+//
+// Tab reaches the grid's current cell (one tab stop for the whole grid) and
+// the arrow keys move it, Home and End along its row; it shows the focus
+// ring and is scrolled into sight. A reader hears it as a table cell named
+// by its row, its column and its text.
 class FZBaseCollectionViewController : public BMSDKUIBaseViewController,
                                        protected FZSpotsSetsHeaderCollectionViewCellDelegate
 {
@@ -65,6 +75,8 @@ public:
     // The cell at a grid row and column, or null.
     FZSpotsSetsCollectionViewCell *cellAt(int section, int column) const;
     int visibleCellCount() const { return int(m_cells.size()); }
+    // The cell the keyboard is on (kept across reloads); null without cells.
+    FZSpotsSetsCollectionViewCell *currentCell() const;
     // The heading cells, one per column, when the subclass shows them.
     QList<FZSpotsSetsHeaderCollectionViewCell *> headerCells() const { return m_headerCells; }
 
@@ -104,6 +116,10 @@ private:
     void refreshHeaderCells();
     void layoutHeaderCells();
     double columnX(int column) const;
+    void fitColumnsToText();
+    void chainCells(bool refocus);
+    void moveCurrent(int sectionStep, int columnStep, bool toRowEnd = false);
+    QString accessibleCellName(int section, int column) const;
 
     QVBoxLayout *m_pageLayout = nullptr;
     BMBorderedView *m_borderedView = nullptr;
@@ -114,4 +130,6 @@ private:
     QList<FZSpotsSetsHeaderCollectionViewCell *> m_headerCells;
     double m_totalWidth = 0.0;
     QList<double> m_columnWidths;
+    int m_currentSection = 0;
+    int m_currentColumn = 0;
 };

@@ -40,7 +40,11 @@ FZCompareSpotsSetsViewController::FZCompareSpotsSetsViewController(QWidget *pare
 {
     auto *switchArea = new QWidget(this);
     switchArea->setObjectName(QStringLiteral("hideIdenticalArea"));
-    switchArea->setFixedHeight(kSwitchAreaHeight - 2 * kPageMargin);
+    // Larger text may take the label onto more lines: the area grows with it.
+    if (Brightmere::View::textScale() > 1.0)
+        switchArea->setMinimumHeight(kSwitchAreaHeight - 2 * kPageMargin);
+    else
+        switchArea->setFixedHeight(kSwitchAreaHeight - 2 * kPageMargin);
     auto *row = new QHBoxLayout(switchArea);
     row->setContentsMargins(4, 0, 4, 0);
     row->setSpacing(12);

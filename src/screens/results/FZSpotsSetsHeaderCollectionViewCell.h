@@ -25,6 +25,8 @@ public:
     QPushButton *button() const { return m_button; }
 
     void setTitle(const FZAttributedText &title);
+    // The title as plain text, for readers.
+    QString title() const { return m_sortTitle; }
     // Hidden while empty.
     void setDetail(const QString &detail);
     // The kit's image of that name; an empty name hides the icon. The name
