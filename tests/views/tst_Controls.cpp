@@ -346,7 +346,6 @@ private Q_SLOTS:
         bool goneWhenHandled = false;
         // The keyboard was on a row's control when the alert came.
         QPointer<QPushButton> opener = new QPushButton("Row", m_window.get());
-        opener->setGeometry(0, 600, 390, 44);
         opener->show();
         opener->setFocus();
         QPointer<Alert> alert = present({"OK", "Copy", "Cancel"}, {}, [&](int i) {
