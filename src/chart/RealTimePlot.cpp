@@ -6,6 +6,7 @@
 #include "XYGraph.h"
 #include "core/BMLogger.h"
 #include "i18n/BMI18NManager.h"
+#include "model/BMSDKUISettings.h"
 #include "platform/foundation/StringFormat.h"
 #include "ui/BrightmereColor.h"
 #include "ui/BrightmereView.h"
@@ -79,6 +80,9 @@ void RealTimePlot::renderInLayer(QChartView *layerHostingView, const ChartTheme:
     const QRectF bounds = layerHostingView->rect();
     auto *newGraph = new XYGraph(bounds);
     m_graph = newGraph;
+    // Lines drawn later in this chart keep the setting it was built with, as
+    // its axis labels do.
+    m_linesHighContrast = BMSDKUISettings::sharedInstance().highContrast();
     addGraph(newGraph, layerHostingView);
 
     applyTheme(theme, newGraph, theme ? nullptr : ChartThemeRegistry::themeNamed(QString::fromLatin1(kCPTDarkGradientTheme)));
@@ -243,7 +247,12 @@ void RealTimePlot::addPlotWithInitialSpeed(double initialSpeed, const QColor &co
     plot->setCachePrecision(ScatterPlot::CachePrecision::Double);
     QPen lineStyle = plot->dataLineStyle();
     lineStyle.setWidthF(2.0);
-    lineStyle.setColor(color);
+    // The design's greys and greens are faint on the panel; under high
+    // contrast a line stands out from it as a control's parts must (3:1).
+    lineStyle.setColor(m_linesHighContrast ? Brightmere::Color::withContrast(
+                                                 color, Brightmere::Color::named(QStringLiteral("fz_chart_back")),
+                                                 Brightmere::Color::kLargeContrast)
+                                           : color);
     plot->setDataLineStyle(lineStyle);
     plot->setDataSource(this);
     plot->setAreaFill(areaFillColor());

@@ -117,6 +117,7 @@ private:
     qint32 m_gMax = 0;
     PlotSymbol m_symbol;
     bool m_isRecording = false;
+    bool m_linesHighContrast = false;
     QColor m_recordingColor;
     QMarginsF m_coveredMargins;
 };

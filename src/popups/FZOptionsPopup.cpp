@@ -366,12 +366,7 @@ void FZOptionsPopup::show()
         return;
     }
     m_window = window;
-    QWidget *focus = QApplication::focusWidget();
-    if (focus && window->isAncestorOf(focus)) {
-        m_previousFocus = focus;
-        for (QWidget *w = focus->parentWidget(); w && w != window; w = w->parentWidget())
-            m_previousFocusHolders.append(w);
-    }
+    m_focusReturn.remember(window);
     setParent(window);
     setGeometry(window->rect());
     window->installEventFilter(this);
@@ -412,27 +407,14 @@ void FZOptionsPopup::leaveScreen()
 {
     if (m_window)
         m_window->removeEventFilter(this);
-    const QPointer<QWidget> window = m_window;
     m_window.clear();
     const bool hadFocus = isAncestorOf(QApplication::focusWidget()) || hasFocus();
     QWidget::hide();
     setParent(nullptr);
     // The control that opened it may have gone with the screen its option
-    // left: the keyboard then starts again from the nearest of its holders
-    // still shown (the bar, say), not from wherever the window system puts it.
-    if (hadFocus && m_previousFocus && m_previousFocus->isVisible()) {
-        m_previousFocus->setFocus(Qt::OtherFocusReason);
-    } else if (hadFocus) {
-        QWidget *holder = window.data();
-        for (const QPointer<QWidget> &w : std::as_const(m_previousFocusHolders)) {
-            if (w && w->isVisible()) {
-                holder = w.data();
-                break;
-            }
-        }
-        if (holder)
-            holder->setFocus(Qt::OtherFocusReason);
-    }
+    // left; the keyboard then goes on from a control still shown.
+    if (hadFocus)
+        m_focusReturn.restore();
     deleteLater();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/views/FocusReturn.h"
+
 #include <QList>
 #include <QPointer>
 #include <QStringList>
@@ -164,9 +166,7 @@ private:
     QList<QPointer<QPushButton>> m_buttons;
     QList<QPointer<QWidget>> m_separators;
     QPointer<QWidget> m_window;
-    QPointer<QWidget> m_previousFocus;
-    // Its parents, nearest first, for when it is gone by the time the popup is.
-    QList<QPointer<QWidget>> m_previousFocusHolders;
+    Brightmere::FocusReturn m_focusReturn;
     bool m_backdropPressed = false;
     QVariantAnimation *m_slide = nullptr;
 };

@@ -124,6 +124,12 @@ void BMSpeedRecordCell::awakeFromNib()
     m_lblArea->setPalette(palette);
     m_lblArea->setInputMethodHints(Qt::ImhNoPredictiveText);
     connect(m_lblArea, &QLineEdit::returnPressed, this, [this] { textFieldShouldReturn(); });
+    // A rename typed in place is what a reader hears of the row at once,
+    // not only when the row is next set up.
+    connect(m_lblArea, &QLineEdit::textChanged, this, [this] {
+        if (m_record)
+            nameForReaders();
+    });
     // A name typed whole leaves nothing to suggest: the list goes.
     connect(m_lblArea, &QLineEdit::textEdited, this, [this](const QString &text) {
         QTimer::singleShot(0, this, [this, text] {
@@ -199,11 +205,8 @@ void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool 
     m_lblArea->setText(record->label());
     m_lblArea->setCursorPosition(0);
     m_lblSpeed->setText(BMI18NManager::formatNumber(record->speedInMbps(), 1, 1));
-    setAccessibleName(record->label() + QStringLiteral(", ") + m_lblSpeed->text() + u' '
-                      + BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
     m_lblArea->setAccessibleName(BMI18NManager::stringForCode(QStringLiteral("a11y_spot_name")));
-    setDeleteAccessibleName(
-        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), record->label()));
+    nameForReaders();
     m_lblUnit->setText(BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
 
     double seconds = std::ceil(record->duration());
@@ -220,6 +223,17 @@ void BMSpeedRecordCell::setupWithRecord(const WifiTestResult::Ptr &record, bool 
         m_lblAverage->setText(Brightmere::StringFormat::print(format, int(std::clamp(seconds, -1e9, 1e9))));
     }
     layoutParts();
+}
+
+void BMSpeedRecordCell::nameForReaders()
+{
+    // Blank while being typed is no name; the spot keeps its own then.
+    const QString typed = m_lblArea->text().trimmed();
+    const QString name = typed.isEmpty() && m_record ? m_record->label() : typed;
+    setAccessibleName(name + QStringLiteral(", ") + m_lblSpeed->text() + u' '
+                      + BMI18NManager::stringForCode(QStringLiteral("bmMbps")));
+    setDeleteAccessibleName(
+        Brightmere::StringFormat::print(BMI18NManager::stringForCode(QStringLiteral("a11y_delete")), name));
 }
 
 void BMSpeedRecordCell::resizeEvent(QResizeEvent *event)

@@ -90,6 +90,8 @@ private:
     void startDelayedPress();
     void dropPendingPress();
     void layoutParts();
+    // The row's and its delete control's names, from the name as shown.
+    void nameForReaders();
     bool handleReRecordKey(QEvent *event);
     void finishKeyRelease();
     bool handleReRecordEvent(QEvent *event);

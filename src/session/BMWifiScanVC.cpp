@@ -7,6 +7,7 @@
 #include "core/BMSDKBackend.h"
 #include "core/BMSDKNetworkUtilities.h"
 #include "i18n/BMI18NManager.h"
+#include "i18n/BMI18NNumberFormatter.h"
 #include "platform/foundation/Clock.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -433,11 +434,15 @@ void BMWifiScanVC::announceSpeed(double shown, bool atOnce)
     if ((!atOnce && now - m_speedAnnouncedAt < 1.0) || !m_view)
         return;
     m_speedAnnouncedAt = now;
+    // What the counter shows, cut to one digit as it is, with its unit; the
+    // number too, so a reader that speaks the value as a number does not
+    // read out digits that are not on the screen.
     const QString text = BMI18NManager::formatNumber(shown, 1, 1) + u' '
         + BMI18NManager::stringForCode(QStringLiteral("bmMbps"));
-    Brightmere::AccessibleWidget::setValue(m_view->wifiCounterBackground(), shown, text);
+    const double figure = BMI18NNumberFormatter::format(shown, 1, 1, QStringLiteral(".")).toDouble();
+    Brightmere::AccessibleWidget::setValue(m_view->wifiCounterBackground(), figure, text);
     if (QWidget *chart = m_view->viewPlotHolder())
-        Brightmere::AccessibleWidget::setValue(chart, shown, text);
+        Brightmere::AccessibleWidget::setValue(chart, figure, text);
 }
 
 void BMWifiScanVC::actSoundOnOff()

@@ -34,7 +34,10 @@ QColor highlightedColorForStyle(uint style)
     case 5:
         return Brightmere::Color::named(QStringLiteral("fixed_action_bar_green"));
     default:
-        return Brightmere::Color::named(QStringLiteral("medium_blue"));
+        // The design's pressed blue under a white title; its 17-pixel title is
+        // not large text, so high contrast darkens the fill to 4.5:1.
+        return Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_blue")),
+                                             Brightmere::Color::colorWithR(255, 255, 255));
     }
 }
 

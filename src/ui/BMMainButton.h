@@ -16,7 +16,9 @@
 //   5      radius 22, width 2, green          "fixed_light_gray"  "fixed_action_bar_green"
 //   > 5    left as built                      "fixed_light_gray"  "medium_blue"
 //
-// Styles above 5 are nobody's design; they fall into the light-grey family's
+// "medium_blue" is the design's and stays as it is, but with the host's high
+// contrast it gives way to Color::fixedColor of itself under the white title,
+// read at each press. Styles above 5 are nobody's design; they fall into the light-grey family's
 // default branch, as they always have. The title wraps onto as many lines as
 // it needs, centred, in the kit's face.
 class BMMainButton : public QPushButton

@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QHash>
 #include <QPalette>
+#include <QPointer>
+#include <QThread>
 #include <QMutex>
 #include <QMutexLocker>
 
@@ -114,18 +116,63 @@ qreal pointSizeOf(const QFont &font)
     return font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
 }
 
+// The application's font against the platform's, 1 when either is unknown.
+qreal userFontScale()
+{
+    const qreal platform = pointSizeOf(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    const qreal application = pointSizeOf(QGuiApplication::font());
+    return platform > 0 && application > 0 ? application / platform : 1.0;
+}
+
+// Asking the platform for its font is costly and textScale() is asked for
+// every font made and for round titles on every paint, so the user's scale is
+// kept until the application's font changes. Main thread only; other threads
+// ask afresh.
+class UserFontScaleCache : public QObject
+{
+public:
+    explicit UserFontScaleCache(QObject *application)
+        : QObject(application)
+    {
+        application->installEventFilter(this);
+    }
+
+    qreal scale()
+    {
+        if (m_scale <= 0)
+            m_scale = userFontScale();
+        return m_scale;
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::ApplicationFontChange && watched == parent())
+            m_scale = 0;
+        return false;
+    }
+
+private:
+    qreal m_scale = 0; // 0: not known
+};
+
 } // namespace
 
 qreal textScale()
 {
     qreal scale = s_textScaleFactor.load();
     // Without a GUI application there is no user's font to follow.
-    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+    auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    if (!application)
         return scale;
-    const qreal platform = pointSizeOf(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
-    const qreal application = pointSizeOf(QGuiApplication::font());
-    if (platform > 0 && application > 0)
-        scale *= application / platform;
+    if (QThread::currentThread() == application->thread()) {
+        static QPointer<UserFontScaleCache> cache;
+        if (!cache || cache->parent() != application)
+            cache = new UserFontScaleCache(application);
+        scale *= cache->scale();
+    } else {
+        scale *= userFontScale();
+    }
     return qBound(kMinimumTextScaleFactor, scale, kMaximumTextScaleFactor);
 }
 

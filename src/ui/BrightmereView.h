@@ -43,6 +43,8 @@ inline constexpr int kMinimumTextPixels = 10;
 // font against the platform's default (a user who asked for larger text
 // gets it), times the host's own factor. 1 at the default size. Fonts are
 // made when a screen is built, so a change shows on screens built after it.
+// The fonts' ratio is kept between calls and read again after the
+// application's font changes (QEvent::ApplicationFontChange).
 qreal textScale();
 
 // The host's factor on top of the application's font, 1 by default. A

@@ -7,6 +7,7 @@
 #include "session/BMSpeedRecordCell.h"
 #include "session/BMWifiScanView.h"
 #include "ui/BMImageButton.h"
+#include "ui/BMMainButton.h"
 #include "ui/BrightmereColor.h"
 
 #include <QtWidgets>
@@ -26,11 +27,17 @@ class tst_Contrast : public QObject
     // is not) and what is drawn at a point of it where no text is.
     std::pair<QColor, QColor> pair(QWidget *widget, QPointF free)
     {
-        const auto at = [&, shown = m_window.grab().toImage()](double x, double y) { return shown.pixelColor(widget->mapTo(&m_window, QPoint(x * widget->width(), y * widget->height()))); };
+        const auto at = [&](double x, double y) { return m_window.grab().toImage().pixelColor(widget->mapTo(&m_window, QPoint(x * widget->width(), y * widget->height()))); };
         if (qobject_cast<Brightmere::Switch *>(widget))
             return {at(0.8, 0.5), widget->palette().color(QPalette::Window)};
         if (auto *button = qobject_cast<BMImageButton *>(widget))
             return {button->titleColor(), at(0.5, 0.8)};
+        if (auto *button = qobject_cast<BMMainButton *>(widget)) { // pressed: its fill, then its title
+            QTest::mousePress(button, Qt::LeftButton);
+            const std::pair<QColor, QColor> shown{at(0.03, 0.5), button->titleColor()};
+            QTest::mouseRelease(button, Qt::LeftButton);
+            return shown;
+        }
         return {widget->palette().color(qobject_cast<QAbstractButton *>(widget) ? QPalette::ButtonText : QPalette::WindowText), at(free.x(), free.y())};
     }
 
@@ -57,6 +64,7 @@ private slots:
         QTest::newRow("edit and share") << add(new FZSpotNamesSettingsViewController)->findChild<QWidget *>("leftButton") << QPointF(0.01, 0.5);
         QTest::newRow("switch off track") << static_cast<QWidget *>(add(new Brightmere::Switch)) << QPointF();
         QTest::newRow("design: network name") << view->findChild<QWidget *>("lblSSID") << QPointF(0.98, 0.5);
+        QTest::newRow("design: main button, pressed") << static_cast<QWidget *>(add(new BMMainButton(QStringLiteral("Save")))) << QPointF();
         m_window.show();
     }
 

@@ -7,6 +7,7 @@
 #include "chart/ScatterPlot.h"
 #include "chart/XYGraph.h"
 #include "chart/_CPTBMClearTheme.h"
+#include "model/BMSDKUISettings.h"
 #include "ui/BrightmereColor.h"
 
 #include <QChartView>
@@ -48,6 +49,11 @@ private Q_SLOTS:
         m_env = std::make_unique<TestEnvironment>();
         m_panel = std::make_unique<QWidget>();
         m_panel->resize(375, 240);
+        build();
+    }
+
+    void build()
+    {
         m_plot = std::make_unique<RealTimePlot>();
         m_plot->setRecordingColor(kRecordingColor);
         m_plot->renderInView(m_panel.get(), ChartThemeRegistry::themeNamed(QString::fromLatin1(kCPTBMClearTheme)),
@@ -56,6 +62,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        BMSDKUISettings::sharedInstance().setHighContrast(false);
         m_plot.reset();
         m_panel.reset();
         m_env.reset();
@@ -124,6 +131,11 @@ private Q_SLOTS:
         QTest::newRow("start and stop with no sample between")
             << QStringList{"4", "r", "s", "6"} << QList<QList<double>>{{4}, {4}, {4, 6}}
             << QList<Points>{Points{{0, 4}}, {}, Points{{0, 4}, {1, 6}}} << QList<bool>{false, true, false};
+        // Built under high contrast ("hc"), the faint design lines stand out
+        // from the panel, and keep doing so when it is switched off ("lo").
+        QTest::newRow("high contrast, as when the chart was built")
+            << QStringList{"hc", "4", "r", "lo", "s", "6"} << QList<QList<double>>{{4}, {4}, {4, 6}}
+            << QList<Points>{Points{{0, 4}}, {}, Points{{0, 4}, {1, 6}}} << QList<bool>{false, true, false};
     }
 
     void eachRecordingChangeStartsALineAtTheLastSample()
@@ -141,8 +153,11 @@ private Q_SLOTS:
             // one that started at the last sample draws it after the next.
             if (i + 1 == lines.size() || lines.at(i)->cachedDataCount() == numbers.at(i).size())
                 QCOMPARE(lines.at(i)->cachedPoints(), drawn.at(i));
-            QCOMPARE(lines.at(i)->dataLineStyle().color(),
-                     recording.at(i) ? kRecordingColor : Brightmere::Color::colorWithR(153, 153, 153));
+            const QColor design = recording.at(i) ? kRecordingColor : Brightmere::Color::colorWithR(153, 153, 153);
+            const QColor color = lines.at(i)->dataLineStyle().color();
+            QVERIFY2(fetched<QStringList>("script").contains("hc") ? Brightmere::Color::contrastRatio(color, Qt::white) >= 3
+                             && qAbs(color.toHsl().hslHue() - design.toHsl().hslHue()) <= 2 : color == design,
+                     qPrintable(color.name()));
         }
         QCOMPARE(m_plot->isRecording(), recording.last());
     }
@@ -311,7 +326,12 @@ private:
     void run(const QStringList &script)
     {
         for (const QString &step : script) {
-            if (step == QLatin1String("r"))
+            if (step == QLatin1String("hc")) {
+                BMSDKUISettings::sharedInstance().setHighContrast(true);
+                build();
+            } else if (step == QLatin1String("lo")) {
+                BMSDKUISettings::sharedInstance().setHighContrast(false);
+            } else if (step == QLatin1String("r"))
                 m_plot->startRecording();
             else if (step == QLatin1String("s"))
                 m_plot->stopRecording();

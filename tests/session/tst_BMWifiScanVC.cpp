@@ -23,6 +23,7 @@
 #include "ui/BrightmereColor.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QChartView>
 #include <QCompleter>
@@ -174,6 +175,10 @@ private Q_SLOTS:
         QTEST(s->lblPreparing()->isVisibleTo(s), "preparingShown");
         QCOMPARE(BMWifiScanVC::imageNameOf(s->wifiCounterBackground()), counter);
         QTEST(s->lblWifiSpeed()->text(), "speed");
+        // A reader hears the figure as shown, never more digits, with its unit.
+        QAccessibleInterface *face = QAccessible::queryAccessibleInterface(s->wifiCounterBackground());
+        if (const QString heard = face->text(QAccessible::Value); !heard.isEmpty())
+            QCOMPARE(QString::number(face->valueInterface()->currentValue().toDouble(), 'f', 1) + " Mbps", heard);
         // White on the recording green, and the normal colour back afterwards.
         const QColor speedColour = s->lblWifiSpeed()->palette().color(QPalette::WindowText);
         QCOMPARE(speedColour == Color::colorWithR(255, 255, 255), counter == "wifiCounterRecording");
@@ -538,6 +543,7 @@ private Q_SLOTS:
             QTest::keyClick(row->lblArea(), Qt::Key_Return);
             KeyboardNotifications::postKeyboardWillHide(QRect());
             QCOMPARE(row->lblArea()->text(), label);
+            QVERIFY2(row->accessibleName().startsWith(label + ", "), qPrintable(row->accessibleName()));
             QCOMPARE(h.screen->spotsTable()->tblRecordsBottomConstraint(), 0);
         }
         QCOMPARE(spot->label(), label);

@@ -335,6 +335,7 @@ private Q_SLOTS:
         QTest::newRow("by a real click") << "click" << 0;
         QTest::newRow("Tab to the second, Enter") << "tabEnter" << 1;
         QTest::newRow("Escape closes it, pressing nothing") << "escape" << -1;
+        QTest::newRow("Escape after the row it came from was removed") << "escape, opener gone" << -1;
     }
 
     void pressingClosesThenRunsTheHandlerOnce()
@@ -343,6 +344,10 @@ private Q_SLOTS:
         QFETCH(int, expected);
         QList<int> pressed;
         bool goneWhenHandled = false;
+        // The keyboard was on a row's control when the alert came.
+        QPointer<QPushButton> opener = new QPushButton("Row", m_window.get());
+        opener->show();
+        opener->setFocus();
         QPointer<Alert> alert = present({"OK", "Copy", "Cancel"}, {}, [&](int i) {
             pressed.append(i);
             goneWhenHandled = Alert::shownAlert(m_window.get()) == nullptr;
@@ -358,9 +363,13 @@ private Q_SLOTS:
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
             } else {
+                if (how.endsWith("opener gone"))
+                    delete opener;
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
             }
         }
+        // Back on the row's control, or, gone, on the screen's first one.
+        QCOMPARE(QApplication::focusWidget(), opener ? static_cast<QWidget *>(opener) : m_under);
         const QList<int> expectedPresses = expected < 0 ? QList<int>{} : QList<int>{expected};
         QCOMPARE(pressed, expectedPresses);
         QVERIFY(goneWhenHandled || expected < 0);

@@ -159,9 +159,7 @@ void Alert::showOver(QWidget *window, bool animated)
     }
     m_host = window;
     m_presented = true;
-    QWidget *focus = QApplication::focusWidget();
-    if (focus && window->isAncestorOf(focus))
-        m_previousFocus = focus;
+    m_focusReturn.remember(window);
 
     setParent(window);
     setGeometry(window->rect());
@@ -186,8 +184,7 @@ void Alert::dismiss(bool animated, std::function<void()> completion)
     if (m_host)
         m_host->removeEventFilter(this);
     hide();
-    if (m_previousFocus)
-        m_previousFocus->setFocus(Qt::OtherFocusReason);
+    m_focusReturn.restore();
     Q_EMIT dismissed();
     if (completion)
         completion();

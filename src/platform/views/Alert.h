@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AlertAction.h"
+#include "FocusReturn.h"
 
 #include <QList>
 #include <QPointer>
@@ -91,7 +92,7 @@ private:
     QWidget *m_buttonArea = nullptr;
     QList<QPushButton *> m_buttons;
     QPointer<QWidget> m_host;
-    QPointer<QWidget> m_previousFocus;
+    FocusReturn m_focusReturn;
     bool m_presented = false;
     bool m_dismissed = false;
 };

@@ -66,10 +66,12 @@ void PageControl::paintEvent(QPaintEvent *)
         return;
     // Without a tint of the host's, dots that stand out from the page as a
     // control's parts must (3:1).
-    const QColor dot = m_pageIndicatorTintColor.isValid()
-                           ? m_pageIndicatorTintColor
-                           : Color::withContrast(Color::named(QStringLiteral("disable_gray")),
-                                                 palette().color(QPalette::Window), Color::kLargeContrast);
+    const QColor page = palette().color(QPalette::Window);
+    if (!m_pageIndicatorTintColor.isValid() && (!m_readableDot.isValid() || page != m_dotsPage)) {
+        m_dotsPage = page;
+        m_readableDot = Color::withContrast(Color::named(QStringLiteral("disable_gray")), page, Color::kLargeContrast);
+    }
+    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor : m_readableDot;
     const QColor current = m_currentPageIndicatorTintColor.isValid()
                                ? m_currentPageIndicatorTintColor
                                : Color::named(QStringLiteral("medium_blue"));

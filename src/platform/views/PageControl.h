@@ -52,6 +52,10 @@ private:
     int m_currentPage = 0;
     QColor m_pageIndicatorTintColor;
     QColor m_currentPageIndicatorTintColor;
+    // The readable dot colour and the page colour it was made for, so a
+    // paint makes it again only when the page changed.
+    QColor m_dotsPage;
+    QColor m_readableDot;
 };
 
 } // namespace Brightmere

@@ -98,8 +98,13 @@ void Switch::paintEvent(QPaintEvent *)
     // Both tracks stand out from the page behind the switch as a control's
     // parts must: 3:1.
     const QColor page = palette().color(QPalette::Window);
-    const QColor off = Color::withContrast(kOffColor, page, Color::kLargeContrast);
-    const QColor on = Color::withContrast(kOnColor, page, Color::kLargeContrast);
+    if (!m_offTrack.isValid() || page != m_tracksPage) {
+        m_tracksPage = page;
+        m_offTrack = Color::withContrast(kOffColor, page, Color::kLargeContrast);
+        m_onTrack = Color::withContrast(kOnColor, page, Color::kLargeContrast);
+    }
+    const QColor &off = m_offTrack;
+    const QColor &on = m_onTrack;
     QColor fill;
     fill.setRgbF(off.redF() + (on.redF() - off.redF()) * m_position, off.greenF() + (on.greenF() - off.greenF()) * m_position,
                  off.blueF() + (on.blueF() - off.blueF()) * m_position);

@@ -41,6 +41,11 @@ private:
     void moveKnob();
 
     qreal m_position = 0.0; // 0 off, 1 on
+    // The tracks made readable on the page colour they were made for; a
+    // paint (many during a slide) makes them again only when it changed.
+    QColor m_tracksPage;
+    QColor m_offTrack;
+    QColor m_onTrack;
     bool m_animateNext = false;
     QVariantAnimation *m_slide = nullptr;
 };
