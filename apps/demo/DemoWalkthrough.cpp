@@ -81,12 +81,6 @@ QString mbps(double speed)
     return QString::number(speed, 'f', 1) + QStringLiteral(" Mbps");
 }
 
-QString fileLine(const DemoReports::Outcome &outcome)
-{
-    return outcome.ok ? QStringLiteral("%1 (%2 bytes)").arg(QFileInfo(outcome.path).fileName()).arg(QFileInfo(outcome.path).size())
-                      : outcome.message;
-}
-
 QStringList setNames(FZSavedSpotsViewController *list)
 {
     QStringList names;
