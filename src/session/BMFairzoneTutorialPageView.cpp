@@ -97,8 +97,19 @@ void BMFairzoneTutorialPageView::fitPicture()
     // picture: the words matter more.
     const int textWidth = qMin(width() - 2 * inset, m_lblText->maximumWidth());
     if (!m_lblText->text().isEmpty() && textWidth > 0) {
-        const int room = height() - pixelsForPoints(kImageTop) - cap + pixelsForPoints(kTextOverlap) - inset;
-        cap = qMax(0, cap - qMax(0, m_lblText->heightForWidth(textWidth) - room));
+        const auto room = [&](int picture) {
+            return height() - qMax(0, pixelsForPoints(kImageTop) + picture - pixelsForPoints(kTextOverlap)) - inset;
+        };
+        QFont font = Brightmere::View::fontOfSize(kTextFontPoints);
+        m_lblText->setFont(font);
+        cap = qMax(0, cap - qMax(0, m_lblText->heightForWidth(textWidth) - room(cap)));
+        // With the picture given up, the words give way too, down to their
+        // size at 1x, rather than be cut.
+        const int smallest = qRound(font.pixelSize() / Brightmere::View::textScale());
+        while (cap == 0 && font.pixelSize() > smallest && m_lblText->heightForWidth(textWidth) > room(0)) {
+            font.setPixelSize(font.pixelSize() - 1);
+            m_lblText->setFont(font);
+        }
     }
     QSize imageSize(0, 0);
     if (!m_image.isNull())
