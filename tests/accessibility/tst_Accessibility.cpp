@@ -1,6 +1,8 @@
 #include "../session/WifiScanHarness.h"
+#include "LayoutChecks.h"
 #include "PopupInput.h"
 
+#include "i18n/BMI18NManager.h"
 #include "model/FZHistoricalResultSpotsSet.h"
 #include "platform/views/BarButtonItem.h"
 #include "platform/views/NavigationBar.h"
@@ -13,20 +15,23 @@
 #include "screens/settings/FZSpotNamesSettingsViewController.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 
-// What a screen reader finds on every screen state a person reaches: every
-// control one can act on has a name that says what it does and the role it
-// acts as, and a change of its state (a switch flipped, a set picked, a
-// column sorted, a hold recording, a tutorial page, the speed) changes what
-// it reports and is announced. One row per state.
+// What a screen reader and a user of larger text find on every screen state
+// a person reaches: every control one can act on has a name that says what
+// it does, the role it acts as and a place in the Tab order, and a change of
+// its state (a switch flipped, a set picked, a column sorted, a hold
+// recording, a tutorial page, the speed) changes what it reports. At 1.5
+// and 2 times the text, in the phone-sized window, no text is cut and none
+// lies over another. One row per state and size.
 class tst_Accessibility : public QObject
 {
     Q_OBJECT
 
-    int m_named = 0, m_controls = 0;
+    int m_named = 0, m_reachable = 0, m_controls = 0;
 
     // What the interface tells a reader about a widget.
     static QString report(QAccessibleInterface *face)
@@ -97,7 +102,8 @@ class tst_Accessibility : public QObject
     // shown), swipe:N and delete:N (a spot row), hold:N (its speed area,
     // released two results later), open:N and pick:N (a saved set), compare
     // (options, the list's options popup, then compare), forward, sort:N (a heading), page
-    // (a tap right of the tutorial's dots), push:misc and push:names.
+    // (a tap right of the tutorial's dots), rename:N (a spot's name, typed
+    // into), return (the key, on the focused widget), push:misc and push:names.
     static void act(WifiScanHarness &h, const QString &steps)
     {
         for (const QString &step : steps.split(',', Qt::SkipEmptyParts)) {
@@ -132,6 +138,11 @@ class tst_Accessibility : public QObject
                         headings << cell;
                 QTest::mouseClick(headings.value(n)->findChild<QPushButton *>(), Qt::LeftButton);
             }
+            else if (verb == "rename") {
+                QTest::mouseClick(h.row(n)->lblArea(), Qt::LeftButton);
+                QTest::keyClicks(h.row(n)->lblArea(), "Kitchen");
+            } else if (verb == "return")
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
             else if (verb == "page") {
                 Brightmere::PageControl *dots = h.screen->pageResults();
                 QTest::mouseClick(dots, Qt::LeftButton, {}, QPoint(dots->width() - 2, dots->height() / 2));
@@ -149,7 +160,12 @@ class tst_Accessibility : public QObject
 private Q_SLOTS:
     void cleanupTestCase()
     {
-        qInfo("overall: named %d of %d", m_named, m_controls);
+        qInfo("overall: named %d, reachable by Tab %d, of %d", m_named, m_reachable, m_controls);
+    }
+    void cleanup()
+    {
+        Brightmere::View::setTextScaleFactor(1.0);
+        BMI18NManager::sharedInstance()->setCurrentLanguage("en");
     }
 
     void everyControlNamed_data()
@@ -157,24 +173,32 @@ private Q_SLOTS:
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("flip");    // steps that change a state the reader must hear
         QTest::addColumn<QString>("flipped"); // the class whose report that changes
+        QTest::addColumn<double>("scale");     // of the text
         const QString run = "start,results:1,record,results:1,record";
         const QString saved = "saved,history";
-        QTest::newRow("tutorial") << "" << "page" << "Brightmere::PageControl";
-        QTest::newRow("run") << "start,results:3" << "results:3" << "QLabel";
-        QTest::newRow("recording") << run + ",press,results:2" << "results:4" << "BMImageButton";
-        QTest::newRow("swiped row") << run + ",startStop,swipe:1" << "" << "";
-        QTest::newRow("delete popup") << run + ",startStop,delete:1" << "" << "";
-        QTest::newRow("replace popup") << run + ",hold:0" << "" << "";
-        QTest::newRow("history popup") << run + ",history" << "" << "";
-        QTest::newRow("save prompt") << run + ",history,choose:1" << "" << "";
-        QTest::newRow("no Wi-Fi alert") << "wifiOff,start" << "" << "";
-        QTest::newRow("saved sets") << saved << "" << "";
-        QTest::newRow("saved sets options") << saved + ",options" << "" << "";
-        QTest::newRow("picking two") << saved + ",compare,pick:0" << "pick:1" << "Brightmere::TableViewCell";
-        QTest::newRow("spots set") << saved + ",open:0" << "sort:0" << "QPushButton";
-        QTest::newRow("compare") << saved + ",compare,pick:0,pick:1,forward" << "sort:0" << "QPushButton";
-        QTest::newRow("confirmation settings") << "push:misc" << "" << "";
-        QTest::newRow("spot name settings") << "push:names" << "" << "";
+        const auto row = [](const char *state, const QString &steps, const char *flip = "", const char *flipped = "") {
+            // Spanish has the longest words of the built-in languages.
+            for (const auto &[scale, language] : {std::pair(1.5, ""), std::pair(2.0, ", es")})
+                QTest::addRow("%s %gx%s", state, scale, language) << steps << flip << flipped << scale;
+        };
+        row("tutorial", "", "page", "Brightmere::PageControl");
+        row("run", "start,results:3", "results:3", "QLabel");
+        row("recording", run + ",press,results:2", "results:4", "BMImageButton");
+        row("renaming", run + ",rename:1");
+        row("swiped row", run + ",startStop,swipe:1");
+        row("delete popup", run + ",startStop,delete:1");
+        row("replace popup", run + ",hold:0");
+        row("history popup", run + ",history");
+        row("save prompt", run + ",history,choose:1");
+        row("no title alert", run + ",history,choose:1,return");
+        row("no Wi-Fi alert", "wifiOff,start");
+        row("saved sets", saved);
+        row("saved sets options", saved + ",options");
+        row("picking two", saved + ",compare,pick:0", "pick:1", "Brightmere::TableViewCell");
+        row("spots set", saved + ",open:0", "sort:0", "QPushButton");
+        row("compare", saved + ",compare,pick:0,pick:1,forward", "sort:0", "QPushButton");
+        row("confirmation settings", "push:misc");
+        row("spot name settings", "push:names");
     }
 
     void everyControlNamed()
@@ -182,6 +206,10 @@ private Q_SLOTS:
         QFETCH(QString, steps);
         QFETCH(QString, flip);
         QFETCH(QString, flipped);
+        QFETCH(double, scale);
+        Brightmere::View::setTextScaleFactor(scale);
+        if (QByteArray(QTest::currentDataTag()).endsWith(", es"))
+            BMI18NManager::sharedInstance()->setCurrentLanguage("es");
         WifiScanHarness h({8.0, 12.0, 30.0, 45.0});
         h.useStoryboard();
         if (steps.startsWith("saved")) {
@@ -197,7 +225,7 @@ private Q_SLOTS:
 
         const QList<QWidget *> found = controls(h.nav.get());
         QStringList faults;
-        int named = 0;
+        int named = 0, reachable = 0;
         for (QWidget *w : found) {
             QAccessibleInterface *face = QAccessible::queryAccessibleInterface(w);
             const QString name = face->text(QAccessible::Name).trimmed();
@@ -208,6 +236,12 @@ private Q_SLOTS:
                 ++named;
             if (face->role() != expectedRole(w) && !(w == h.screen->btnSound() && face->state().checkable))
                 faults << what + QStringLiteral(" acts as role %1").arg(face->role());
+            // A row takes the focus in its parts (its name, its speed area).
+            const QList<QWidget *> parts = QList<QWidget *>{w} + w->findChildren<QWidget *>();
+            if (std::any_of(parts.begin(), parts.end(), [](QWidget *p) { return p->focusPolicy() & Qt::TabFocus; }))
+                ++reachable;
+            else if (w->isEnabled())
+                faults << what + " is out of Tab's reach";
             // A check box or toggle flipped by a click reports and announces it
             // (not while the pointer holds Record down).
             if (face->state().checkable && w->isEnabled() && !steps.contains("press")) {
@@ -218,10 +252,12 @@ private Q_SLOTS:
                 QTest::mouseClick(w, Qt::LeftButton);
             }
         }
-        qInfo("%s: named %d of %lld", QTest::currentDataTag(), named, qlonglong(found.size()));
+        qInfo("%s: named %d, reachable %d, of %lld", QTest::currentDataTag(), named, reachable, qlonglong(found.size()));
         m_named += named;
+        m_reachable += reachable;
         m_controls += int(found.size());
         QVERIFY(!found.isEmpty());
+        faults << LayoutChecks::faults(h.nav.get(), LayoutChecks::Texts);
         QCOMPARE(faults.join("; "), QString());
 
         if (!flip.isEmpty()) {
