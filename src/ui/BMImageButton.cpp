@@ -13,7 +13,9 @@
 namespace {
 
 constexpr qreal kTitlePoints = 15;
-constexpr qreal kPressedOpacity = 0.75;
+// Pressed, the image darkens rather than fades, so a white title on it
+// stays readable (a fade took Record's title from 4.5:1 to about 2.2:1).
+constexpr int kPressedShade = 56; // black's alpha over the image, of 255
 constexpr qreal kDisabledOpacity = 0.45;
 
 } // namespace
@@ -238,9 +240,16 @@ void BMImageButton::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (!isEnabled())
         painter.setOpacity(kDisabledOpacity);
-    else if (isDown())
-        painter.setOpacity(kPressedOpacity);
-    if (!m_backgroundImage.isNull())
+    if (!m_backgroundImage.isNull() && isEnabled() && isDown()) {
+        QPixmap image = m_backgroundImage.pixmap(size(), devicePixelRatioF());
+        QPainter shade(&image);
+        shade.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+        shade.fillRect(image.rect(), QColor(0, 0, 0, kPressedShade));
+        shade.end();
+        QRect target(QPoint(), image.deviceIndependentSize().toSize());
+        target.moveCenter(rect().center());
+        painter.drawPixmap(target, image);
+    } else if (!m_backgroundImage.isNull())
         m_backgroundImage.paint(&painter, rect(), Qt::AlignCenter);
     if (hasFocus()) {
         painter.setOpacity(1.0);

@@ -28,17 +28,14 @@ QColor normalColorForStyle(uint style)
 
 QColor highlightedColorForStyle(uint style)
 {
-    switch (style) {
-    case 3:
-        return Brightmere::Color::named(QStringLiteral("norva_red_1"));
-    case 5:
-        return Brightmere::Color::named(QStringLiteral("fixed_action_bar_green"));
-    default:
-        // The design's pressed blue under a white title; its 17-pixel title is
-        // not large text, so high contrast darkens the fill to 4.5:1.
-        return Brightmere::Color::fixedColor(Brightmere::Color::named(QStringLiteral("medium_blue")),
-                                             Brightmere::Color::colorWithR(255, 255, 255));
-    }
+    // The design's pressed fills under a white title; the 17-pixel title is
+    // not large text, so high contrast darkens each fill to 4.5:1.
+    QString name = QStringLiteral("medium_blue");
+    if (style == 3)
+        name = QStringLiteral("norva_red_1");
+    else if (style == 5)
+        name = QStringLiteral("fixed_action_bar_green");
+    return Brightmere::Color::fixedColor(Brightmere::Color::named(name), Brightmere::Color::colorWithR(255, 255, 255));
 }
 
 } // namespace

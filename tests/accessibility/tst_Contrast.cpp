@@ -30,8 +30,15 @@ class tst_Contrast : public QObject
         const auto at = [&](double x, double y) { return m_window.grab().toImage().pixelColor(widget->mapTo(&m_window, QPoint(x * widget->width(), y * widget->height()))); };
         if (qobject_cast<Brightmere::Switch *>(widget))
             return {at(0.8, 0.5), widget->palette().color(QPalette::Window)};
-        if (auto *button = qobject_cast<BMImageButton *>(widget))
-            return {button->titleColor(), at(0.5, 0.8)};
+        if (auto *button = qobject_cast<BMImageButton *>(widget)) { // a hold shows the pressed look
+            const bool held = QByteArray(QTest::currentDataTag()).endsWith("held");
+            if (held)
+                QTest::mousePress(button, Qt::LeftButton);
+            const std::pair<QColor, QColor> shown{button->titleColor(), at(0.5, 0.8)};
+            if (held)
+                QTest::mouseRelease(button, Qt::LeftButton);
+            return shown;
+        }
         if (auto *button = qobject_cast<BMMainButton *>(widget)) { // pressed: its fill, then its title
             QTest::mousePress(button, Qt::LeftButton);
             const std::pair<QColor, QColor> shown{at(0.03, 0.5), button->titleColor()};
@@ -56,6 +63,7 @@ private slots:
         row->setupWithRecord(WifiTestResult::create(12.5), true);
         QTest::newRow("stop") << view->findChild<QWidget *>("btnStartStop") << QPointF();
         QTest::newRow("record") << view->findChild<QWidget *>("btnRecordReset") << QPointF();
+        QTest::newRow("record, held") << view->findChild<QWidget *>("btnRecordReset") << QPointF();
         QTest::newRow("Mbps") << view->findChild<QWidget *>("lblUnit") << QPointF(0.25, 0.5);
         QTest::newRow("preparing") << view->findChild<QWidget *>("lblPreparing") << QPointF(0.02, 0.5);
         QTest::newRow("row speed, even row") << static_cast<QWidget *>(row->lblSpeed()) << QPointF(0.02, 0.5);
