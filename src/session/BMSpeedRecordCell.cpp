@@ -261,27 +261,35 @@ void BMSpeedRecordCell::layoutParts()
     const int unitWidth = qMax(kUnitWidth, unitMetrics.horizontalAdvance(m_lblUnit->text()) + kTextSlack);
     const bool note = m_lblAverage->isVisibleTo(this);
     const int noteWidth = note ? noteMetrics.horizontalAdvance(m_lblAverage->text()) + kTextSlack + kSideMargin : 0;
-    const int speedArea = std::max({kSpeedAreaWidth, noteWidth,
-                                speedMetrics.horizontalAdvance(m_lblSpeed->text()) + kTextSlack + kSpeedToUnitGap + unitWidth + kSideMargin});
+    const int figureArea = std::max(kSpeedAreaWidth, speedMetrics.horizontalAdvance(m_lblSpeed->text()) + kTextSlack
+                                                          + kSpeedToUnitGap + unitWidth + kSideMargin);
+    // With larger text a note beside the name would cut the name: the note
+    // then runs under both, and the name sits on the figure's line.
+    const int nameNeeds = m_lblArea->fontMetrics().horizontalAdvance(m_lblArea->text()) + 2 * kTextSlack;
+    const bool noteUnder = note && Brightmere::View::textScale() > 1.0
+                           && w - qMax(figureArea, noteWidth) - kNameToSpeedGap - kSideMargin < nameNeeds;
+    const int speedArea = noteUnder ? figureArea : qMax(figureArea, noteWidth);
     const int speedLeft = qMax(kSideMargin, w - speedArea);
-    const int nameHeight = Brightmere::View::pixelsForTextPoints(kNameHeight);
-    m_lblArea->setGeometry(kSideMargin, (h - nameHeight) / 2, qMax(0, speedLeft - kNameToSpeedGap - kSideMargin),
-                           nameHeight);
-    // The re-record control takes everything right of the name field.
-    const QRect name = m_lblArea->geometry();
-    m_reRecordView->setGeometry(name.x() + name.width(), 0, qMax(0, w - name.x() - name.width()), h);
-
     // Figure and unit share a baseline: in the middle of the row, or near its
     // top with the averaging note under them.
     const int baseline = note ? kAveragedSpeedTop + speedMetrics.ascent()
                               : (h + speedMetrics.ascent() - speedMetrics.descent()) / 2;
+    const int noteTop = baseline + speedMetrics.descent() - 1;
+    const int nameHeight = Brightmere::View::pixelsForTextPoints(kNameHeight);
+    m_lblArea->setGeometry(kSideMargin, noteUnder ? kAveragedSpeedTop : (h - nameHeight) / 2,
+                           qMax(0, speedLeft - kNameToSpeedGap - kSideMargin),
+                           noteUnder ? noteTop - kAveragedSpeedTop : nameHeight);
+    // The re-record control takes everything right of the name field.
+    const QRect name = m_lblArea->geometry();
+    m_reRecordView->setGeometry(name.x() + name.width(), 0, qMax(0, w - name.x() - name.width()), h);
+
     const int unitLeft = w - kSideMargin - unitWidth;
     m_lblUnit->setGeometry(unitLeft, baseline - unitMetrics.ascent(), unitWidth, unitMetrics.height());
     const int speedRight = unitLeft - kSpeedToUnitGap;
     m_lblSpeed->setGeometry(speedLeft, baseline - speedMetrics.ascent(), qMax(0, speedRight - speedLeft),
                             speedMetrics.height());
-    m_lblAverage->setGeometry(speedLeft, baseline + speedMetrics.descent() - 1, w - kSideMargin - speedLeft,
-                              noteMetrics.height());
+    const int noteLeft = noteUnder ? kSideMargin : speedLeft;
+    m_lblAverage->setGeometry(noteLeft, noteTop, w - kSideMargin - noteLeft, noteMetrics.height());
 }
 
 void BMSpeedRecordCell::setEditing(bool editing, bool animated)

@@ -174,7 +174,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("flip");    // steps that change a state the reader must hear
         QTest::addColumn<QString>("flipped"); // the class whose report that changes
         QTest::addColumn<double>("scale");     // of the text
-        const QString run = "start,results:1,record,results:1,record";
+        const QString run = "start,results:1,press,results:2,release,results:1,record"; // an average, a sample
         const QString saved = "saved,history";
         const auto row = [](const char *state, const QString &steps, const char *flip = "", const char *flipped = "") {
             // Spanish has the longest words of the built-in languages.

@@ -10,8 +10,9 @@
 #include <QStackedLayout>
 
 // What a person would see wrong in a laid-out tree, a line a fault: a widget
-// reaching outside the root, two siblings over each other, a label whose
-// text needs more room than it has or is cut with an ellipsis (unless the
+// reaching outside the root, two siblings over each other, a label (or a
+// field without the focus) whose text needs more room than it has or is cut
+// with an ellipsis (unless the
 // widget's "elidesOnPurpose" property says the design cuts it), a text under
 // the kit's smallest size. Scroll areas' own parts and the layers of a
 // StackAll layout overlap on purpose and are left alone. Joined into one
@@ -54,6 +55,10 @@ inline QStringList faults(QWidget *root, Overlaps texts = AnySiblings)
                                   : label->sizeHint().width() > label->width()
                                         || (texts && QFontMetrics(label->font()).height() > label->height())))
             found << name + " cut: " + label->text().left(40);
+        // A field scrolls its text, but one shown without the focus must show it whole.
+        else if (auto *field = qobject_cast<QLineEdit *>(widget); field && !field->hasFocus()
+                 && field->fontMetrics().horizontalAdvance(field->text()) + 4 > field->contentsRect().width())
+            found << name + " cut: " + field->text().left(40);
         // A BMLabel cuts only as it paints: an ellipsis in its text is the text's own.
         else if (textOf(widget).contains(QChar(0x2026)) && !widget->inherits("BMLabel")
                  && !widget->property("elidesOnPurpose").toBool())
