@@ -8,6 +8,7 @@
 #include "ScriptedHttpServer.h"
 #include "platform/foundation/UserDefaults.h"
 
+#include <QDeadlineTimer>
 #include <QTcpSocket>
 #include <QTest>
 
@@ -473,7 +474,9 @@ private Q_SLOTS:
             });
         }
         manager->updateBundleTexts();
-        for (int n = 0; m_outcomes->total() < 62 && n < 10000; ++n) {
+        // Looks up while the deliveries land; bounded generously, as a loaded
+        // machine may take seconds (what counts is that all of them land).
+        for (QDeadlineTimer bound(60000); m_outcomes->total() < 62 && !bound.hasExpired();) {
             for (int i = 0; i < 200; ++i) {
                 const QString text = BMI18NManager::stringForCode("k_all");
                 QVERIFY2(text == "dl es all" || text == "A" || text == "B", qPrintable(text));
