@@ -2,12 +2,14 @@
 """Reads the running demo's accessibility tree over AT-SPI, as a screen reader
 does, and prints each screen's controls with their names, roles and states.
 Between screens it presses buttons by name through their accessible actions,
-never through the mouse. Run it through scripts/accessibility-tree.sh, which
+never through the mouse, and prints what a reader heard announced meanwhile
+(a flipped state, a new value or name). Run it through scripts/accessibility-tree.sh, which
 starts the display, the session bus, the registry and the demo."""
 import sys
 import time
 
 import pyatspi
+from gi.repository import GLib
 
 APP_NAME = "BrightmereDemo"
 # Roles a person acts on or reads a figure from; containers are skipped.
@@ -24,6 +26,7 @@ STATES = [
 STEPS = [
     (None, "test screen with its tutorial"),
     ("Start test", "a run"),
+    ("Sound, off", "the sound on"),
     ("Options", "the options popup"),
     ("Cancel", "back on the run"),
     ("Stop test", "the run stopped"),
@@ -31,6 +34,29 @@ STEPS = [
     ("Back to Fairzone Test", "back on the test screen"),
     ("Menu", "the side menu"),
 ]
+
+
+ANNOUNCEMENTS = ("object:state-changed:checked", "object:state-changed:selected",
+                 "object:property-change:accessible-value", "object:property-change:accessible-name")
+heard = []
+
+
+def listen(event):
+    try:
+        what = event.type.split(":")[-1]
+        heard.append(f'{what} of "{event.source.name}"')
+    except Exception:  # the source went away before we asked for its name
+        pass
+
+
+def wait(seconds):
+    """Lets the registry deliver events while the demo moves on."""
+    end = time.time() + seconds
+    context = GLib.MainContext.default()
+    while time.time() < end:
+        while context.iteration(False):
+            pass
+        time.sleep(0.02)
 
 
 def find_app():
@@ -97,15 +123,21 @@ def press(app, name):
 
 def main():
     app = find_app()
+    pyatspi.Registry.registerEventListener(listen, *ANNOUNCEMENTS)
     for name, screen in STEPS:
+        heard.clear()
         if name is not None and not press(app, name):
             print(f"\n== {screen}: no control named \"{name}\" to press; stopping")
             break
-        time.sleep(1.5)
+        wait(1.5)
         nodes = controls(app)
         print(f"\n== {screen}" + (f' (after pressing "{name}")' if name else "") + f": {len(nodes)} controls")
         for node in nodes:
             print("  " + describe(node))
+        if heard:
+            # The speed is announced about once a second; the rest once each.
+            counts = {line: heard.count(line) for line in heard}
+            print("  heard: " + "; ".join(f"{line} (x{n})" if n > 1 else line for line, n in counts.items()))
 
 
 if __name__ == "__main__":
