@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/BMSDKBackend.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QLoggingCategory>
 #include <QStandardPaths>

@@ -4,9 +4,9 @@
 // one run; then the kit's cost with 10 lines made before and with 1,000 (each
 // start or stop of a recording begins a line). One JSON line per figure, then
 // one with the verdicts; times are medians in milliseconds.
-#include "chart/ChartThemeRegistry.h"
-#include "chart/RealTimePlot.h"
-#include "chart/_CPTBMClearTheme.h"
+#include <Brightmere/chart/_CPTBMClearTheme.h>
+#include <Brightmere/chart/ChartThemeRegistry.h>
+#include <Brightmere/chart/RealTimePlot.h>
 
 #include <QApplication>
 #include <QChart>

@@ -7,10 +7,10 @@
 //
 // bench_first_frame [PNG]: also saves the first run's window as a picture.
 #include "BenchScreenEnvironment.h"
-#include "core/BMSDKBackend.h"
-#include "platform/views/KeyWindow.h"
-#include "platform/views/NavigationController.h"
-#include "session/BMWifiScanVC.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/session/BMWifiScanVC.h>
 
 #include <QApplication>
 #include <QElapsedTimer>

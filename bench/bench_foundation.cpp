@@ -1,8 +1,8 @@
 // Figures of the foundation's hot paths: archiving a run's spots, posting a
 // notification, formatting a log line. One JSON line per figure.
-#include "core/WifiTestResult.h"
-#include "platform/foundation/NotificationCenter.h"
-#include "platform/foundation/StringFormat.h"
+#include <Brightmere/core/WifiTestResult.h>
+#include <Brightmere/platform/foundation/NotificationCenter.h>
+#include <Brightmere/platform/foundation/StringFormat.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

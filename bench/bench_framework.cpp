@@ -3,10 +3,10 @@
 // pays it), an option popup built, shown and pressed (what a tap on a spot's
 // delete costs before the block runs), and a button restyled. Median of
 // many rounds, one JSON line per figure.
-#include "platform/views/KeyWindow.h"
-#include "popups/FZConfirmSpotModificationPopup.h"
-#include "ui/BMMainButton.h"
-#include "ui/BMScreenChangeNotification.h"
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/popups/FZConfirmSpotModificationPopup.h>
+#include <Brightmere/ui/BMMainButton.h>
+#include <Brightmere/ui/BMScreenChangeNotification.h>
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -9,11 +9,11 @@
 // cost per result over the first and the last 1,000 results and their ratio,
 // each with its target and whether it is met.
 #include "BenchScreenEnvironment.h"
-#include "core/BMSDKBackend.h"
-#include "platform/views/KeyWindow.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/SystemSound.h"
-#include "session/BMWifiScanVC.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/SystemSound.h>
+#include <Brightmere/session/BMWifiScanVC.h>
 
 #include <QApplication>
 #include <QElapsedTimer>

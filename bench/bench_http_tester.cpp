@@ -5,9 +5,9 @@
 // system clock at a quarter-second interval. One JSON line per case. The
 // tests check how the figure is made (tst_CoreServices); how close it comes
 // to the served rate on a loaded machine is only printed here.
-#include "core/BMHttpWiFiTester.h"
-#include "core/BMSDKBackend.h"
-#include "core/BMWiFiTesterDelegate.h"
+#include <Brightmere/core/BMHttpWiFiTester.h>
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/core/BMWiFiTesterDelegate.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,10 +1,10 @@
 // Figures of the localisation lookups that every visible text goes through:
 // a key held by the downloaded bundle, a key only the built-in tables hold,
 // and a key found nowhere. Median of many batches, one JSON line per figure.
-#include "i18n/BMI18NManager.h"
+#include <Brightmere/i18n/BMI18NManager.h>
 
-#include "core/BMSDKRestRequestTask.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKRestRequestTask.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QCoreApplication>
 #include <QDir>

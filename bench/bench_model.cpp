@@ -8,11 +8,11 @@
 // listing's comparable marking against the pair-by-pair definition at 1000
 // sets, and restoring backups of many sets of one title. One JSON line per
 // figure; times are medians in milliseconds.
-#include "model/BMSDKUISettings.h"
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "platform/foundation/Archive.h"
-#include "platform/foundation/UserDefaults.h"
-#include "reports/FZSpotsSetsBackup.h"
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/platform/foundation/Archive.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
+#include <Brightmere/reports/FZSpotsSetsBackup.h>
 
 #include <QCoreApplication>
 #include <QDir>

@@ -2,11 +2,11 @@
 // spots, a backup of 1,000 stored sets of 30 spots, and its restore into an
 // empty store and into the same store again (every set skipped). One JSON
 // line per figure; times are medians of five runs in milliseconds.
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "platform/foundation/UserDefaults.h"
-#include "reports/FZReportPdfWriter.h"
-#include "reports/FZSpotsSetCsvWriter.h"
-#include "reports/FZSpotsSetsBackup.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
+#include <Brightmere/reports/FZReportPdfWriter.h>
+#include <Brightmere/reports/FZSpotsSetCsvWriter.h>
+#include <Brightmere/reports/FZSpotsSetsBackup.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>

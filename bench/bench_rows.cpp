@@ -3,9 +3,9 @@
 // pool), and one step of a drag (the move plus an offscreen repaint of a
 // 375 x 300 list), for 50 and 500 spots. One JSON line per figure; times are
 // medians in milliseconds.
-#include "platform/views/TableView.h"
-#include "platform/views/TableViewDataSource.h"
-#include "session/BMSpeedRecordCell.h"
+#include <Brightmere/platform/views/TableView.h>
+#include <Brightmere/platform/views/TableViewDataSource.h>
+#include <Brightmere/session/BMSpeedRecordCell.h>
 
 #include <QApplication>
 #include <QElapsedTimer>

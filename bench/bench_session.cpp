@@ -5,9 +5,9 @@
 // ratio of the last to the first. One JSON line
 // per figure; times are medians, in milliseconds unless the unit says otherwise.
 #include "BenchScreenEnvironment.h"
-#include "core/BMSDKBackend.h"
-#include "platform/views/NavigationController.h"
-#include "session/BMWifiScanVC.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/session/BMWifiScanVC.h>
 
 #include <QApplication>
 #include <QElapsedTimer>

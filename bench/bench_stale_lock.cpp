@@ -5,8 +5,8 @@
 // (the next start of the program) on the thread that would be the UI thread;
 // tst_SpotsStoreCrashSafety shows that each save completes. One JSON line per
 // case; times are medians in milliseconds.
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -1,7 +1,8 @@
 # brightmere_add_library(<target> EXPORT_NAME <name>)
 #
 # Makes one of the kit's shared libraries with its Brightmere:: ALIAS, the
-# public include root src/ (installed as include/Brightmere) and install rules
+# include root src/, whose headers are all under src/Brightmere/ and are
+# included as <Brightmere/area/Class.h> (installed under include/), and install rules
 # in the package's export set. Areas add their files with
 # brightmere_target_sources(), so each folder lists only its own classes.
 function(brightmere_add_library target)
@@ -11,7 +12,9 @@ function(brightmere_add_library target)
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${ARG_EXPORT_NAME}
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        # Every release may change the installed classes' layout (see the
+        # package's version file), so the ABI name is the whole version.
+        SOVERSION ${PROJECT_VERSION})
     target_include_directories(${target} PUBLIC
         $<INSTALL_INTERFACE:${BRIGHTMERE_INCLUDE_DIR}>)
     target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src)
@@ -43,16 +46,29 @@ function(_brightmere_refresh_autogen target)
     file(WRITE "${record}" "${hash}")
 endfunction()
 
-# brightmere_target_sources(<target> <Class> ...)
+# brightmere_target_sources(<target> [PUBLIC <Class> ...] [PRIVATE <Class> ...])
 #
-# Adds <Class>.h (public, installed) and <Class>.cpp, when it exists, from the
-# calling folder for every class named.
+# Adds <Class>.h and <Class>.cpp, when it exists, from the calling folder for
+# every class named. PUBLIC headers are the package's: installed, and so
+# never including a PRIVATE one (tst_InstallAndFindPackage compiles each on
+# its own against the installed prefix). PRIVATE headers stay in the tree.
 function(brightmere_target_sources target)
-    foreach(class IN LISTS ARGN)
-        target_sources(${target} PUBLIC FILE_SET HEADERS FILES
-            ${CMAKE_CURRENT_SOURCE_DIR}/${class}.h)
-        if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${class}.cpp)
-            target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${class}.cpp)
+    set(scope "")
+    foreach(word IN LISTS ARGN)
+        if(word STREQUAL "PUBLIC" OR word STREQUAL "PRIVATE")
+            set(scope ${word})
+            continue()
+        endif()
+        if(scope STREQUAL "")
+            message(FATAL_ERROR "brightmere_target_sources(${target}): say PUBLIC or PRIVATE before ${word}")
+        endif()
+        if(scope STREQUAL "PUBLIC")
+            target_sources(${target} PUBLIC FILE_SET HEADERS FILES ${CMAKE_CURRENT_SOURCE_DIR}/${word}.h)
+        else()
+            target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${word}.h)
+        endif()
+        if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${word}.cpp)
+            target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${word}.cpp)
         endif()
     endforeach()
 endfunction()

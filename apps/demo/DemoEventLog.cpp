@@ -1,8 +1,8 @@
 #include "DemoEventLog.h"
 
-#include "i18n/BMI18NManager.h"
-#include "ui/BrightmereColor.h"
-#include "ui/BrightmereView.h"
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereView.h>
 
 #include <QFontMetrics>
 #include <QPlainTextEdit>

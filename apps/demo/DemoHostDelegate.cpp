@@ -1,14 +1,14 @@
 #include "DemoHostDelegate.h"
 
 #include "DemoEventLog.h"
-#include "core/BMLogger.h"
-#include "core/BMSDKGeneralUtilities.h"
-#include "core/BMSDKRestServiceManager.h"
-#include "i18n/BMI18NManager.h"
-#include "i18n/BMI18NNotification.h"
-#include "i18n/BMLanguageChangeNotification.h"
-#include "session/BMWiFiFairzoneTestNotification.h"
-#include "ui/BMScreenChangeNotification.h"
+#include <Brightmere/core/BMLogger.h>
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/core/BMSDKRestServiceManager.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/i18n/BMI18NNotification.h>
+#include <Brightmere/i18n/BMLanguageChangeNotification.h>
+#include <Brightmere/session/BMWiFiFairzoneTestNotification.h>
+#include <Brightmere/ui/BMScreenChangeNotification.h>
 
 namespace {
 const QString kModule = QStringLiteral("DemoHost");

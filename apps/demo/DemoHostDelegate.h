@@ -1,10 +1,10 @@
 #pragma once
 
-#include "i18n/BMI18NNotificationSubscriber.h"
-#include "i18n/BMLanguageChangeSubscriber.h"
-#include "session/BMWiFiFairzoneTestSubscriber.h"
-#include "session/BMWifiScanVCDelegate.h"
-#include "ui/BMScreenChangeSubscriber.h"
+#include <Brightmere/i18n/BMI18NNotificationSubscriber.h>
+#include <Brightmere/i18n/BMLanguageChangeSubscriber.h>
+#include <Brightmere/session/BMWiFiFairzoneTestSubscriber.h>
+#include <Brightmere/session/BMWifiScanVCDelegate.h>
+#include <Brightmere/ui/BMScreenChangeSubscriber.h>
 
 #include <QObject>
 #include <QPointer>

@@ -1,12 +1,12 @@
 #include "DemoMenu.h"
 
 #include "DemoEventLog.h"
-#include "core/BMLogger.h"
-#include "i18n/BMI18NManager.h"
-#include "platform/views/NavigationController.h"
-#include "popups/FZOptionsPopup.h"
-#include "session/BMWifiScanVC.h"
-#include "storyboard/BMSDKUIStoryboard.h"
+#include <Brightmere/core/BMLogger.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/popups/FZOptionsPopup.h>
+#include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 
 namespace {
 const QString kModule = QStringLiteral("DemoHost");

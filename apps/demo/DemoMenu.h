@@ -1,6 +1,6 @@
 #pragma once
 
-#include "popups/FZOptionsPopup.h"
+#include <Brightmere/popups/FZOptionsPopup.h>
 
 #include <QObject>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "DemoOptions.h"
 
-#include "core/BMSDKGeneralUtilities.h"
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
 
 #include <QCommandLineParser>
 

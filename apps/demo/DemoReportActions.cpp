@@ -2,20 +2,20 @@
 
 #include "DemoEventLog.h"
 #include "DemoReports.h"
-#include "core/BMLogger.h"
-#include "i18n/BMI18NManager.h"
-#include "platform/foundation/StringFormat.h"
-#include "platform/views/BarButtonItem.h"
-#include "platform/views/NavigationItem.h"
-#include "platform/views/Storyboard.h"
-#include "platform/views/TableView.h"
-#include "reports/FZComparisonReportRows.h"
-#include "resources/FrameworkBundle.h"
-#include "screens/results/FZCompareSpotsSetsViewController.h"
-#include "screens/results/FZSavedSpotsViewController.h"
-#include "screens/results/FZSpotsSetViewController.h"
-#include "storyboard/BMSDKUIStoryboard.h"
-#include "ui/BMSDKUIAlertView.h"
+#include <Brightmere/core/BMLogger.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/platform/foundation/StringFormat.h>
+#include <Brightmere/platform/views/BarButtonItem.h>
+#include <Brightmere/platform/views/NavigationItem.h>
+#include <Brightmere/platform/views/Storyboard.h>
+#include <Brightmere/platform/views/TableView.h>
+#include <Brightmere/reports/FZComparisonReportRows.h>
+#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/screens/results/FZCompareSpotsSetsViewController.h>
+#include <Brightmere/screens/results/FZSavedSpotsViewController.h>
+#include <Brightmere/screens/results/FZSpotsSetViewController.h>
+#include <Brightmere/storyboard/BMSDKUIStoryboard.h>
+#include <Brightmere/ui/BMSDKUIAlertView.h>
 
 #include <QDir>
 #include <QFileInfo>

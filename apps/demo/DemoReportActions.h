@@ -1,7 +1,7 @@
 #pragma once
 
-#include "popups/FZOptionsPopup.h"
-#include "screens/settings/FZShareController.h"
+#include <Brightmere/popups/FZOptionsPopup.h>
+#include <Brightmere/screens/settings/FZShareController.h>
 
 #include <QObject>
 #include <QPointer>

@@ -1,13 +1,13 @@
 #include "DemoReports.h"
 
-#include "core/BMLogger.h"
-#include "core/BMSDKBackend.h"
-#include "platform/foundation/Clock.h"
-#include "reports/FZComparisonCsvWriter.h"
-#include "reports/FZReportPdfWriter.h"
-#include "reports/FZReportResult.h"
-#include "reports/FZSpotsSetCsvWriter.h"
-#include "reports/FZSpotsSetsBackup.h"
+#include <Brightmere/core/BMLogger.h>
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/foundation/Clock.h>
+#include <Brightmere/reports/FZComparisonCsvWriter.h>
+#include <Brightmere/reports/FZReportPdfWriter.h>
+#include <Brightmere/reports/FZReportResult.h>
+#include <Brightmere/reports/FZSpotsSetCsvWriter.h>
+#include <Brightmere/reports/FZSpotsSetsBackup.h>
 
 #include <QDateTime>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "model/FZResultSpotsSetsComparison.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/model/FZResultSpotsSetsComparison.h>
 
 #include <QDir>
 #include <QString>

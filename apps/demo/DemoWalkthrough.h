@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/ManualClock.h"
+#include <Brightmere/platform/foundation/ManualClock.h>
 
 #include <QDir>
 #include <QList>

@@ -5,13 +5,13 @@
 #include "DemoMenu.h"
 #include "DemoOptions.h"
 #include "DemoReportActions.h"
-#include "platform/views/KeyWindow.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/Storyboard.h"
-#include "session/BMWifiScanVC.h"
-#include "ui/BrightmereColor.h"
-#include "ui/BrightmereView.h"
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/Storyboard.h>
+#include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereView.h>
 
 #include <QVBoxLayout>
 

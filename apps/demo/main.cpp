@@ -17,14 +17,14 @@
 #include "DemoOptions.h"
 #include "DemoWalkthrough.h"
 #include "DemoWindow.h"
-#include "core/BMSDKBackend.h"
-#include "core/BMSDKGeneralUtilities.h"
-#include "core/BMSDKRestServiceManager.h"
-#include "i18n/BMI18NManager.h"
-#include "model/BMSDKUISettings.h"
-#include "platform/views/NavigationController.h"
-#include "session/BMWifiScanVC.h"
-#include "storyboard/BMSDKUIStoryboard.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/core/BMSDKRestServiceManager.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 
 #include <QApplication>
 #include <QFontDatabase>

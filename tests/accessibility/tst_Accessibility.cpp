@@ -2,17 +2,17 @@
 #include "LayoutChecks.h"
 #include "PopupInput.h"
 
-#include "i18n/BMI18NManager.h"
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "platform/views/BarButtonItem.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationItem.h"
-#include "platform/views/PageControl.h"
-#include "platform/views/Switch.h"
-#include "screens/results/FZSavedSpotsViewController.h"
-#include "screens/results/FZSpotsSetsHeaderCollectionViewCell.h"
-#include "screens/settings/FZMiscellaneousSettingsViewController.h"
-#include "screens/settings/FZSpotNamesSettingsViewController.h"
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/platform/views/BarButtonItem.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationItem.h>
+#include <Brightmere/platform/views/PageControl.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/screens/results/FZSavedSpotsViewController.h>
+#include <Brightmere/screens/results/FZSpotsSetsHeaderCollectionViewCell.h>
+#include <Brightmere/screens/settings/FZMiscellaneousSettingsViewController.h>
+#include <Brightmere/screens/settings/FZSpotNamesSettingsViewController.h>
 
 #include <QAccessible>
 #include <QApplication>

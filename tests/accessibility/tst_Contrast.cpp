@@ -1,14 +1,14 @@
 #include "TestEnvironment.h"
-#include "model/BMSDKUISettings.h"
-#include "platform/views/Switch.h"
-#include "screens/results/FZSavedSpotsCell.h"
-#include "screens/results/FZSpotsSetsHeaderCollectionViewCell.h"
-#include "screens/settings/FZSpotNamesSettingsViewController.h"
-#include "session/BMSpeedRecordCell.h"
-#include "session/BMWifiScanView.h"
-#include "ui/BMImageButton.h"
-#include "ui/BMMainButton.h"
-#include "ui/BrightmereColor.h"
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/screens/results/FZSavedSpotsCell.h>
+#include <Brightmere/screens/results/FZSpotsSetsHeaderCollectionViewCell.h>
+#include <Brightmere/screens/settings/FZSpotNamesSettingsViewController.h>
+#include <Brightmere/session/BMSpeedRecordCell.h>
+#include <Brightmere/session/BMWifiScanView.h>
+#include <Brightmere/ui/BMImageButton.h>
+#include <Brightmere/ui/BMMainButton.h>
+#include <Brightmere/ui/BrightmereColor.h>
 
 #include <QtWidgets>
 #include <QTest>

@@ -1,16 +1,16 @@
 #include "../session/WifiScanHarness.h"
 
-#include "model/BMSDKUISettings.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/PageControl.h"
-#include "platform/views/Switch.h"
 #include "PopupInput.h"
-#include "screens/results/FZCompareSpotsSetsViewController.h"
-#include "screens/results/FZSavedSpotsCell.h"
-#include "screens/results/FZSavedSpotsViewController.h"
-#include "screens/results/FZSpotsSetViewController.h"
-#include "screens/results/FZSpotsSetsHeaderCollectionViewCell.h"
-#include "screens/settings/FZMiscellaneousSettingsViewController.h"
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/PageControl.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/screens/results/FZCompareSpotsSetsViewController.h>
+#include <Brightmere/screens/results/FZSavedSpotsCell.h>
+#include <Brightmere/screens/results/FZSavedSpotsViewController.h>
+#include <Brightmere/screens/results/FZSpotsSetsHeaderCollectionViewCell.h>
+#include <Brightmere/screens/results/FZSpotsSetViewController.h>
+#include <Brightmere/screens/settings/FZMiscellaneousSettingsViewController.h>
 
 #include <QApplication>
 #include <QLineEdit>

@@ -2,13 +2,13 @@
 // data it hands the series, the hosting view and the themes.
 #include "LogCapture.h"
 #include "TestEnvironment.h"
-#include "chart/ChartThemeRegistry.h"
-#include "chart/RealTimePlot.h"
-#include "chart/ScatterPlot.h"
-#include "chart/XYGraph.h"
-#include "chart/_CPTBMClearTheme.h"
-#include "model/BMSDKUISettings.h"
-#include "ui/BrightmereColor.h"
+#include <Brightmere/chart/_CPTBMClearTheme.h>
+#include <Brightmere/chart/ChartThemeRegistry.h>
+#include <Brightmere/chart/RealTimePlot.h>
+#include <Brightmere/chart/ScatterPlot.h>
+#include <Brightmere/chart/XYGraph.h>
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/ui/BrightmereColor.h>
 
 #include <QChartView>
 #include <QSet>

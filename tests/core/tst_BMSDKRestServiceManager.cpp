@@ -1,10 +1,10 @@
-#include "core/BMSDKRestServiceManager.h"
+#include <Brightmere/core/BMSDKRestServiceManager.h>
 
 #include "LogCapture.h"
 #include "RestTestHelpers.h"
 #include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
-#include "platform/foundation/NotificationCenter.h"
+#include <Brightmere/platform/foundation/NotificationCenter.h>
 
 #include <QTcpServer>
 #include <QUrlQuery>

@@ -5,20 +5,20 @@
 // whose bytes the test counts out. That the customer's password is never
 // written is checked where the test screen runs a tester (tst_BMWifiScanVC).
 #include "WiFiTesterRecorder.h"
-#include "core/BMBaseNotification.h"
-#include "core/BMLogger.h"
-#include "core/BMReachabilityDelegate.h"
-#include "core/BMReachabilityManager.h"
-#include "core/BMSDKBackend.h"
-#include "core/BMSDKGeneralUtilities.h"
-#include "core/BMSDKNetworkUtilities.h"
-#include "core/BMSimulatedNetwork.h"
-#include "core/BMSimulatedWiFiTester.h"
-#include "core/BMTesterFactory.h"
-#include "core/BMWiFiTesterDelegate.h"
-#include "core/WifiTestResult.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/NotificationCenter.h"
+#include <Brightmere/core/BMBaseNotification.h>
+#include <Brightmere/core/BMLogger.h>
+#include <Brightmere/core/BMReachabilityDelegate.h>
+#include <Brightmere/core/BMReachabilityManager.h>
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/core/BMSDKNetworkUtilities.h>
+#include <Brightmere/core/BMSimulatedNetwork.h>
+#include <Brightmere/core/BMSimulatedWiFiTester.h>
+#include <Brightmere/core/BMTesterFactory.h>
+#include <Brightmere/core/BMWiFiTesterDelegate.h>
+#include <Brightmere/core/WifiTestResult.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/foundation/NotificationCenter.h>
 
 #include "LogCapture.h"
 #include "ScriptedHttpServer.h"

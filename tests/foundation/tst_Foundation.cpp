@@ -3,12 +3,12 @@
 // defaults. The lock a killed writer leaves is tested from a fresh process
 // with the saved sets (tst_SpotsStoreCrashSafety); the earlier file layout
 // and writes the disk refuses with the store (tst_FZHistoricalResultSpotsSet).
-#include "platform/foundation/Archive.h"
-#include "platform/foundation/MainQueue.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/NotificationCenter.h"
-#include "platform/foundation/StringFormat.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/platform/foundation/Archive.h>
+#include <Brightmere/platform/foundation/MainQueue.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/foundation/NotificationCenter.h>
+#include <Brightmere/platform/foundation/StringFormat.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include "BoundedRun.h"
 #include "TestEnvironment.h"

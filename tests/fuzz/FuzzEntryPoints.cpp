@@ -1,21 +1,21 @@
 #include "FuzzEntryPoints.h"
 
-#include "core/BMSDKHTTPSessionManager.h"
-#include "core/BMSDKRestServiceManager.h"
-#include "core/WifiTestResult.h"
-#include "i18n/BMI18NBundleFile.h"
-#include "i18n/BMI18NManager.h"
-#include "i18n/BMI18NNotification.h"
-#include "model/FZHistoricalResultSpotsSet.h"
-#include "model/FZResultSpotsSetsComparison.h"
-#include "reports/FZComparisonCsvWriter.h"
-#include "reports/FZReportPdfWriter.h"
-#include "reports/FZSpotsSetCsvWriter.h"
-#include "reports/FZSpotsSetsBackup.h"
-#include "platform/foundation/Archive.h"
-#include "platform/foundation/StringFormat.h"
-#include "platform/foundation/StringTable.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKHTTPSessionManager.h>
+#include <Brightmere/core/BMSDKRestServiceManager.h>
+#include <Brightmere/core/WifiTestResult.h>
+#include <Brightmere/i18n/BMI18NBundleFile.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/i18n/BMI18NNotification.h>
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+#include <Brightmere/model/FZResultSpotsSetsComparison.h>
+#include <Brightmere/platform/foundation/Archive.h>
+#include <Brightmere/platform/foundation/StringFormat.h>
+#include <Brightmere/platform/foundation/StringTable.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
+#include <Brightmere/reports/FZComparisonCsvWriter.h>
+#include <Brightmere/reports/FZReportPdfWriter.h>
+#include <Brightmere/reports/FZSpotsSetCsvWriter.h>
+#include <Brightmere/reports/FZSpotsSetsBackup.h>
 
 #include <QDir>
 #include <QHashFunctions>

@@ -1,12 +1,12 @@
-#include "i18n/BMI18NManager.h"
+#include <Brightmere/i18n/BMI18NManager.h>
 
 #include "BMLocalisationService.h"
 #include "I18NTestHelpers.h"
 #include "TestEnvironment.h"
-#include "core/BMSDKGeneralUtilities.h"
 #include "LogCapture.h"
 #include "ScriptedHttpServer.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QDeadlineTimer>
 #include <QTcpSocket>

@@ -1,7 +1,7 @@
-#include "platform/foundation/LocalizedBundle.h"
-#include "platform/foundation/StringFormat.h"
-#include "platform/foundation/StringTable.h"
-#include "resources/FrameworkBundle.h"
+#include <Brightmere/platform/foundation/LocalizedBundle.h>
+#include <Brightmere/platform/foundation/StringFormat.h>
+#include <Brightmere/platform/foundation/StringTable.h>
+#include <Brightmere/resources/FrameworkBundle.h>
 
 #include "I18NTestHelpers.h"
 #include "TestEnvironment.h"

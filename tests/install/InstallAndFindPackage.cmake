@@ -14,9 +14,15 @@ function(run step)
 endfunction()
 
 run("install the kit" ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
-foreach(header core/BMLogger.h platform/foundation/UserDefaults.h resources/FrameworkBundle.h)
+# What a host uses is installed; what only the kit uses is not.
+foreach(header session/BMWifiScanVC.h platform/foundation/UserDefaults.h resources/FrameworkBundle.h)
     if(NOT EXISTS "${prefix}/include/Brightmere/${header}")
         message(FATAL_ERROR "installed headers lack ${header}")
+    endif()
+endforeach()
+foreach(header core/BMSeededRandom.h platform/foundation/TaskList.h i18n/BMSubscriberDelivery.h)
+    if(EXISTS "${prefix}/include/Brightmere/${header}")
+        message(FATAL_ERROR "an internal header is installed: ${header}")
     endif()
 endforeach()
 # A kit built with sanitizers needs their runtimes in the host too.

@@ -1,16 +1,16 @@
 // The results model: the saved sets' store, the natural order of names, the
 // comparison of two sets and the kit's settings. A recording's running
 // figures are checked where the test screen shows them (tst_BMWifiScanVC).
-#include "model/FZHistoricalResultSpotsSet.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 
 #include "LogCapture.h"
 #include "TestEnvironment.h"
-#include "core/BMSDKBackend.h"
-#include "model/BMNumericStringComparison.h"
-#include "model/BMSDKUISettings.h"
-#include "model/FZResultSpotsSetsComparison.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/model/BMNumericStringComparison.h>
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/model/FZResultSpotsSetsComparison.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QSettings>
 #include <QtTest>

@@ -1,12 +1,12 @@
 #include "LayoutChecks.h"
 #include "LogCapture.h"
-#include "platform/views/KeyboardNotifications.h"
-#include "platform/views/KeyWindow.h"
-#include "popups/FZConfirmSpotModificationPopup.h"
-#include "popups/FZLabelOptionsPopup.h"
-#include "popups/FZTextViewOptionsPopup.h"
+#include <Brightmere/platform/views/KeyboardNotifications.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/popups/FZConfirmSpotModificationPopup.h>
+#include <Brightmere/popups/FZLabelOptionsPopup.h>
+#include <Brightmere/popups/FZTextViewOptionsPopup.h>
 
-#include "ui/BMLabel.h"
+#include <Brightmere/ui/BMLabel.h>
 
 #include <QApplication>
 #include <QLabel>

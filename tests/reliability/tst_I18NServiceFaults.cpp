@@ -3,15 +3,15 @@
 // holds downloaded texts: the refresh must end in "kTextBundleNotAvailable",
 // the texts held must still be returned, and the cache files and the stored
 // record must stay byte for byte as they were.
-#include "i18n/BMI18NManager.h"
+#include <Brightmere/i18n/BMI18NManager.h>
 
 #include "I18NTestHelpers.h"
 #include "LogCapture.h"
 #include "ScriptedHttpServer.h"
 #include "TestEnvironment.h"
-#include "core/BMSDKGeneralUtilities.h"
-#include "i18n/BMI18NServiceManager.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/i18n/BMI18NServiceManager.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QRegularExpression>
 #include <QTest>

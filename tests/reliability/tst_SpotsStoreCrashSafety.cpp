@@ -4,11 +4,11 @@
 // save reported complete, or of the save under way: never an unreadable
 // store, never a set lost or half written. And a lock left exactly as a
 // killed writer leaves it never stops the next save of a fresh process.
-#include "model/FZHistoricalResultSpotsSet.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 
 #include "LogCapture.h"
-#include "platform/foundation/Archive.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/platform/foundation/Archive.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/FZHistoricalResultSpotsSet.h"
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 
 #include <QStringList>
 

@@ -1,17 +1,17 @@
 // The reports and backups a host asks for: the CSV of a set and of a
 // comparison (with its verdict), the PDF report, and backup and restore of
 // the saved sets.
-#include "reports/FZComparisonCsvWriter.h"
-#include "reports/FZComparisonReportRows.h"
-#include "reports/FZReportPdfWriter.h"
-#include "reports/FZSpotsSetCsvWriter.h"
-#include "reports/FZSpotsSetsBackup.h"
+#include <Brightmere/reports/FZComparisonCsvWriter.h>
+#include <Brightmere/reports/FZComparisonReportRows.h>
+#include <Brightmere/reports/FZReportPdfWriter.h>
+#include <Brightmere/reports/FZSpotsSetCsvWriter.h>
+#include <Brightmere/reports/FZSpotsSetsBackup.h>
 
 #include "BoundedRun.h"
 #include "LogCapture.h"
 #include "ReportFixtures.h"
 #include "TestEnvironment.h"
-#include "i18n/BMI18NManager.h"
+#include <Brightmere/i18n/BMI18NManager.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/BMWifiScanVCDelegate.h"
+#include <Brightmere/session/BMWifiScanVCDelegate.h>
 
 #include <QObject>
 #include <QStringList>

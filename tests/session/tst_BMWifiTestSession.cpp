@@ -1,10 +1,10 @@
 #include "TestEnvironment.h"
-#include "core/BMSDKBackend.h"
-#include "core/BMSimulatedNetwork.h"
-#include "core/BMWiFiTester.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/views/SystemSound.h"
-#include "session/BMWifiTestSession.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/core/BMSimulatedNetwork.h>
+#include <Brightmere/core/BMWiFiTester.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/views/SystemSound.h>
+#include <Brightmere/session/BMWifiTestSession.h>
 
 #include <QCoreApplication>
 #include <QTest>

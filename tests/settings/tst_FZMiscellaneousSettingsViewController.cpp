@@ -1,9 +1,9 @@
 #include "LayoutChecks.h"
 #include "TestEnvironment.h"
-#include "model/BMSDKUISettings.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/Switch.h"
-#include "screens/settings/FZMiscellaneousSettingsViewController.h"
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/screens/settings/FZMiscellaneousSettingsViewController.h>
 
 #include <QTest>
 

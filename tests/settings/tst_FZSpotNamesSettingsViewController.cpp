@@ -1,12 +1,12 @@
 #include "LayoutChecks.h"
 #include "TestEnvironment.h"
-#include "i18n/BMI18NManager.h"
-#include "model/BMSDKUISettings.h"
-#include "platform/views/KeyboardNotifications.h"
-#include "platform/views/MailComposer.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationController.h"
-#include "screens/settings/FZSpotNamesSettingsViewController.h"
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/model/BMSDKUISettings.h>
+#include <Brightmere/platform/views/KeyboardNotifications.h>
+#include <Brightmere/platform/views/MailComposer.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/screens/settings/FZSpotNamesSettingsViewController.h>
 
 #include <QDir>
 #include <QLabel>

@@ -1,9 +1,9 @@
 #include "BMSpeedSource.h"
 #include "WiFiTesterRecorder.h"
 #include "TestEnvironment.h"
-#include "core/BMHttpWiFiTester.h"
-#include "core/BMSDKBackend.h"
-#include "platform/foundation/ManualClock.h"
+#include <Brightmere/core/BMHttpWiFiTester.h>
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
 
 #include <QNetworkReply>
 #include <QSignalSpy>

@@ -1,5 +1,5 @@
-#include "platform/views/Storyboard.h"
-#include "storyboard/BMSDKUIStoryboard.h"
+#include <Brightmere/platform/views/Storyboard.h>
+#include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 
 #include <QTest>
 

@@ -2,12 +2,12 @@
 
 #include "RestTestHelpers.h"
 
-#include "core/BMSDKGeneralUtilities.h"
-#include "i18n/BMI18NManager.h"
-#include "i18n/BMI18NNotification.h"
-#include "i18n/BMI18NServiceManager.h"
-#include "i18n/BMLanguageChangeNotification.h"
-#include "platform/foundation/LocalizedBundle.h"
+#include <Brightmere/core/BMSDKGeneralUtilities.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/i18n/BMI18NNotification.h>
+#include <Brightmere/i18n/BMI18NServiceManager.h>
+#include <Brightmere/i18n/BMLanguageChangeNotification.h>
+#include <Brightmere/platform/foundation/LocalizedBundle.h>
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/BrightmereView.h"
+#include <Brightmere/ui/BrightmereView.h>
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>

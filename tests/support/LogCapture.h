@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/BMLogger.h"
+#include <Brightmere/core/BMLogger.h>
 
 #include <QList>
 #include <QMutex>

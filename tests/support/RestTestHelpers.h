@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/BMSDKHTTPSessionManager.h"
-#include "core/BMSDKRestServiceManager.h"
+#include <Brightmere/core/BMSDKHTTPSessionManager.h>
+#include <Brightmere/core/BMSDKRestServiceManager.h>
 
 #include <QCoreApplication>
 #include <QMutex>

@@ -1,8 +1,8 @@
 #include "TestEnvironment.h"
 
-#include "core/BMSDKBackend.h"
-#include "core/BMSimulatedNetwork.h"
-#include "platform/foundation/UserDefaults.h"
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/core/BMSimulatedNetwork.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
 
 #include <QStandardPaths>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/BMWiFiTester.h"
-#include "core/BMWiFiTesterDelegate.h"
+#include <Brightmere/core/BMWiFiTester.h>
+#include <Brightmere/core/BMWiFiTesterDelegate.h>
 
 #include <QStringList>
 

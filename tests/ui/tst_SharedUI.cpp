@@ -2,22 +2,22 @@
 // framework's images, the main button) and the base screen with its alerts
 // and the loading overlay.
 #include "TestEnvironment.h"
-#include "core/BMSimulatedNetwork.h"
-#include "i18n/BMI18NManager.h"
-#include "platform/foundation/ManualClock.h"
-#include "platform/views/Alert.h"
-#include "platform/views/BarButtonItem.h"
-#include "platform/views/KeyWindow.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/NavigationItem.h"
-#include "resources/FrameworkBundle.h"
-#include "ui/BMLoadingView.h"
-#include "ui/BMMainButton.h"
-#include "ui/BMScreenChangeNotification.h"
-#include "ui/BMSDKUIBaseViewController.h"
-#include "ui/BrightmereColor.h"
-#include "ui/BrightmereView.h"
+#include <Brightmere/core/BMSimulatedNetwork.h>
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/platform/foundation/ManualClock.h>
+#include <Brightmere/platform/views/Alert.h>
+#include <Brightmere/platform/views/BarButtonItem.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/NavigationItem.h>
+#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BMLoadingView.h>
+#include <Brightmere/ui/BMMainButton.h>
+#include <Brightmere/ui/BMScreenChangeNotification.h>
+#include <Brightmere/ui/BMSDKUIBaseViewController.h>
+#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereView.h>
 
 #include <QApplication>
 #include <QDirIterator>

@@ -3,15 +3,15 @@
 // gesture is driven by the mouse, and once by a finger.
 #include "PointerInput.h"
 #include "TestEnvironment.h"
-#include "platform/views/Alert.h"
-#include "platform/views/PageControl.h"
-#include "platform/views/ScrollAnimator.h"
-#include "platform/views/ScrollView.h"
-#include "platform/views/Switch.h"
-#include "platform/views/TableView.h"
-#include "platform/views/TableViewCell.h"
-#include "platform/views/TableViewDataSource.h"
-#include "platform/views/ViewController.h"
+#include <Brightmere/platform/views/Alert.h>
+#include <Brightmere/platform/views/PageControl.h>
+#include <Brightmere/platform/views/ScrollAnimator.h>
+#include <Brightmere/platform/views/ScrollView.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/platform/views/TableView.h>
+#include <Brightmere/platform/views/TableViewCell.h>
+#include <Brightmere/platform/views/TableViewDataSource.h>
+#include <Brightmere/platform/views/ViewController.h>
 
 #include <QAbstractAnimation>
 #include <QApplication>

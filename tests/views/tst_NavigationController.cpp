@@ -4,17 +4,17 @@
 // sound, the mail hand-over).
 #include "LogCapture.h"
 #include "TestEnvironment.h"
-#include "platform/foundation/NotificationCenter.h"
-#include "platform/views/ApplicationNotifications.h"
-#include "platform/views/KeyboardNotifications.h"
-#include "platform/views/MailComposer.h"
-#include "platform/views/BarButtonItem.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/NavigationItem.h"
-#include "platform/views/Storyboard.h"
-#include "platform/views/StoryboardSegue.h"
-#include "platform/views/ViewController.h"
+#include <Brightmere/platform/foundation/NotificationCenter.h>
+#include <Brightmere/platform/views/ApplicationNotifications.h>
+#include <Brightmere/platform/views/BarButtonItem.h>
+#include <Brightmere/platform/views/KeyboardNotifications.h>
+#include <Brightmere/platform/views/MailComposer.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/NavigationItem.h>
+#include <Brightmere/platform/views/Storyboard.h>
+#include <Brightmere/platform/views/StoryboardSegue.h>
+#include <Brightmere/platform/views/ViewController.h>
 
 #include <QAudioDevice>
 #include <QFile>

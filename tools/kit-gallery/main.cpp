@@ -5,25 +5,25 @@
 // option popup in both orientations on a 375 x 667 window, and saves each
 // as a PNG in the folder (default: kit-gallery). Runs without a display
 // (QT_QPA_PLATFORM=offscreen). Exits 1 when a picture could not be made.
-#include "i18n/BMI18NManager.h"
-#include "platform/views/Alert.h"
-#include "platform/views/KeyboardNotifications.h"
-#include "platform/views/KeyWindow.h"
-#include "platform/views/NavigationBar.h"
-#include "platform/views/NavigationController.h"
-#include "platform/views/Switch.h"
-#include "popups/FZConfirmSpotModificationPopup.h"
-#include "popups/FZLabelOptionsPopup.h"
-#include "popups/FZTextViewOptionsPopup.h"
-#include "ui/BMAnnotation.h"
-#include "ui/BMBorderedView.h"
-#include "ui/BMLabel.h"
-#include "ui/BMLoadingView.h"
-#include "ui/BMMainButton.h"
-#include "ui/BMSDKUIAlertView.h"
-#include "ui/BMSDKUIBaseViewController.h"
-#include "ui/BMTableViewCell.h"
-#include "ui/BrightmereColor.h"
+#include <Brightmere/i18n/BMI18NManager.h>
+#include <Brightmere/platform/views/Alert.h>
+#include <Brightmere/platform/views/KeyboardNotifications.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationBar.h>
+#include <Brightmere/platform/views/NavigationController.h>
+#include <Brightmere/platform/views/Switch.h>
+#include <Brightmere/popups/FZConfirmSpotModificationPopup.h>
+#include <Brightmere/popups/FZLabelOptionsPopup.h>
+#include <Brightmere/popups/FZTextViewOptionsPopup.h>
+#include <Brightmere/ui/BMAnnotation.h>
+#include <Brightmere/ui/BMBorderedView.h>
+#include <Brightmere/ui/BMLabel.h>
+#include <Brightmere/ui/BMLoadingView.h>
+#include <Brightmere/ui/BMMainButton.h>
+#include <Brightmere/ui/BMSDKUIAlertView.h>
+#include <Brightmere/ui/BMSDKUIBaseViewController.h>
+#include <Brightmere/ui/BMTableViewCell.h>
+#include <Brightmere/ui/BrightmereColor.h>
 
 #include <QApplication>
 #include <QBoxLayout>

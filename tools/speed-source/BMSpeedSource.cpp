@@ -1,6 +1,6 @@
 #include "BMSpeedSource.h"
 
-#include "platform/foundation/Clock.h"
+#include <Brightmere/platform/foundation/Clock.h>
 
 #include <QNetworkInterface>
 #include <QTcpSocket>

@@ -1,8 +1,8 @@
 // A host application as a customer writes one: it links the installed kit
 // and uses a class from each of its three libraries.
-#include <core/WifiTestResult.h>
-#include <platform/foundation/UserDefaults.h>
-#include <resources/FrameworkBundle.h>
+#include <Brightmere/core/WifiTestResult.h>
+#include <Brightmere/platform/foundation/UserDefaults.h>
+#include <Brightmere/resources/FrameworkBundle.h>
 
 #include <QApplication>
 #include <QTemporaryDir>

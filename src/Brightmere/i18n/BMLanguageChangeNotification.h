@@ -1,0 +1,26 @@
+#pragma once
+
+#include "BMLanguageChangeSubscriber.h"
+#include "BMNotificationDelivery.h"
+#include <Brightmere/core/BMBaseNotification.h>
+
+inline constexpr char kLanguageChange[] = "kLanguageChange";
+
+// Tells the kit and the host that the current language was changed
+// (BMI18NManager::setCurrentLanguage). Carries an empty properties map and is
+// posted on the thread that changed the language.
+class BMLanguageChangeNotification : public BMBaseNotification
+{
+    Q_OBJECT
+
+public:
+    BMLanguageChangeNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
+
+    // Registers notifyLanguageChange for "kLanguageChange"; subscribing again
+    // replaces the earlier registration (and its delivery).
+    static void subscribe(BMLanguageChangeSubscriber *subscriber,
+                          BMNotificationDelivery delivery = BMNotificationDelivery::PostingThread);
+    static void unsubscribe(BMLanguageChangeSubscriber *subscriber);
+
+    static void postLanguageChange();
+};

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "FZBaseCollectionViewController.h"
+#include <Brightmere/model/BMWifiScanVCEditSpotsSetSetter.h>
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
+
+#include <QPointer>
+
+class BMMainButton;
+class QLabel;
+
+// One saved set as a grid: each spot's name and date, and its speed with the
+// network it was measured on; sortable, and able to hand the set back to the
+// test screen to go on recording.
+//
+// The headings sit in the grid's heading cells: spot and date (with the sort
+// arrow) over column 0, speed and network over column 1. A tap on the first
+// heading cycles the set's order; the arrow points up only while the order
+// is "labels ascending" (2), down for the other two.
+class FZSpotsSetViewController : public FZBaseCollectionViewController
+{
+    Q_OBJECT
+    // The test screen (a BMWifiScanVCEditSpotsSetSetter), held weakly.
+    Q_PROPERTY(QObject *editSpotsSetSetter READ editSpotsSetSetterObject WRITE setEditSpotsSetSetterObject)
+
+public:
+    explicit FZSpotsSetViewController(QWidget *parent = nullptr);
+
+    FZHistoricalResultSpotsSet::Ptr spotsSet() const { return m_spotsSet; }
+    void setSpotsSet(const FZHistoricalResultSpotsSet::Ptr &spotsSet) { m_spotsSet = spotsSet; }
+
+    // Null when none was given or it is gone.
+    BMWifiScanVCEditSpotsSetSetter *editSpotsSetSetter() const;
+    QObject *editSpotsSetSetterObject() const { return m_editSpotsSetSetter.data(); }
+    void setEditSpotsSetSetterObject(QObject *setter) { m_editSpotsSetSetter = setter; }
+
+    BMGAScreenClass screenNameAndClassForEventTracker() const override;
+    void refreshUITexts() override;
+
+    QString cellIdentifier() const override { return QStringLiteral("spotsSetCollectionViewCell"); }
+    QString headerCellIdentifier() const override { return QStringLiteral("spotsSetHeaderCollectionViewCell"); }
+    int numberOfColumns() const override { return 2; }
+    int numberOfRows() const override;
+    double columnWidthProportionWithIndex(int index) const override;
+    int rowHeight() const override { return 60; }
+    FZAttributedText textForCellWithIndexPath(const Brightmere::IndexPath &indexPath) const override;
+    FZAttributedText titleForColumnWithIndex(int index) const override;
+    void columnSelected(int column) override;
+
+    // Cycles the set's order, turns the arrow and reloads.
+    void sortButtonTapped();
+    // Hands the set to the test screen (when there is one) and goes back to it.
+    void editSpotsSet(QObject *sender = nullptr);
+
+    // The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
+    QString sortImageName() const;
+
+    // The column styles: bold black first line, small grey second line
+    // (italic in column 0); column 1 centred.
+    static void setupFirstColumnStyle(FZAttributedText &text);
+    static void setupSecondColumnStyle(FZAttributedText &text);
+    static void addTextAttributes(FZAttributedText &text, qsizetype start, qsizetype length, const QFont &font,
+                                  const QColor &color);
+
+    // The headings over the grid (null before the screen has loaded).
+    QLabel *spotLabel() const;
+    QLabel *dateLabel() const;
+    QLabel *sortImage() const;
+    QLabel *speedLabel() const;
+    QLabel *ssidLabel() const;
+    BMMainButton *continueRecordingButton() const { return m_continueRecordingButton; }
+
+protected:
+    void viewDidLoad() override;
+    void viewWillAppear(bool animated) override;
+    void willReloadData() override;
+    bool showsHeaderRow() const override { return true; }
+    void configureHeaderCell(FZSpotsSetsHeaderCollectionViewCell *cell, int column) override;
+
+private:
+    WifiTestResult::Ptr spotAt(int section) const;
+
+    FZHistoricalResultSpotsSet::Ptr m_spotsSet;
+    QPointer<QObject> m_editSpotsSetSetter;
+    BMMainButton *m_continueRecordingButton = nullptr;
+    // sortedSpots() of the last reload, so building a row does not sort again.
+    WifiTestResult::List m_sortedSpots;
+};
