@@ -1,7 +1,7 @@
 #pragma once
 
-// What every tester's delegate is: the common base through which a host
-// hands itself to any kind of tester. Testers never own their delegate.
+/// What every tester's delegate is: the common base through which a host
+/// hands itself to any kind of tester. Testers never own their delegate.
 class BMBaseTesterDelegate
 {
 public:

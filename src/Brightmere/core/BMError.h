@@ -3,8 +3,8 @@
 #include <QMetaType>
 #include <QString>
 
-// An error as the core library reports it: a domain, a code and a text for
-// people. Converts to QString (and so prints with "%@").
+/// An error as the core library reports it: a domain, a code and a text for
+/// people. Converts to QString (and so prints with "%@").
 class BMError
 {
 public:

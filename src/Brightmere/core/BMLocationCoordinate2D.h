@@ -2,7 +2,7 @@
 
 #include <QDataStream>
 
-// A latitude/longitude pair in degrees.
+/// A latitude/longitude pair in degrees.
 struct BMLocationCoordinate2D
 {
     double latitude = 0.0;

@@ -3,10 +3,10 @@
 #include <QMetaType>
 #include <QUrl>
 
-// What handlers learn about the request they answer: which request it was
-// (a number unique in the process), the address asked and the HTTP status of
-// the answer (0 when no HTTP answer arrived: refused, timed out, cut off
-// before the headers).
+/// What handlers learn about the request they answer: which request it was
+/// (a number unique in the process), the address asked and the HTTP status of
+/// the answer (0 when no HTTP answer arrived: refused, timed out, cut off
+/// before the headers).
 class BMSDKRestRequestTask
 {
 public:

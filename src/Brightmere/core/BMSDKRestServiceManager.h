@@ -10,43 +10,43 @@
 #include <optional>
 #include <memory>
 
-// Path segments of the service's API and of its version: "<base>/api/v2/...".
+/// Path segments of the service's API and of its version: "<base>/api/v2/...".
 inline constexpr char kRestServiceManagerAPI[] = "api";
 inline constexpr char kRestServiceManagerVersion2[] = "v2";
 
-// Keys of the envelope every answer of the service comes in:
-// {"code": 200, "message": "...", "data": {...}}.
+/// Keys of the envelope every answer of the service comes in:
+/// {"code": 200, "message": "...", "data": {...}}.
 inline constexpr char kRestServiceResponseCodeKey[] = "code";
 inline constexpr char kRestServiceResponseMessageKey[] = "message";
 inline constexpr char kRestServiceResponseDataKey[] = "data";
 inline constexpr int kRestServiceResponseCodeSuccessValue = 200;
 
-// Posted (as a BMBaseNotification) when a request that asked for it failed
-// for lack of connectivity: refused, unreachable, cut off or timed out.
-// Properties: "url" (text), "code" and "description" of the error.
+/// Posted (as a BMBaseNotification) when a request that asked for it failed
+/// for lack of connectivity: refused, unreachable, cut off or timed out.
+/// Properties: "url" (text), "code" and "description" of the error.
 inline constexpr char kRestServiceConnectivityErrorNotification[] = "kRestServiceConnectivityError";
 
-// Errors of the REST client carry this domain. An answer with a non-2xx HTTP
-// status fails with the status as code, and a refused request of the service
-// with the envelope's code; the failures below have codes of their own.
+/// Errors of the REST client carry this domain. An answer with a non-2xx HTTP
+/// status fails with the status as code, and a refused request of the service
+/// with the envelope's code; the failures below have codes of their own.
 inline constexpr char kRestServiceErrorDomain[] = "BMSDKRestServiceErrorDomain";
 enum BMSDKRestServiceErrorCode {
-    kRestServiceErrorNotConnected = -1,      // refused, unreachable, cut off, network down
+    kRestServiceErrorNotConnected = -1,      ///< refused, unreachable, cut off, network down
     kRestServiceErrorTimedOut = -2,
     kRestServiceErrorResponseTooLarge = -3,
-    kRestServiceErrorMalformedResponse = -4, // not JSON, not an object, no token
+    kRestServiceErrorMalformedResponse = -4, ///< not JSON, not an object, no token
     kRestServiceErrorBadURL = -5,
-    kRestServiceErrorNoApplication = -6,     // no application object to run the network on
-    kRestServiceErrorTransport = -7,         // any other transport failure (TLS, protocol, redirects)
+    kRestServiceErrorNoApplication = -6,     ///< no application object to run the network on
+    kRestServiceErrorTransport = -7,         ///< any other transport failure (TLS, protocol, redirects)
 };
 
-// The client of the kit's REST service: where the service is, the
-// application's authorisation token, and the HTTP client (manager()) that
-// sends the requests. Services of the kit derive from it and keep a
-// singleton of their own; sharedInstance() is the base's.
-//
-// Every handler runs on the shared network thread (see
-// BMSDKHTTPSessionManager), never on the caller's thread, exactly once.
+/// The client of the kit's REST service: where the service is, the
+/// application's authorisation token, and the HTTP client (manager()) that
+/// sends the requests. Services of the kit derive from it and keep a
+/// singleton of their own; sharedInstance() is the base's.
+///
+/// Every handler runs on the shared network thread (see
+/// BMSDKHTTPSessionManager), never on the caller's thread, exactly once.
 class BMSDKRestServiceManager : public QObject
 {
     Q_OBJECT
@@ -56,8 +56,8 @@ public:
     using FailureBlock = BMSDKHTTPSessionManager::FailureBlock;
     using TokenSuccessBlock = std::function<void()>;
 
-    // The default base address when neither the host nor the environment
-    // variable BRIGHTMERE_SERVER_URL gives one.
+    /// The default base address when neither the host nor the environment
+    /// variable BRIGHTMERE_SERVER_URL gives one.
     static constexpr const char *kDefaultServerURL = "http://127.0.0.1:8787";
 
     explicit BMSDKRestServiceManager(QObject *parent = nullptr);
@@ -65,22 +65,22 @@ public:
 
     static BMSDKRestServiceManager *sharedInstance();
 
-    // The service's base address, without a trailing slash. Process-wide: the
-    // kit talks to one service. An empty text restores the default.
+    /// The service's base address, without a trailing slash. Process-wide: the
+    /// kit talks to one service. An empty text restores the default.
     static QString brightmereServerURL();
     static void setBrightmereServerURL(const QString &url);
 
-    // The identifier the token is asked for ("appId"); the application's
-    // name unless the host sets one. An empty text restores that default.
+    /// The identifier the token is asked for ("appId"); the application's
+    /// name unless the host sets one. An empty text restores that default.
     static QString applicationIdentifier();
     static void setApplicationIdentifier(const QString &identifier);
 
     BMSDKHTTPSessionManager *manager() const { return m_manager; }
 
-    // Makes sure the application's authorisation token is held, then calls
-    // success; the token goes with every later GET of manager(). With a
-    // token already held, success follows at once without a request. Calls
-    // made while a token request runs wait for that same request.
+    /// Makes sure the application's authorisation token is held, then calls
+    /// success; the token goes with every later GET of manager(). With a
+    /// token already held, success follows at once without a request. Calls
+    /// made while a token request runs wait for that same request.
     void startRequestForAppAuthorizationTokenWithSuccessBlock(TokenSuccessBlock success,
                                                               FailureBlock andErrorBlock,
                                                               bool postConnectivityError);
@@ -88,7 +88,7 @@ public:
     bool hasAuthorizationToken() const;
     void clearAuthorizationToken();
 
-    // "<base>/api/v2/auth/token"; the appId goes in the query.
+    /// "<base>/api/v2/auth/token"; the appId goes in the query.
     QString authorizationTokenURL() const;
 
 private:

@@ -6,9 +6,9 @@
 
 #include <memory>
 
-// Makes the testers of the core library, of the backend BMSDKBackend::kind()
-// chooses. The customer's password is handed to the tester and kept in its
-// memory for its lifetime only: it is never written to a file or a log.
+/// Makes the testers of the core library, of the backend BMSDKBackend::kind()
+/// chooses. The customer's password is handed to the tester and kept in its
+/// memory for its lifetime only: it is never written to a file or a log.
 class BMTesterFactory
 {
 public:

@@ -16,14 +16,14 @@ namespace Brightmere {
 class Clock;
 }
 
-// A Wi-Fi tester: once started it measures the download speed of the Wi-Fi
-// link over and over and hands each figure to its result delegate as a fresh
-// WifiTestResult, until stop() or a failure ends the test. Backends derive
-// from it; BMTesterFactory chooses one.
-//
-// The tester belongs to the thread that created it (the main thread in the
-// kit): its delegate is called there only. start() and stop() called from
-// another thread are forwarded to that thread.
+/// A Wi-Fi tester: once started it measures the download speed of the Wi-Fi
+/// link over and over and hands each figure to its result delegate as a fresh
+/// WifiTestResult, until stop() or a failure ends the test. Backends derive
+/// from it; BMTesterFactory chooses one.
+///
+/// The tester belongs to the thread that created it (the main thread in the
+/// kit): its delegate is called there only. start() and stop() called from
+/// another thread are forwarded to that thread.
 class BMWiFiTester : public QObject
 {
     Q_OBJECT
@@ -39,20 +39,20 @@ public:
 
     ~BMWiFiTester() override;
 
-    // All arguments may be empty. An out-of-range location is dropped with a
-    // log line.
+    /// All arguments may be empty. An out-of-range location is dropped with a
+    /// log line.
     void initializeWithAppId(const QString &appId, const std::optional<BMLocationCoordinate2D> &location,
                              const QString &pushNotificationToken, const QStringList &labels);
     QString appId() const { return m_appId; }
     QString pushNotificationToken() const { return m_pushNotificationToken; }
     QStringList labels() const { return m_labels; }
 
-    // Not owned; may be null (results are then measured and dropped).
+    /// Not owned; may be null (results are then measured and dropped).
     void setResultDelegate(BMWiFiTesterDelegate *delegate);
     BMWiFiTesterDelegate *resultDelegate() const { return m_delegate; }
 
-    // start() while running and stop() while stopped do nothing. stop()
-    // calls no delegate method.
+    /// start() while running and stop() while stopped do nothing. stop()
+    /// calls no delegate method.
     void start();
     void stop();
     bool isRunning() const { return m_running; }
@@ -60,11 +60,11 @@ public:
     void setSoundEnabled(bool enabled);
     bool isSoundEnabled() const { return m_soundEnabled; }
 
-    // Where the measurements are taken, if known; results carry it.
+    /// Where the measurements are taken, if known; results carry it.
     virtual std::optional<BMLocationCoordinate2D> location() const;
 
-    // The account the tester was made for. The password itself stays inside
-    // the tester, in memory only, and is never handed out.
+    /// The account the tester was made for. The password itself stays inside
+    /// the tester, in memory only, and is never handed out.
     QString sdkCustomer() const { return m_sdkCustomer; }
     bool hasSdkPassword() const { return !m_sdkPassword.isEmpty(); }
     bool usesProductionServer() const { return m_useProductionServer; }
@@ -72,33 +72,33 @@ public:
 protected:
     explicit BMWiFiTester(QObject *parent = nullptr);
 
-    // Backends begin and end their measuring here. stopMeasuring() must be
-    // safe to call when nothing runs, and calls no delegate method.
+    /// Backends begin and end their measuring here. stopMeasuring() must be
+    /// safe to call when nothing runs, and calls no delegate method.
     virtual void startMeasuring() = 0;
     virtual void stopMeasuring() = 0;
 
-    // Names of the network the results are measured on (empty off Wi-Fi).
+    /// Names of the network the results are measured on (empty off Wi-Fi).
     QString currentSsid() const;
     QString currentBssid() const;
 
-    // The clock of the current test (taken when it starts).
+    /// The clock of the current test (taken when it starts).
     Brightmere::Clock &clock() const { return *m_clock; }
     QString moduleName() const;
 
-    // Reports to the delegate. Each returns whether the backend may go on
-    // with this test: false when the delegate stopped, restarted or deleted
-    // the tester meanwhile, in which case the backend must return at once
-    // without touching its members.
+    /// Reports to the delegate. Each returns whether the backend may go on
+    /// with this test: false when the delegate stopped, restarted or deleted
+    /// the tester meanwhile, in which case the backend must return at once
+    /// without touching its members.
     bool reportSetupFinished(const std::optional<BMError> &error);
     bool reportResult(double speedInMbps);
-    // Ends the test (stopMeasuring() first), then tells the delegate. When
-    // setup has not finished yet, the delegate hears of the error as a setup
-    // failure first.
+    /// Ends the test (stopMeasuring() first), then tells the delegate. When
+    /// setup has not finished yet, the delegate hears of the error as a setup
+    /// failure first.
     void finishWithError(const BMError &error);
 
     bool isSetupFinished() const { return m_setupFinished; }
-    // Changes with every start and stop: a queued piece of work compares it
-    // to know whether it still belongs to the current test.
+    /// Changes with every start and stop: a queued piece of work compares it
+    /// to know whether it still belongs to the current test.
     quint64 testGeneration() const { return m_generation; }
 
 private:

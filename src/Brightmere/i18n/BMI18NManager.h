@@ -18,42 +18,42 @@ namespace Brightmere {
 class LocalizedBundle;
 }
 
-// Key of the record the manager keeps in the standard user-defaults store.
+/// Key of the record the manager keeps in the standard user-defaults store.
 inline constexpr char kI18NDataKey[] = "kI18NDataKey";
-// Keys inside that record: the time stamp of each cached bundle by language,
-// and the current language.
+/// Keys inside that record: the time stamp of each cached bundle by language,
+/// and the current language.
 inline constexpr char kI18NTimeStampKey[] = "kI18NTimeStampKey";
 inline constexpr char kI18NLanguageKey[] = "kI18NLanguageKey";
-// For hosts; the manager itself neither reads nor writes it.
+/// For hosts; the manager itself neither reads nor writes it.
 inline constexpr char kI18NStringsKey[] = "kI18NStringsKey";
-// The default language: its bundle is always kept.
+/// The default language: its bundle is always kept.
 inline constexpr char kI18NDefaultLang[] = "en";
-// "PH_name" inside a text is a placeholder; it becomes "%@".
+/// "PH_name" inside a text is a placeholder; it becomes "%@".
 inline constexpr char kPrefixString[] = "PH_";
 inline constexpr char kReplacePlaceholder[] = "%@";
 
-// Turns localisation keys ("fairzones_title") into the texts shown, and
-// formats numbers for display.
-//
-// Texts come, in this order, from the bundle downloaded for the current
-// language, the built-in string tables of that language (the kit's, then the
-// host's under ":/main/lproj"), the downloaded English bundle and the
-// built-in English tables; a key found nowhere comes back as its default.
-// Downloaded bundles are cached in the caches folder ("bundle_en" and
-// "bundle_user", one non-default language at a time) and their time stamps
-// and the current language in the user-defaults record "kI18NDataKey".
-//
-// Thread safety: every operation may be called from any thread. The service's
-// answers arrive on the core library's network thread and change the state
-// there, and the notifications that end a refresh are posted there too
-// (subscribe with BMNotificationDelivery::MainThread to get them on the main
-// thread). Lookups take a shared lock and are served from a cache of
-// finished texts that every change of bundle or language empties; a host
-// adds its own tables before the first lookup (a table added later shows
-// after the next change of bundle or language).
-//
-// Nothing is thrown: bad answers, files or arguments give a log line (module
-// "BMI18NManager") and leave the texts held usable.
+/// Turns localisation keys ("fairzones_title") into the texts shown, and
+/// formats numbers for display.
+///
+/// Texts come, in this order, from the bundle downloaded for the current
+/// language, the built-in string tables of that language (the kit's, then the
+/// host's under ":/main/lproj"), the downloaded English bundle and the
+/// built-in English tables; a key found nowhere comes back as its default.
+/// Downloaded bundles are cached in the caches folder ("bundle_en" and
+/// "bundle_user", one non-default language at a time) and their time stamps
+/// and the current language in the user-defaults record "kI18NDataKey".
+///
+/// Thread safety: every operation may be called from any thread. The service's
+/// answers arrive on the core library's network thread and change the state
+/// there, and the notifications that end a refresh are posted there too
+/// (subscribe with BMNotificationDelivery::MainThread to get them on the main
+/// thread). Lookups take a shared lock and are served from a cache of
+/// finished texts that every change of bundle or language empties; a host
+/// adds its own tables before the first lookup (a table added later shows
+/// after the next change of bundle or language).
+///
+/// Nothing is thrown: bad answers, files or arguments give a log line (module
+/// "BMI18NManager") and leave the texts held usable.
 class BMI18NManager : public std::enable_shared_from_this<BMI18NManager>
 {
 public:
@@ -65,91 +65,91 @@ public:
     BMI18NManager(const BMI18NManager &) = delete;
     BMI18NManager &operator=(const BMI18NManager &) = delete;
 
-    // Created once, from any thread, reading the record and the cache files
-    // at that moment.
+    /// Created once, from any thread, reading the record and the cache files
+    /// at that moment.
     static BMI18NManager *sharedInstance();
 
-    // For tests only, while no other thread uses the manager: drops the shared
-    // instance, so the next sharedInstance() builds a fresh one from the
-    // store and cache files as they are then. Handlers of requests the old
-    // instance started find it gone and do nothing.
+    /// For tests only, while no other thread uses the manager: drops the shared
+    /// instance, so the next sharedInstance() builds a fresh one from the
+    /// store and cache files as they are then. Handlers of requests the old
+    /// instance started find it gone and do nothing.
     static void resetSharedInstanceForTesting();
 
-    // The text for code, with code as its default.
+    /// The text for code, with code as its default.
     static QString stringForCode(const QString &code);
-    // The text for code; never null when code is not. See the class comment
-    // for the order; the default is also the key looked up in the built-in
-    // tables.
+    /// The text for code; never null when code is not. See the class comment
+    /// for the order; the default is also the key looked up in the built-in
+    /// tables.
     static QString stringForCode(const QString &code, const QString &withDefault);
-    // Every "PH_" and the identifier characters after it become "%@"; null
-    // for null.
+    /// Every "PH_" and the identifier characters after it become "%@"; null
+    /// for null.
     static QString replacePlaceholderInString(const QString &text);
-    // An ASCII letter or digit, or "_".
+    /// An ASCII letter or digit, or "_".
     static bool isIDChar(char16_t character);
 
-    // Numbers for display in the manager's language (see BMI18NNumberFormatter):
-    // cut toward zero, "2,7" for 2.79 with one digit in "es".
+    /// Numbers for display in the manager's language (see BMI18NNumberFormatter):
+    /// cut toward zero, "2,7" for 2.79 with one digit in "es".
     static QString formatNumber(double number);
     static QString formatNumber(double number, int maxFractionDigits);
     static QString formatNumber(double number, int maxFractionDigits, int minFractionDigits);
 
-    // Asks the service for its bundle list and downloads the bundles whose
-    // time stamps changed. Returns at once; "kTextBundleAvailable" or
-    // "kTextBundleNotAvailable" tells the outcome (one per download).
+    /// Asks the service for its bundle list and downloads the bundles whose
+    /// time stamps changed. Returns at once; "kTextBundleAvailable" or
+    /// "kTextBundleNotAvailable" tells the outcome (one per download).
     void updateBundleTexts();
 
-    // Changes the language texts are shown in and posts "kLanguageChange";
-    // nothing is downloaded or saved (call updateBundleTexts for that). A
-    // code that is no language code is refused with a log line.
+    /// Changes the language texts are shown in and posts "kLanguageChange";
+    /// nothing is downloaded or saved (call updateBundleTexts for that). A
+    /// code that is no language code is refused with a log line.
     void setCurrentLanguage(const QString &code);
-    // Whether a text looks like a language code: letters and digits in up
-    // to four parts joined by "-" or "_", each at most 8 long ("es",
-    // "pt-BR", "zh_Hant"). Codes from the service, the cache or a host are
-    // taken only when they do; they also become a part of an address.
+    /// Whether a text looks like a language code: letters and digits in up
+    /// to four parts joined by "-" or "_", each at most 8 long ("es",
+    /// "pt-BR", "zh_Hant"). Codes from the service, the cache or a host are
+    /// taken only when they do; they also become a part of an address.
     static bool isLanguageCode(const QString &code);
-    // The language code held when the user can choose it, else its part
-    // before "-" when the user can choose that, else "en".
+    /// The language code held when the user can choose it, else its part
+    /// before "-" when the user can choose that, else "en".
     QString currentLanguage() const;
-    // The display name of a language: the text for the language code.
+    /// The display name of a language: the text for the language code.
     QString getLanguageDescription(const QString &code) const;
-    // The languages the user can choose, sorted.
+    /// The languages the user can choose, sorted.
     QStringList getAvailableLanguages() const;
 
-    // Writes the record to the user defaults and the current and English
-    // bundles to their cache files.
+    /// Writes the record to the user defaults and the current and English
+    /// bundles to their cache files.
     void save();
-    // Forgets a non-default language's bundle and time stamp (not its file).
+    /// Forgets a non-default language's bundle and time stamp (not its file).
     void removeLanguage(const QString &code);
 
-    // The texts of a language's cache file; empty when there is none or it
-    // cannot be read (with a log line for an unreadable one).
+    /// The texts of a language's cache file; empty when there is none or it
+    /// cannot be read (with a log line for an unreadable one).
     Texts loadBundle(const QString &code) const;
-    // Writes a language's cache file atomically and marks it for exclusion
-    // from backups. Keys the format cannot hold are left out with a log line;
-    // a failed write leaves the file as it was, with a log line.
+    /// Writes a language's cache file atomically and marks it for exclusion
+    /// from backups. Keys the format cannot hold are left out with a log line;
+    /// a failed write leaves the file as it was, with a log line.
     void saveBundle(const QString &code, const Texts &withTexts);
-    // "<caches folder>/bundle_en" for "en", "<caches folder>/bundle_user" for
-    // every other language.
+    /// "<caches folder>/bundle_en" for "en", "<caches folder>/bundle_user" for
+    /// every other language.
     QString bundleFilePath(const QString &code) const;
-    // Excludes the file's folder from backups with a CACHEDIR.TAG beside it.
-    // False (with a log line when writing the tag failed) when not done.
+    /// Excludes the file's folder from backups with a CACHEDIR.TAG beside it.
+    /// False (with a log line when writing the tag failed) when not done.
     bool addSkipBackupAttributeToItemAtURL(const QUrl &url) const;
 
-    // The text of code in the built-in tables for a language: the kit's
-    // tables, then the host's. Null when neither has it and defaultValue is null.
+    /// The text of code in the built-in tables for a language: the kit's
+    /// tables, then the host's. Null when neither has it and defaultValue is null.
     QString getLocalStringWithCode(const QString &code, const QString &forLanguage,
                                    const QString &defaultValue) const;
-    // The same in one bundle; its "en" table stands in for a language it lacks.
+    /// The same in one bundle; its "en" table stands in for a language it lacks.
     QString getStringInBundle(const Brightmere::LocalizedBundle &bundle, const QString &code,
                               const QString &forLanguage, const QString &defaultValue) const;
 
-    // Handlers for the service's answers; each holds the manager weakly and
-    // does nothing once it is gone.
+    /// Handlers for the service's answers; each holds the manager weakly and
+    /// does nothing once it is gone.
     SuccessBlock requestBundleInfoSuccessBlock();
     SuccessBlock requestBundleDataSuccessBlock();
     FailureBlock requestBundleDataErrorBlock();
 
-    // What the manager holds, for hosts and tests.
+    /// What the manager holds, for hosts and tests.
     QString languageCode() const;
     Texts bundleTextsForLanguage(const QString &code) const;
     std::optional<double> timestampForLanguage(const QString &code) const;

@@ -6,9 +6,9 @@
 
 inline constexpr char kLanguageChange[] = "kLanguageChange";
 
-// Tells the kit and the host that the current language was changed
-// (BMI18NManager::setCurrentLanguage). Carries an empty properties map and is
-// posted on the thread that changed the language.
+/// Tells the kit and the host that the current language was changed
+/// (BMI18NManager::setCurrentLanguage). Carries an empty properties map and is
+/// posted on the thread that changed the language.
 class BMLanguageChangeNotification : public BMBaseNotification
 {
     Q_OBJECT
@@ -16,8 +16,8 @@ class BMLanguageChangeNotification : public BMBaseNotification
 public:
     BMLanguageChangeNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
-    // Registers notifyLanguageChange for "kLanguageChange"; subscribing again
-    // replaces the earlier registration (and its delivery).
+    /// Registers notifyLanguageChange for "kLanguageChange"; subscribing again
+    /// replaces the earlier registration (and its delivery).
     static void subscribe(BMLanguageChangeSubscriber *subscriber,
                           BMNotificationDelivery delivery = BMNotificationDelivery::PostingThread);
     static void unsubscribe(BMLanguageChangeSubscriber *subscriber);

@@ -13,26 +13,26 @@
 #include <memory>
 #include <optional>
 
-// One saved run of the Fairzone test (title, SSID, date and the spots in the
-// order they were recorded) and, through its static operations, the store of
-// every saved run: a dictionary from title to set, archived whole into one
-// value of the standard user defaults. Sets are values: a change to a loaded
-// set reaches the store only through saveSpotSet(). They are shared by
-// pointer because a listing marks `comparable` on the very objects it returns.
+/// One saved run of the Fairzone test (title, SSID, date and the spots in the
+/// order they were recorded) and, through its static operations, the store of
+/// every saved run: a dictionary from title to set, archived whole into one
+/// value of the standard user defaults. Sets are values: a change to a loaded
+/// set reaches the store only through saveSpotSet(). They are shared by
+/// pointer because a listing marks `comparable` on the very objects it returns.
 class FZHistoricalResultSpotsSet
 {
 public:
     using Ptr = std::shared_ptr<FZHistoricalResultSpotsSet>;
     using List = QList<Ptr>;
-    // Title -> set. Ordered by title, so the archive of a store is repeatable.
+    /// Title -> set. Ordered by title, so the archive of a store is repeatable.
     using Dictionary = QMap<QString, Ptr>;
 
     static constexpr const char *kSetsDictionaryKey = "kSetsDictionaryKey";
     static constexpr const char *kLastDataVersionKey = "kLastDataVersionKey";
-    // An unreadable store is kept under this prefix followed by the UTC time
-    // it was set aside ("kSetsDictionaryKey.backup.20250314T093000").
+    /// An unreadable store is kept under this prefix followed by the UTC time
+    /// it was set aside ("kSetsDictionaryKey.backup.20250314T093000").
     static constexpr const char *kSetsDictionaryBackupKeyPrefix = "kSetsDictionaryKey.backup.";
-    // The longest title the title prompt takes, and a restored backup too.
+    /// The longest title the title prompt takes, and a restored backup too.
     static constexpr int kMaxTitleLength = 200;
 
     FZHistoricalResultSpotsSet() = default;
@@ -41,8 +41,8 @@ public:
     static Ptr create(const QString &name, const QString &ssid, const QDateTime &date,
                       const WifiTestResult::List &spots);
 
-    // Whether another saved set shares a spot label with this one; set by the
-    // listings, never stored.
+    /// Whether another saved set shares a spot label with this one; set by the
+    /// listings, never stored.
     bool isComparable() const { return m_comparable; }
     void setComparable(bool comparable) { m_comparable = comparable; }
     QString name() const { return m_name; }
@@ -51,85 +51,85 @@ public:
     void setSsid(const QString &ssid) { m_ssid = ssid; }
     QDateTime date() const { return m_date; }
     void setDate(const QDateTime &date) { m_date = date; }
-    // The order of sortedSpots(): 0 newest measurement first, 1 labels
-    // descending, 2 labels ascending. Not stored: 0 after loading.
+    /// The order of sortedSpots(): 0 newest measurement first, 1 labels
+    /// descending, 2 labels ascending. Not stored: 0 after loading.
     qint64 isSortedAscending() const { return m_sorting; }
     void setSorting(qint64 sorting) { m_sorting = sorting; }
     WifiTestResult::List &mutableSpots() { return m_mutableSpots; }
     const WifiTestResult::List &mutableSpots() const { return m_mutableSpots; }
     void setMutableSpots(const WifiTestResult::List &spots) { m_mutableSpots = spots; }
 
-    // A copy of the spot list: adding to it leaves the set alone.
+    /// A copy of the spot list: adding to it leaves the set alone.
     WifiTestResult::List spots() const { return m_mutableSpots; }
     qsizetype spotsCount() const { return m_mutableSpots.size(); }
     WifiTestResult::List sortedSpots() const;
-    // 0 -> 1 -> 2 -> 0.
+    /// 0 -> 1 -> 2 -> 0.
     void toggleSorting();
 
-    // Equal when name and SSID are equal; date and spots play no part.
+    /// Equal when name and SSID are equal; date and spots play no part.
     bool operator==(const FZHistoricalResultSpotsSet &other) const;
 
-    // Four positional values: name, SSID, date (UTC), and the spots as a
-    // nested archive blob. decode() leaves the set untouched and returns
-    // false when the values or the nested blob cannot be read.
+    /// Four positional values: name, SSID, date (UTC), and the spots as a
+    /// nested archive blob. decode() leaves the set untouched and returns
+    /// false when the values or the nested blob cannot be read.
     void encode(QDataStream &stream) const;
     bool decode(QDataStream &stream);
 
-    // The store. Every operation that writes reads the stored dictionary
-    // afresh under the store's lock (so a set another copy of the app saved
-    // meanwhile is kept), changes it and writes it whole; each set's packed
-    // bytes are kept with it, so a write packs only the sets that changed.
-    // Reading skips the decoding when the stored bytes are the very ones last
-    // read or written, and every set returned is a fresh copy. Operations
-    // that write return false when the defaults could not be written (and
-    // log why); the store then reads what the disk holds.
+    /// The store. Every operation that writes reads the stored dictionary
+    /// afresh under the store's lock (so a set another copy of the app saved
+    /// meanwhile is kept), changes it and writes it whole; each set's packed
+    /// bytes are kept with it, so a write packs only the sets that changed.
+    /// Reading skips the decoding when the stored bytes are the very ones last
+    /// read or written, and every set returned is a fresh copy. Operations
+    /// that write return false when the defaults could not be written (and
+    /// log why); the store then reads what the disk holds.
     static bool saveSetWithName(const QString &name, const QString &ssid, const QDateTime &date,
                                 const WifiTestResult::List &andWifiTestResults);
-    // Stores the set under its name, replacing any set of that title.
+    /// Stores the set under its name, replacing any set of that title.
     static bool saveSpotSet(const Ptr &set);
     static Ptr spotsSetWithName(const QString &name);
     static bool deleteSpotsSet(const Ptr &set);
-    // Removes the stored sets; the data version and any set-aside copy stay.
+    /// Removes the stored sets; the data version and any set-aside copy stay.
     static void deleteAllSpotsSets();
 
-    // A change made under the store's lock: the sets to store (by key,
-    // replacing) and the keys to remove.
+    /// A change made under the store's lock: the sets to store (by key,
+    /// replacing) and the keys to remove.
     using ConstDictionary = QMap<QString, std::shared_ptr<const FZHistoricalResultSpotsSet>>;
     struct Change
     {
         Dictionary put;
         QStringList remove;
     };
-    // Hands the stored sets, read afresh under the store's lock, to change and
-    // stores what it returns before the lock is let go. Nothing is written
-    // when the change is empty. False (logged) when the store could not be
-    // locked or written; change then may not have run.
+    /// Hands the stored sets, read afresh under the store's lock, to change and
+    /// stores what it returns before the lock is let go. Nothing is written
+    /// when the change is empty. False (logged) when the store could not be
+    /// locked or written; change then may not have run.
     static bool changeStoredSets(const std::function<Change(const ConstDictionary &stored)> &change);
 
-    // Every saved set, newest first, each marked comparable when another set
-    // shares a spot label with it.
+    /// Every saved set, newest first, each marked comparable when another set
+    /// shares a spot label with it.
     static List allSpotsSets();
-    // Every saved set, newest first, each marked comparable when it shares a
-    // spot label with target (so the target itself counts).
+    /// Every saved set, newest first, each marked comparable when it shares a
+    /// spot label with target (so the target itself counts).
     static List allSpotsSetsWithTaretSetToCompare(const Ptr &target);
-    // The candidates that share a spot label with target, in their order;
-    // with excludeTarget, without those equal to target.
+    /// The candidates that share a spot label with target, in their order;
+    /// with excludeTarget, without those equal to target.
     static List allSpotsSetsWithTaretSetToCompare(const Ptr &target, const List &allSpotsSets, bool excludeTarget);
 
-    // The stored dictionary. When nothing usable is stored, an empty one that
-    // is written at once; a stored value that cannot be read, or one stored
-    // without a data version, is first copied aside under a backup key.
+    /// The stored dictionary. When nothing usable is stored, an empty one that
+    /// is written at once; a stored value that cannot be read, or one stored
+    /// without a data version, is first copied aside under a backup key.
     static Dictionary allSpotsSetsDictionary();
-    // The stored archive, only when a data version is stored too.
+    /// The stored archive, only when a data version is stored too.
     static std::optional<QByteArray> savedSpotsSetsDictionary();
     static bool saveAllSpotsSetDicitionary(const Dictionary &dictionary);
     static std::optional<QString> savedDataVersion();
-    // "<short version>.<build>" of the kit's bundle.
+    /// "<short version>.<build>" of the kit's bundle.
     static QString currentDataVersion();
 
-    // The archive of a whole dictionary, and its reading (of this format and
-    // of the one earlier versions wrote); std::nullopt (with the reason in
-    // *error) when it cannot be read.
+    /// The archive of a whole dictionary, and its reading (of this format and
+    /// of the one earlier versions wrote); std::nullopt (with the reason in
+    /// *error) when it cannot be read.
     static QByteArray archiveDictionary(const Dictionary &dictionary);
     static std::optional<Dictionary> unarchiveDictionary(const QByteArray &blob, QString *error = nullptr);
 

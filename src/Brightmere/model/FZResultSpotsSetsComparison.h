@@ -4,11 +4,11 @@
 
 #include <memory>
 
-// The spots of two saved sets paired by label, row by row, for the compare
-// screen: only labels present in both sets, the first spot of a label when a
-// set holds it more than once, optionally without pairs that are the very
-// same measurement, ordered by label (numerically). Both lists always have
-// the same length and equal labels at every row.
+/// The spots of two saved sets paired by label, row by row, for the compare
+/// screen: only labels present in both sets, the first spot of a label when a
+/// set holds it more than once, optionally without pairs that are the very
+/// same measurement, ordered by label (numerically). Both lists always have
+/// the same length and equal labels at every row.
 class FZResultSpotsSetsComparison
 {
 public:
@@ -17,7 +17,7 @@ public:
     static std::shared_ptr<FZResultSpotsSetsComparison> comparisonWithFirstSet(
         const FZHistoricalResultSpotsSet::Ptr &firstSet, const FZHistoricalResultSpotsSet::Ptr &secondSet);
 
-    // Row order: true labels ascending, false (the start) descending.
+    /// Row order: true labels ascending, false (the start) descending.
     bool isSortedByNameAscending() const { return m_sortedByNameAscending; }
     bool excludeIdenticalMatches() const { return m_excludeIdenticalMatches; }
     FZHistoricalResultSpotsSet::Ptr firstSet() const { return m_firstSet; }
@@ -25,19 +25,19 @@ public:
     const WifiTestResult::List &firstSetComparableSpots() const { return m_firstSetComparableSpots; }
     const WifiTestResult::List &secondSetComparableSpots() const { return m_secondSetComparableSpots; }
 
-    // The SSID of the first set.
+    /// The SSID of the first set.
     QString ssid() const;
-    // 1 names the first set, any other index the second.
+    /// 1 names the first set, any other index the second.
     QString nameForSetIndex(qsizetype index) const;
     qsizetype count() const { return m_firstSetComparableSpots.size(); }
-    // Out of range: an empty text or nullptr, and a log line.
+    /// Out of range: an empty text or nullptr, and a log line.
     QString spotNameAtIndex(qsizetype index) const;
     WifiTestResult::Ptr firstComparableSpotAtIndex(qsizetype index) const;
     WifiTestResult::Ptr secondComparableSpotAtIndex(qsizetype index) const;
 
     void toggleSortByName();
     void toggleExcludeIdenticalMatches();
-    // Rebuilds both lists from the two sets and the two switches.
+    /// Rebuilds both lists from the two sets and the two switches.
     void setComparableData();
 
 private:

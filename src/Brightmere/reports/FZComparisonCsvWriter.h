@@ -6,10 +6,10 @@
 #include <QByteArray>
 #include <QString>
 
-// A comparison as a spreadsheet: a row per label (see FZComparisonReportRows)
-// with the speed in each set, the change in Mbps and in percent. A side that
-// lacks the label leaves its speed and both changes empty; a first speed of
-// 0 leaves the percent empty.
+/// A comparison as a spreadsheet: a row per label (see FZComparisonReportRows)
+/// with the speed in each set, the change in Mbps and in percent. A side that
+/// lacks the label leaves its speed and both changes empty; a first speed of
+/// 0 leaves the percent empty.
 class FZComparisonCsvWriter
 {
 public:

@@ -10,19 +10,19 @@
 #include <QRectF>
 #include <QString>
 
-// A PDF report a person can send: for one set its title, network, date, a
-// bar chart of the speeds and a table of the spots; for a comparison both
-// sets side by side, a one-line verdict, paired bars and the change per
-// spot. Long tables flow onto further pages, each with the table's header
-// again; a row is never split between pages. Texts come from the
-// localisation manager, colours and faces from the kit's tables.
-//
-// Needs a QGuiApplication (fonts), not widgets. Page size by the locale:
-// Letter where that is the usual paper, A4 elsewhere.
+/// A PDF report a person can send: for one set its title, network, date, a
+/// bar chart of the speeds and a table of the spots; for a comparison both
+/// sets side by side, a one-line verdict, paired bars and the change per
+/// spot. Long tables flow onto further pages, each with the table's header
+/// again; a row is never split between pages. Texts come from the
+/// localisation manager, colours and faces from the kit's tables.
+///
+/// Needs a QGuiApplication (fonts), not widgets. Page size by the locale:
+/// Letter where that is the usual paper, A4 elsewhere.
 class FZReportPdfWriter
 {
 public:
-    // Where each table row was drawn, in points within the page's printable area.
+    /// Where each table row was drawn, in points within the page's printable area.
     struct RowPlacement
     {
         int page = 0;
@@ -41,7 +41,7 @@ public:
     FZReportResult writeComparisonReport(const FZResultSpotsSetsComparison &comparison, bool hideIdentical,
                                          const QString &path);
 
-    // The layout of the last report written.
+    /// The layout of the last report written.
     const Layout &lastLayout() const { return m_layout; }
 
     static QPageSize::PageSizeId pageSizeForLocale(const QLocale &locale);

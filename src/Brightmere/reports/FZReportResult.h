@@ -3,21 +3,21 @@
 #include <QString>
 #include <QStringList>
 
-// What a report or backup operation tells its host: success, or which kind
-// of failure with a message for the developer (the same text is logged).
-// A restore also says what it did with each set of the file.
+/// What a report or backup operation tells its host: success, or which kind
+/// of failure with a message for the developer (the same text is logged).
+/// A restore also says what it did with each set of the file.
 class FZReportResult
 {
 public:
     enum class Error {
         None,
-        InvalidInput,     // an absent set or comparison
-        FileNotWritten,   // the target file could not be written; nothing was left half-written
-        FileNotReadable,  // the backup file could not be opened or is too large
-        Malformed,        // not JSON, truncated, or not a backup of saved sets
-        FutureVersion,    // written by a newer kit
-        WrongTypes,       // a field is missing or of the wrong type
-        StoreNotWritten,  // the merged sets could not be stored; the store is as it was
+        InvalidInput,     ///< an absent set or comparison
+        FileNotWritten,   ///< the target file could not be written; nothing was left half-written
+        FileNotReadable,  ///< the backup file could not be opened or is too large
+        Malformed,        ///< not JSON, truncated, or not a backup of saved sets
+        FutureVersion,    ///< written by a newer kit
+        WrongTypes,       ///< a field is missing or of the wrong type
+        StoreNotWritten,  ///< the merged sets could not be stored; the store is as it was
     };
 
     static FZReportResult success();
@@ -27,11 +27,11 @@ public:
     Error error() const { return m_error; }
     QString message() const { return m_message; }
 
-    // Restore only: titles as stored, in the file's order.
+    /// Restore only: titles as stored, in the file's order.
     QStringList addedTitles() const { return m_addedTitles; }
-    // Sets of the file already stored with the same content.
+    /// Sets of the file already stored with the same content.
     QStringList skippedTitles() const { return m_skippedTitles; }
-    // Sets whose title was taken by other content: "Title" -> "Title (2)".
+    /// Sets whose title was taken by other content: "Title" -> "Title (2)".
     QStringList renamedTitles() const { return m_renamedTitles; }
     void addAdded(const QString &title) { m_addedTitles.append(title); }
     void addSkipped(const QString &title) { m_skippedTitles.append(title); }

@@ -6,13 +6,13 @@
 #include <QByteArray>
 #include <QString>
 
-// One saved set as a spreadsheet: a row per spot in the set's current order
-// (label, speed in Mbps with two decimals, averaged, averaging seconds, SSID,
-// BSSID, ISO 8601 time in UTC), under a localised header row.
+/// One saved set as a spreadsheet: a row per spot in the set's current order
+/// (label, speed in Mbps with two decimals, averaged, averaging seconds, SSID,
+/// BSSID, ISO 8601 time in UTC), under a localised header row.
 class FZSpotsSetCsvWriter
 {
 public:
-    // An absent set gives the header row alone (logged).
+    /// An absent set gives the header row alone (logged).
     static QByteArray csvForSet(const FZHistoricalResultSpotsSet::Ptr &set);
     static FZReportResult writeSet(const FZHistoricalResultSpotsSet::Ptr &set, const QString &path);
 };

@@ -22,13 +22,13 @@ class TableView;
 struct Notification;
 } // namespace Brightmere
 
-// The list of the run's spots under the test screen's chart: the table's
-// data source and every row's delegate. It renames a spot in place (with the
-// remembered names as suggestions), re-records a spot while its row is held
-// (asking whether to replace it or make a copy), and deletes a swiped spot
-// (asking first), each question skipped once the user made it a standing
-// answer. A spot saved or deleted changes its own row only, so the cost of
-// a save does not grow with the list.
+/// The list of the run's spots under the test screen's chart: the table's
+/// data source and every row's delegate. It renames a spot in place (with the
+/// remembered names as suggestions), re-records a spot while its row is held
+/// (asking whether to replace it or make a copy), and deletes a swiped spot
+/// (asking first), each question skipped once the user made it a standing
+/// answer. A spot saved or deleted changes its own row only, so the cost of
+/// a save does not grow with the list.
 class BMSpotsTableController : public QObject, public Brightmere::TableViewDataSource, public BMSpeedRecordDelegate
 {
     Q_OBJECT
@@ -40,44 +40,44 @@ public:
 
     Brightmere::TableView *table() const { return m_table; }
 
-    // A question's note as rich text: the message, and under it, small and
-    // blue, that the standing answer can be cleared in the settings.
+    /// A question's note as rich text: the message, and under it, small and
+    /// blue, that the standing answer can be cleared in the settings.
     static QString canBeClearedAttributedStringWithMessageString(const QString &message);
 
-    // Every row anew (the run was replaced, or the texts changed).
+    /// Every row anew (the run was replaced, or the texts changed).
     void reloadRecords();
-    // The row of a spot kept at that row: inserted for a new one, shown
-    // anew for one measured again; the list goes back to its top.
+    /// The row of a spot kept at that row: inserted for a new one, shown
+    /// anew for one measured again; the list goes back to its top.
     void showSavedSpot(int row, bool isNew);
-    // The row of a deleted spot fades out; the table leaves editing.
+    /// The row of a deleted spot fades out; the table leaves editing.
     void removeRow(int row);
     void endTableEditing();
-    // The popup asking about a spot goes without an answer, dropping the
-    // measurement it asked about.
+    /// The popup asking about a spot goes without an answer, dropping the
+    /// measurement it asked about.
     void dismissEditPopup();
     FZConfirmSpotModificationPopup *editPopup() const;
-    // Tab goes from this widget on through the spots' names, in list order.
+    /// Tab goes from this widget on through the spots' names, in list order.
     void setTabChainStart(QWidget *widget);
 
-    // A spot's name being typed, the keyboard's size, and how far the list's
-    // bottom moves up to keep its field above the keyboard.
+    /// A spot's name being typed, the keyboard's size, and how far the list's
+    /// bottom moves up to keep its field above the keyboard.
     bool isEditingRecordName() const { return m_isEditingRecordName; }
     QSize keyboardSize() const { return m_keyboardSize; }
     int tblRecordsBottomConstraint() const { return m_tblRecordsBottomConstraint; }
     void keyboardDidShow(const Brightmere::Notification &notification, double adHeight);
     void keyboardWillHide();
 
-    // The table's data source: one section, a row per spot, all swipeable.
+    /// The table's data source: one section, a row per spot, all swipeable.
     int numberOfRowsInSection(Brightmere::TableView *tableView, int section) override;
     Brightmere::TableViewCell *cellForRowAtIndexPath(Brightmere::TableView *tableView,
                                                      const Brightmere::IndexPath &indexPath) override;
     double heightForRowAtIndexPath(Brightmere::TableView *tableView, const Brightmere::IndexPath &indexPath) override;
     bool canEditRowAtIndexPath(Brightmere::TableView *tableView, const Brightmere::IndexPath &indexPath) override;
-    // Deleting goes through didEnterInEditMode and its question.
+    /// Deleting goes through didEnterInEditMode and its question.
     void commitEditingStyle(Brightmere::TableView *tableView, EditingStyle style,
                             const Brightmere::IndexPath &indexPath) override;
 
-    // The rows' reports.
+    /// The rows' reports.
     void didBeginEditingSpeedRecord(BMSpeedRecordCell *cell) override;
     void didEndEditingSpeedRecord(BMSpeedRecordCell *cell) override;
     void didStartTapReRecordView(BMSpeedRecordCell *cell) override;

@@ -2,13 +2,13 @@
 
 class BMWiFiFairzoneTestNotification;
 
-// What a subscriber of BMWiFiFairzoneTestNotification implements. The
-// notification passed in lives only for the call.
+/// What a subscriber of BMWiFiFairzoneTestNotification implements. The
+/// notification passed in lives only for the call.
 class BMWiFiFairzoneTestSubscriber
 {
 public:
     virtual ~BMWiFiFairzoneTestSubscriber() = default;
 
-    // "kWiFiFairzoneTestStarted": the user started a test.
+    /// "kWiFiFairzoneTestStarted": the user started a test.
     virtual void notifyWiFiFairzoneTestStarted(BMWiFiFairzoneTestNotification *notification) = 0;
 };

@@ -22,27 +22,27 @@ class BarButtonItem;
 struct Notification;
 } // namespace Brightmere
 
-// The Fairzone test screen. The host makes it, gives it the customer's name
-// and password and a delegate, and shows it. The screen measures Wi-Fi speed
-// continuously while a test runs, draws each result on a live chart and as a
-// big figure, clicks faster the faster the link is (when the sound is on),
-// and lets the user record spots: holding the record control averages the
-// results into one spot, which joins the list under the chart, where it can
-// be renamed, measured again (replace or copy) and deleted.
-//
-// States: stopped, preparing (started, no result yet), testing, and
-// recording (testing with the record control held). Wi-Fi is checked at
-// start and at every result: a test never runs off Wi-Fi, and what was
-// measured before Wi-Fi went stays.
-//
-// The screen is a front: the test itself lives in a BMWifiTestSession
-// (no widgets), the list of spots in a BMSpotsTableController, saving in a
-// BMSpotsSetSaveFlow, and the widgets in a BMWifiScanView. The screen joins
-// them, keeps the controls' looks in step with the session, and tells the
-// host's delegate what happened.
-//
-// The password is handed to the tester when the screen loads and is then
-// forgotten; it is never written anywhere, logs included.
+/// The Fairzone test screen. The host makes it, gives it the customer's name
+/// and password and a delegate, and shows it. The screen measures Wi-Fi speed
+/// continuously while a test runs, draws each result on a live chart and as a
+/// big figure, clicks faster the faster the link is (when the sound is on),
+/// and lets the user record spots: holding the record control averages the
+/// results into one spot, which joins the list under the chart, where it can
+/// be renamed, measured again (replace or copy) and deleted.
+///
+/// States: stopped, preparing (started, no result yet), testing, and
+/// recording (testing with the record control held). Wi-Fi is checked at
+/// start and at every result: a test never runs off Wi-Fi, and what was
+/// measured before Wi-Fi went stays.
+///
+/// The screen is a front: the test itself lives in a BMWifiTestSession
+/// (no widgets), the list of spots in a BMSpotsTableController, saving in a
+/// BMSpotsSetSaveFlow, and the widgets in a BMWifiScanView. The screen joins
+/// them, keeps the controls' looks in step with the session, and tells the
+/// host's delegate what happened.
+///
+/// The password is handed to the tester when the screen loads and is then
+/// forgotten; it is never written anywhere, logs included.
 class BMWifiScanVC : public BMSDKUIBaseViewController, public BMWifiScanVCEditSpotsSetSetter
 {
     Q_OBJECT
@@ -51,41 +51,41 @@ public:
     explicit BMWifiScanVC(QWidget *parent = nullptr);
     ~BMWifiScanVC() override;
 
-    // Set by the host before the screen is shown.
+    /// Set by the host before the screen is shown.
     QString sdkCustomer() const { return m_sdkCustomer; }
     void setSdkCustomer(const QString &customer) { m_sdkCustomer = customer; }
-    // Used once, when the screen loads; no getter on purpose.
+    /// Used once, when the screen loads; no getter on purpose.
     void setSdkPassword(const QString &password);
-    // Held weakly; must be a QObject (anything else is refused with a log line).
+    /// Held weakly; must be a QObject (anything else is refused with a log line).
     BMWifiScanVCDelegate *fzDelegate() const;
     void setFzDelegate(BMWifiScanVCDelegate *delegate);
-    // Height of the host's advertisement strip at the bottom of the window.
+    /// Height of the host's advertisement strip at the bottom of the window.
     double adHeight() const { return m_adHeight; }
     void setAdHeight(double height) { m_adHeight = height; }
-    // Loaded at the next appearance, replacing the run.
+    /// Loaded at the next appearance, replacing the run.
     FZHistoricalResultSpotsSet::Ptr spotsSetToEdit() const { return m_spotsSetToEdit; }
     void setSpotsSetToEdit(const FZHistoricalResultSpotsSet::Ptr &spotsSet) override;
 
-    // Everything that marks recording: "70BE7B".
+    /// Everything that marks recording: "70BE7B".
     static QColor recordingColor();
-    // The framework's image of that name; none for an empty name.
+    /// The framework's image of that name; none for an empty name.
     static QIcon imageNamed(const QString &name);
-    // The confirmation note as rich text: the message, and under it the
-    // settings hint small and blue.
+    /// The confirmation note as rich text: the message, and under it the
+    /// settings hint small and blue.
     static QString canBeClearedAttributedStringWithMessageString(const QString &message);
 
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
     void refreshUITexts() override;
-    // The spot rows carry texts too ("Mbps", the averaging note).
+    /// The spot rows carry texts too ("Mbps", the averaging note).
     void textsDidChange() override;
 
-    // The parts the screen is made of. The spots table exists once the
-    // screen has loaded; the others from the start.
+    /// The parts the screen is made of. The spots table exists once the
+    /// screen has loaded; the others from the start.
     BMWifiTestSession *session() const { return m_session; }
     BMSpotsTableController *spotsTable() const { return m_spotsTable; }
     BMSpotsSetSaveFlow *saveFlow() const { return m_saveFlow; }
 
-    // The test.
+    /// The test.
     void startTesting();
     void stopTesting() { m_session->stopTesting(); }
     void reloadPlot();
@@ -98,7 +98,7 @@ public:
     void startSound() { m_session->startSound(); }
     void playSound() { m_session->playSound(); }
 
-    // What the controls do.
+    /// What the controls do.
     void actStartStop();
     void actRecordResetTouchDown();
     void actRecordResetTouchUpInside() { actRecordResetTouchUp(true); }
@@ -106,14 +106,14 @@ public:
     void actRecordResetTouchUp(bool inside);
     void actSoundOnOff();
     void menuButtonTapped();
-    // The speed as readers hear it, at most once a second unless atOnce
-    // (a stop or a reset shows 0.0 at once).
+    /// The speed as readers hear it, at most once a second unless atOnce
+    /// (a stop or a reset shows 0.0 at once).
     void announceSpeed(double shown, bool atOnce = false);
     void leftMenuBtnTapped();
-    // The history control on the bar: the saving menu.
+    /// The history control on the bar: the saving menu.
     virtual void menuHistoricalResultsTapped();
 
-    // Saving the run as a spots set (see BMSpotsSetSaveFlow).
+    /// Saving the run as a spots set (see BMSpotsSetSaveFlow).
     void showHistoricalResultsOptions(QObject *) { m_saveFlow->showHistoricalResultsOptions(); }
     void showSaveCurrentSpotSetScreen() { m_saveFlow->showSaveCurrentSpotSetScreen(); }
     void saveCurrentSpotSet() { m_saveFlow->saveCurrentSpotSet(); }
@@ -124,10 +124,10 @@ public:
         m_saveFlow->showSpotsSetAlreadyExistsDialogWithName(name);
     }
     void showSavedSpots() { m_saveFlow->showSavedSpots(); }
-    // The title field while the title prompt is open; null otherwise.
+    /// The title field while the title prompt is open; null otherwise.
     QLineEdit *spotNameTextField() const { return m_saveFlow->spotNameTextField(); }
 
-    // Recording spots (see BMWifiTestSession).
+    /// Recording spots (see BMWifiTestSession).
     void startRecording() { m_session->startRecording(); }
     void stopRecording() { m_session->stopRecording(); }
     void saveRecordAndStopRecording() { m_session->saveRecordAndStopRecording(); }
@@ -145,7 +145,7 @@ public:
     bool setupForEditIfNeeded();
     void deleteRecord(const WifiTestResult::Ptr &record) { m_session->deleteRecord(record); }
 
-    // The tutorial (see BMWifiScanView).
+    /// The tutorial (see BMWifiScanView).
     void setupTutorial();
     void removeTutorial();
     void scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView)
@@ -158,14 +158,14 @@ public:
     }
     void pageControlValueChanged() { m_view->pageControlValueChanged(); }
 
-    // The platform's notifications.
+    /// The platform's notifications.
     void keyboardDidShow(const Brightmere::Notification &notification);
     void keyboardWillHide(const Brightmere::Notification &notification);
     void appWillResignActive(const Brightmere::Notification &notification);
     void appDidBecomeActive(const Brightmere::Notification &notification);
     void applicationDidEnterBackground(const Brightmere::Notification &notification);
 
-    // The tester's and reachability's reports go to the session.
+    /// The tester's and reachability's reports go to the session.
     void wiFiTesterDidFinishSetupWithError(BMWiFiTester *tester, const std::optional<BMError> &error)
     {
         m_session->wiFiTesterDidFinishSetupWithError(tester, error);
@@ -183,7 +183,7 @@ public:
         m_session->reachabilityHasChanged(status, withBSSID, withSSID);
     }
 
-    // The spot rows' reports and the spots table go to the spots table.
+    /// The spot rows' reports and the spots table go to the spots table.
     void didBeginEditingSpeedRecord(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
@@ -215,7 +215,7 @@ public:
             m_spotsTable->didEnterInEditMode(cell);
     }
 
-    // The screen's views; null until the screen has loaded.
+    /// The screen's views; null until the screen has loaded.
     Brightmere::ScrollView *contentScrollView() const { return m_contentScrollView; }
     QWidget *viewBordered() const { return m_view ? m_view->viewBordered() : nullptr; }
     QWidget *viewPlotHolderContainer() const { return m_view ? m_view->viewPlotHolderContainer() : nullptr; }
@@ -237,8 +237,8 @@ public:
     Brightmere::BarButtonItem *menuButton() const { return m_menuItem; }
     Brightmere::BarButtonItem *historyButton() const { return m_historyItem; }
 
-    // The name of the image a view shows now ("buttonStop.png"), as set by
-    // the screen; empty when none.
+    /// The name of the image a view shows now ("buttonStop.png"), as set by
+    /// the screen; empty when none.
     static QString imageNameOf(const QWidget *view) { return BMWifiScanView::imageNameOf(view); }
 
 protected:

@@ -3,7 +3,7 @@
 #include <QMetaObject>
 #include <QString>
 
-// A screen as the host's analytics see it: the name it reports and its class.
+/// A screen as the host's analytics see it: the name it reports and its class.
 class BMGAScreenClass
 {
 public:
@@ -12,7 +12,7 @@ public:
 
     QString screenName() const { return m_screenName; }
     void setScreenName(const QString &screenName) { m_screenName = screenName; }
-    // Null when no class was given.
+    /// Null when no class was given.
     const QMetaObject *screenClass() const { return m_screenClass; }
     void setScreenClass(const QMetaObject *screenClass) { m_screenClass = screenClass; }
 

@@ -14,16 +14,16 @@ class BarButtonItem;
 class Clock;
 }
 
-// The screen every screen of the kit derives from. Each appearance posts one
-// "kScreenChange" with the screen's analytics name and class before the
-// screen's own appearance work (a subclass calls this class's
-// viewWillAppear first), shows the status bar and re-reads the texts.
-// refreshUITexts also runs on every layout pass and when the language or
-// the downloaded texts change, so it must be cheap and idempotent.
-//
-// The alert helpers may be called from any thread: the alert is built and
-// presented on the main thread after the current work, and not at all when
-// the screen is gone by then (its handlers are then never called).
+/// The screen every screen of the kit derives from. Each appearance posts one
+/// "kScreenChange" with the screen's analytics name and class before the
+/// screen's own appearance work (a subclass calls this class's
+/// viewWillAppear first), shows the status bar and re-reads the texts.
+/// refreshUITexts also runs on every layout pass and when the language or
+/// the downloaded texts change, so it must be cheap and idempotent.
+///
+/// The alert helpers may be called from any thread: the alert is built and
+/// presented on the main thread after the current work, and not at all when
+/// the screen is gone by then (its handlers are then never called).
 class BMSDKUIBaseViewController : public Brightmere::ViewController,
                                   private BMLanguageChangeSubscriber,
                                   private BMI18NNotificationSubscriber
@@ -31,7 +31,7 @@ class BMSDKUIBaseViewController : public Brightmere::ViewController,
     Q_OBJECT
 
 public:
-    // The platform's status-bar styles; the kit's screens are light on dark.
+    /// The platform's status-bar styles; the kit's screens are light on dark.
     enum StatusBarStyle { StatusBarStyleDefault = 0, StatusBarStyleLightContent = 1 };
 
     explicit BMSDKUIBaseViewController(QWidget *parent = nullptr);
@@ -41,16 +41,16 @@ public:
     void setStatusBarHidden(bool hidden);
     virtual bool prefersStatusBarHidden() const { return m_statusBarHidden; }
     virtual int preferredStatusBarStyle() const { return StatusBarStyleLightContent; }
-    // Asks the window to read the status-bar wishes again.
+    /// Asks the window to read the status-bar wishes again.
     void setNeedsStatusBarAppearanceUpdate();
 
-    // "BMBaseViewController" and the screen's class; screens give their own name.
+    /// "BMBaseViewController" and the screen's class; screens give their own name.
     virtual BMGAScreenClass screenNameAndClassForEventTracker() const;
 
-    // Sets every visible text from the localisation manager; nothing here.
+    /// Sets every visible text from the localisation manager; nothing here.
     virtual void refreshUITexts() {}
 
-    // Kept for screens that ask for it: logs, and changes nothing.
+    /// Kept for screens that ask for it: logs, and changes nothing.
     void setScreenBackground(bool background);
 
     void showLoading();
@@ -60,8 +60,8 @@ public:
     void setNavigationBarTransparent();
     void resetNavigationBarToDefault();
 
-    // The uppermost screen of the navigation stack that is of the class or
-    // a subclass; null when none is or the screen is in no stack.
+    /// The uppermost screen of the navigation stack that is of the class or
+    /// a subclass; null when none is or the screen is in no stack.
     ViewController *findViewControllerOfClass(const QMetaObject &cls) const;
     template<typename T>
     T *findViewControllerOfClass() const
@@ -69,14 +69,14 @@ public:
         return static_cast<T *>(findViewControllerOfClass(T::staticMetaObject));
     }
 
-    // A 200 x 44 title view with the text in bold white, centred, shrunk to fit.
+    /// A 200 x 44 title view with the text in bold white, centred, shrunk to fit.
     void prepareHeaderViewForTitle(const QString &title);
-    // The kit's "iconBack" arrow in place of the bar's own back button.
+    /// The kit's "iconBack" arrow in place of the bar's own back button.
     void replaceNativeBackButton();
     void backAction(QObject *sender);
 
-    // True, with the localised "no connection" alert, when the network
-    // cannot be reached; false, showing nothing, otherwise.
+    /// True, with the localised "no connection" alert, when the network
+    /// cannot be reached; false, showing nothing, otherwise.
     bool showNoConnectivity();
 
     void alertControllerWithTitle(const QString &title, const QString &message);
@@ -85,13 +85,13 @@ public:
     void alertControllerWithTitleOnOK(const QString &title, const QString &message, BMSDKUIAlertView::Handler onOK);
     void alertControllerWithTitle(const QString &title, const QString &message,
                                   const QList<Brightmere::AlertAction> &actions);
-    // An alert without buttons, closed after the given seconds; onFinish runs
-    // once it is gone (not when something else closed it first).
+    /// An alert without buttons, closed after the given seconds; onFinish runs
+    /// once it is gone (not when something else closed it first).
     void alertControllerWithTitleForSeconds(const QString &title, const QString &message, float seconds,
                                             BMSDKUIAlertView::Handler onFinish);
 
-    // The clock that times the timed alert; the system clock unless set.
-    // The clock must outlive the alerts it times.
+    /// The clock that times the timed alert; the system clock unless set.
+    /// The clock must outlive the alerts it times.
     void setClock(Brightmere::Clock *clock);
 
 Q_SIGNALS:
@@ -101,8 +101,8 @@ protected:
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
     void viewWillLayoutSubviews() override;
-    // The language or the downloaded texts changed while the view is loaded.
-    // refreshUITexts() unless a screen also has rows or cells to redraw.
+    /// The language or the downloaded texts changed while the view is loaded.
+    /// refreshUITexts() unless a screen also has rows or cells to redraw.
     virtual void textsDidChange() { refreshUITexts(); }
 
 private:

@@ -6,15 +6,15 @@
 
 inline constexpr char kScreenChange[] = "kScreenChange";
 
-// The keys of a screen change's properties. In the properties map each key
-// is the number's decimal text: "2" holds the screen's name (a QString),
-// "1" its class (a const QMetaObject *).
+/// The keys of a screen change's properties. In the properties map each key
+/// is the number's decimal text: "2" holds the screen's name (a QString),
+/// "1" its class (a const QMetaObject *).
 inline constexpr int kBMScreenChangeNotificationName = 2;
 inline constexpr int kBMScreenChangeNotificationClass = 1;
 
-// Posted on the main thread each time a screen of the kit is about to
-// appear, before the screen's own appearance work, so a host's analytics
-// count every screen view once.
+/// Posted on the main thread each time a screen of the kit is about to
+/// appear, before the screen's own appearance work, so a host's analytics
+/// count every screen view once.
 class BMScreenChangeNotification : public BMBaseNotification
 {
     Q_OBJECT
@@ -22,14 +22,14 @@ class BMScreenChangeNotification : public BMBaseNotification
 public:
     BMScreenChangeNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
-    // Registers notifyScreenChange for "kScreenChange"; subscribing again
-    // replaces the earlier registration.
+    /// Registers notifyScreenChange for "kScreenChange"; subscribing again
+    /// replaces the earlier registration.
     static void subscribe(BMScreenChangeSubscriber *subscriber);
     static void unsubscribe(BMScreenChangeSubscriber *subscriber);
 
     static void postScreenChange(const BMGAScreenClass &screen);
 
-    // The two entries, read back; empty or null when missing.
+    /// The two entries, read back; empty or null when missing.
     QString screenName() const;
     const QMetaObject *screenClass() const;
 };

@@ -2,13 +2,13 @@
 
 class BMScreenChangeNotification;
 
-// What a subscriber of BMScreenChangeNotification implements. The
-// notification passed in lives only for the call.
+/// What a subscriber of BMScreenChangeNotification implements. The
+/// notification passed in lives only for the call.
 class BMScreenChangeSubscriber
 {
 public:
     virtual ~BMScreenChangeSubscriber() = default;
 
-    // "kScreenChange": a screen of the kit is about to appear.
+    /// "kScreenChange": a screen of the kit is about to appear.
     virtual void notifyScreenChange(BMScreenChangeNotification *notification) = 0;
 };

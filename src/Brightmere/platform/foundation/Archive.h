@@ -9,29 +9,29 @@
 
 namespace Brightmere {
 
-// Keyed archiving on this platform: a value written with QDataStream behind a
-// fixed header (magic, archive format version, body length and a digest of
-// the body). Reading checks the header before a single byte of the body is
-// parsed, so a truncated, foreign or garbled blob is refused with an error
-// and never yields a partial object.
+/// Keyed archiving on this platform: a value written with QDataStream behind a
+/// fixed header (magic, archive format version, body length and a digest of
+/// the body). Reading checks the header before a single byte of the body is
+/// parsed, so a truncated, foreign or garbled blob is refused with an error
+/// and never yields a partial object.
 class Archive
 {
 public:
-    static constexpr quint32 kMagic = 0x424D4152; // "BMAR"
+    static constexpr quint32 kMagic = 0x424D4152; ///< "BMAR"
     static constexpr quint16 kFormatVersion = 1;
     static constexpr QDataStream::Version kStreamVersion = QDataStream::Qt_6_0;
 
     enum class Error {
         None,
-        Empty,         // no bytes at all
-        Foreign,       // not an archive of ours (wrong magic)
-        FutureVersion, // written by a newer format than this build reads
-        Truncated,     // shorter than its header says
-        Corrupt,       // digest mismatch, trailing bytes, or a body that does not parse
+        Empty,         ///< no bytes at all
+        Foreign,       ///< not an archive of ours (wrong magic)
+        FutureVersion, ///< written by a newer format than this build reads
+        Truncated,     ///< shorter than its header says
+        Corrupt,       ///< digest mismatch, trailing bytes, or a body that does not parse
     };
 
     using Writer = std::function<void(QDataStream &)>;
-    // Reads the body; returns false when the content makes no sense.
+    /// Reads the body; returns false when the content makes no sense.
     using Reader = std::function<bool(QDataStream &)>;
 
     static QByteArray write(const Writer &body);

@@ -13,29 +13,29 @@
 
 namespace Brightmere {
 
-// The user-defaults store: whole values under string keys, kept in an INI
-// file. `standard()` is the process-wide store; its file defaults to
-// "BrightmereDefaults.ini" in the application's config folder and can be
-// moved by the host or a test with setStandardFilePath().
-//
-// A binary value larger than kLargeValueBytes lives in a file of its own in
-// the folder "<file>.values" beside the INI, which holds a reference to it;
-// readers get the bytes as before. So the INI stays small: writing or first
-// reading any preference costs the same however large the saved runs grow.
-//
-// What is set is seen by this instance at once and reaches the file (and
-// other instances and processes) with synchronize(). A write puts every new
-// large value in a new file first, then replaces the INI whole (a new file
-// renamed over the old one), then removes the value files the INI no longer
-// refers to: a reader after a crash at any moment finds the INI of the last
-// write or of the one before, with every file it refers to. Writers, threads
-// and processes alike, take turns through the lock file "<file>.lock". A
-// file that holds large values inline, as earlier versions wrote them, moves
-// to this layout when it is opened. Safe to use from any thread.
+/// The user-defaults store: whole values under string keys, kept in an INI
+/// file. `standard()` is the process-wide store; its file defaults to
+/// "BrightmereDefaults.ini" in the application's config folder and can be
+/// moved by the host or a test with setStandardFilePath().
+///
+/// A binary value larger than kLargeValueBytes lives in a file of its own in
+/// the folder "<file>.values" beside the INI, which holds a reference to it;
+/// readers get the bytes as before. So the INI stays small: writing or first
+/// reading any preference costs the same however large the saved runs grow.
+///
+/// What is set is seen by this instance at once and reaches the file (and
+/// other instances and processes) with synchronize(). A write puts every new
+/// large value in a new file first, then replaces the INI whole (a new file
+/// renamed over the old one), then removes the value files the INI no longer
+/// refers to: a reader after a crash at any moment finds the INI of the last
+/// write or of the one before, with every file it refers to. Writers, threads
+/// and processes alike, take turns through the lock file "<file>.lock". A
+/// file that holds large values inline, as earlier versions wrote them, moves
+/// to this layout when it is opened. Safe to use from any thread.
 class UserDefaults
 {
 public:
-    // Larger binary values are kept in files of their own.
+    /// Larger binary values are kept in files of their own.
     static constexpr qsizetype kLargeValueBytes = 4096;
 
     explicit UserDefaults(const QString &filePath);
@@ -46,17 +46,17 @@ public:
     static UserDefaults &standard();
     static void setStandardFilePath(const QString &filePath);
     static QString defaultStandardFilePath();
-    // Where the large values of a defaults file live.
+    /// Where the large values of a defaults file live.
     static QString valuesFolderPath(const QString &filePath);
-    // Copies a defaults file and its large values to another path, replacing
-    // what was there: the copy opens as the original does.
+    /// Copies a defaults file and its large values to another path, replacing
+    /// what was there: the copy opens as the original does.
     static bool copyFile(const QString &fromFilePath, const QString &toFilePath);
 
     QString filePath() const;
-    // Moves this store to another file; what was not synchronised is written first.
+    /// Moves this store to another file; what was not synchronised is written first.
     void setFilePath(const QString &filePath);
 
-    // An invalid QVariant means the key holds nothing.
+    /// An invalid QVariant means the key holds nothing.
     QVariant objectForKey(const QString &key) const;
     void setObject(const QVariant &value, const QString &key);
     void removeObjectForKey(const QString &key);
@@ -69,26 +69,26 @@ public:
     void setInteger(qint64 value, const QString &key);
     double doubleForKey(const QString &key) const;
     void setDouble(double value, const QString &key);
-    // A null QString when the key holds nothing.
+    /// A null QString when the key holds nothing.
     QString stringForKey(const QString &key) const;
     QStringList stringArrayForKey(const QString &key) const;
     QByteArray dataForKey(const QString &key) const;
     void setData(const QByteArray &value, const QString &key);
     QVariantMap dictionaryForKey(const QString &key) const;
 
-    // Writes what was set to the file and reads what others wrote; false (and
-    // a log line) when the file cannot be read or written. A failed write is
-    // not a save: what it would have written is dropped, and this instance
-    // reads what the file holds. A lock file left empty by a writer that died
-    // while taking it is removed (with a log line, after a second's grace)
-    // rather than waited out.
+    /// Writes what was set to the file and reads what others wrote; false (and
+    /// a log line) when the file cannot be read or written. A failed write is
+    /// not a save: what it would have written is dropped, and this instance
+    /// reads what the file holds. A lock file left empty by a writer that died
+    /// while taking it is removed (with a log line, after a second's grace)
+    /// rather than waited out.
     bool synchronize();
 
-    // Runs change while no other writer, in this process or another, can
-    // write the file: what others wrote is read first, and what change sets
-    // is written before the lock is let go. False when the lock could not be
-    // had (change does not run), when change returns false, or when the
-    // write fails. change may synchronize itself, and may nest.
+    /// Runs change while no other writer, in this process or another, can
+    /// write the file: what others wrote is read first, and what change sets
+    /// is written before the lock is let go. False when the lock could not be
+    /// had (change does not run), when change returns false, or when the
+    /// write fails. change may synchronize itself, and may nest.
     bool modifyExclusively(const std::function<bool()> &change);
 
 private:

@@ -6,8 +6,8 @@
 
 namespace Brightmere {
 
-// One button of an alert: its title, its style and what pressing it does.
-// The handler runs after the alert has closed.
+/// One button of an alert: its title, its style and what pressing it does.
+/// The handler runs after the alert has closed.
 class AlertAction
 {
 public:

@@ -8,9 +8,9 @@
 
 namespace Brightmere {
 
-// A button of the navigation bar: a title or an icon and the action a tap
-// runs. The bar draws it; the item only describes it, so a screen can change
-// it at any time and the bar follows.
+/// A button of the navigation bar: a title or an icon and the action a tap
+/// runs. The bar draws it; the item only describes it, so a screen can change
+/// it at any time and the bar follows.
 class BarButtonItem : public QObject
 {
     Q_OBJECT
@@ -31,14 +31,14 @@ public:
     void setStyle(Style style);
     bool isEnabled() const { return m_enabled; }
     void setEnabled(bool enabled);
-    // What assistive tools call the button, where the title does not say it
-    // (an icon alone); empty: the title.
+    /// What assistive tools call the button, where the title does not say it
+    /// (an icon alone); empty: the title.
     QString accessibleName() const { return m_accessibleName; }
     void setAccessibleName(const QString &name);
     Action action() const { return m_action; }
     void setAction(Action action);
 
-    // Runs the action as a tap does; nothing while disabled.
+    /// Runs the action as a tap does; nothing while disabled.
     void trigger();
 
 Q_SIGNALS:

@@ -4,8 +4,8 @@
 
 namespace Brightmere {
 
-// A row's place in a TableView: its section and its row within the section.
-// The default value (row -1) stands for "no row".
+/// A row's place in a TableView: its section and its row within the section.
+/// The default value (row -1) stands for "no row".
 class IndexPath
 {
 public:

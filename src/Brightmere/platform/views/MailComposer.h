@@ -8,10 +8,10 @@
 
 namespace Brightmere {
 
-// The mail composer: a plain-text mail handed to the system's mail program
-// as a mailto: URL. Addresses, subject and body are percent-encoded as
-// UTF-8; line breaks in the body travel as CRLF ("%0D%0A"), and a subject
-// is kept to one line.
+/// The mail composer: a plain-text mail handed to the system's mail program
+/// as a mailto: URL. Addresses, subject and body are percent-encoded as
+/// UTF-8; line breaks in the body travel as CRLF ("%0D%0A"), and a subject
+/// is kept to one line.
 class MailComposer : public QObject
 {
     Q_OBJECT
@@ -20,13 +20,13 @@ public:
     enum class Result { Cancelled, Saved, Sent, Failed };
     Q_ENUM(Result)
 
-    // Opens a URL; true when something took it.
+    /// Opens a URL; true when something took it.
     using Opener = std::function<bool(const QUrl &)>;
 
     explicit MailComposer(QObject *parent = nullptr);
 
-    // True when this system has a program for mailto: URLs. Never fails
-    // loudly: anything that goes wrong while asking means false.
+    /// True when this system has a program for mailto: URLs. Never fails
+    /// loudly: anything that goes wrong while asking means false.
     static bool canSendMail();
 
     QStringList toRecipients() const { return m_recipients; }
@@ -39,11 +39,11 @@ public:
     QUrl mailtoUrl() const;
     static QUrl mailtoUrl(const QStringList &recipients, const QString &subject, const QString &body);
 
-    // Hands the mail over; Sent when the mail program took it, else Failed.
-    // finished() follows with the same result.
+    /// Hands the mail over; Sent when the mail program took it, else Failed.
+    /// finished() follows with the same result.
     Result present();
 
-    // Replaces the opener (QDesktopServices::openUrl); an empty one restores it.
+    /// Replaces the opener (QDesktopServices::openUrl); an empty one restores it.
     static void setOpener(Opener opener);
 
 Q_SIGNALS:

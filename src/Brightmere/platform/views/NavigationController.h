@@ -13,22 +13,22 @@ namespace Brightmere {
 class NavigationBar;
 class ViewController;
 
-// A stack of screens under a navigation bar. It owns the controllers on its
-// stack and drives their lifecycle in the platform's order:
-//
-//   push:        new did load (once), old will disappear, new will appear,
-//                old did disappear, new did appear
-//   pop:         top will disappear, new top will appear, top did
-//                disappear, new top did appear
-//   pop to root: as pop, with only the top and the root told; the screens
-//                in between leave silently
-//
-// The top controller appears when this widget is shown and disappears when
-// it is hidden; while hidden, pushes and pops change the stack only. Popped
-// controllers are released (deleteLater) after their did disappear. The
-// animated flag is passed through; transitions are instant. A push or pop
-// asked for from inside a lifecycle call runs once the current transition
-// has finished.
+/// A stack of screens under a navigation bar. It owns the controllers on its
+/// stack and drives their lifecycle in the platform's order:
+///
+///   push:        new did load (once), old will disappear, new will appear,
+///                old did disappear, new did appear
+///   pop:         top will disappear, new top will appear, top did
+///                disappear, new top did appear
+///   pop to root: as pop, with only the top and the root told; the screens
+///                in between leave silently
+///
+/// The top controller appears when this widget is shown and disappears when
+/// it is hidden; while hidden, pushes and pops change the stack only. Popped
+/// controllers are released (deleteLater) after their did disappear. The
+/// animated flag is passed through; transitions are instant. A push or pop
+/// asked for from inside a lifecycle call runs once the current transition
+/// has finished.
 class NavigationController : public QWidget
 {
     Q_OBJECT
@@ -38,8 +38,8 @@ public:
     ~NavigationController() override;
 
     void pushViewController(ViewController *viewController, bool animated);
-    // Each returns what left the stack (nothing at the root, or when the
-    // call had to wait for a running transition).
+    /// Each returns what left the stack (nothing at the root, or when the
+    /// call had to wait for a running transition).
     ViewController *popViewControllerAnimated(bool animated);
     QList<ViewController *> popToRootViewControllerAnimated(bool animated);
     QList<ViewController *> popToViewController(ViewController *viewController, bool animated);
@@ -57,14 +57,14 @@ protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    // Tab goes through the bar's buttons left to right, then the top
-    // screen's controls in the screen's own order, then on to whatever
-    // follows the controller in its window. A table's rows come in row
-    // order, and a row out of view is scrolled in as Tab reaches it.
+    /// Tab goes through the bar's buttons left to right, then the top
+    /// screen's controls in the screen's own order, then on to whatever
+    /// follows the controller in its window. A table's rows come in row
+    /// order, and a row out of view is scrolled in as Tab reaches it.
     bool focusNextPrevChild(bool next) override;
-    // Escape, Alt+Left and the platform's Back key do what the bar's back
-    // control does (Escape only where no control or overlay took it);
-    // Enter presses the focused button.
+    /// Escape, Alt+Left and the platform's Back key do what the bar's back
+    /// control does (Escape only where no control or overlay took it);
+    /// Enter presses the focused button.
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

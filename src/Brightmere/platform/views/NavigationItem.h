@@ -11,14 +11,14 @@ namespace Brightmere {
 
 class BarButtonItem;
 
-// What the navigation bar shows while its controller is on top: a title (or
-// a custom title widget), a left button, right buttons and whether the back
-// button is suppressed. Every change emits changed(), so the bar follows.
-//
-// Ownership: a title widget is adopted (deleted when replaced or with the
-// item). A bar button item without a parent is adopted the same way; one
-// that already has a parent stays its parent's, so a screen can keep its
-// items and swap them in and out.
+/// What the navigation bar shows while its controller is on top: a title (or
+/// a custom title widget), a left button, right buttons and whether the back
+/// button is suppressed. Every change emits changed(), so the bar follows.
+///
+/// Ownership: a title widget is adopted (deleted when replaced or with the
+/// item). A bar button item without a parent is adopted the same way; one
+/// that already has a parent stays its parent's, so a screen can keep its
+/// items and swap them in and out.
 class NavigationItem : public QObject
 {
     Q_OBJECT
@@ -36,14 +36,14 @@ public:
     BarButtonItem *leftBarButtonItem() const;
     void setLeftBarButtonItem(BarButtonItem *item);
 
-    // The first item is the rightmost, as the platform orders them.
+    /// The first item is the rightmost, as the platform orders them.
     QList<BarButtonItem *> rightBarButtonItems() const;
     void setRightBarButtonItems(const QList<BarButtonItem *> &items);
     BarButtonItem *rightBarButtonItem() const;
     void setRightBarButtonItem(BarButtonItem *item);
 
-    // What assistive tools call the back button that leads to this item
-    // ("Back to ..."); empty: the title.
+    /// What assistive tools call the back button that leads to this item
+    /// ("Back to ..."); empty: the title.
     QString backAccessibleName() const { return m_backAccessibleName; }
     void setBackAccessibleName(const QString &name);
 

@@ -11,9 +11,9 @@ namespace Brightmere {
 
 class ViewController;
 
-// The registry of segues: an identifier and the factory that creates its
-// destination. Screens name identifiers only; the one place that knows every
-// screen registers them, so screens never include each other.
+/// The registry of segues: an identifier and the factory that creates its
+/// destination. Screens name identifiers only; the one place that knows every
+/// screen registers them, so screens never include each other.
 class Storyboard : public QObject
 {
     Q_OBJECT
@@ -23,17 +23,17 @@ public:
 
     explicit Storyboard(QObject *parent = nullptr);
 
-    // The registry shared by the process.
+    /// The registry shared by the process.
     static Storyboard *main();
 
-    // Registering an identifier again replaces its factory.
+    /// Registering an identifier again replaces its factory.
     void registerSegue(const QString &identifier, Factory factory);
     void unregisterSegue(const QString &identifier);
     bool hasSegue(const QString &identifier) const;
     QStringList segueIdentifiers() const;
 
-    // A new destination for the identifier, or null (logged) when the
-    // identifier is unknown or its factory made nothing.
+    /// A new destination for the identifier, or null (logged) when the
+    /// identifier is unknown or its factory made nothing.
     ViewController *instantiateDestination(const QString &identifier) const;
 
 private:

@@ -7,9 +7,9 @@ namespace Brightmere {
 class TableView;
 class TableViewCell;
 
-// What a TableView asks of the screen that fills it: its rows, their
-// heights, and what happens when the user picks or edits one. Only the row
-// count and the row itself must be given.
+/// What a TableView asks of the screen that fills it: its rows, their
+/// heights, and what happens when the user picks or edits one. Only the row
+/// count and the row itself must be given.
 class TableViewDataSource
 {
 public:
@@ -19,12 +19,12 @@ public:
 
     virtual int numberOfSectionsInTableView(TableView *tableView);
     virtual int numberOfRowsInSection(TableView *tableView, int section) = 0;
-    // The row to show; usually one from dequeueReusableCellWithIdentifier,
-    // set up for this index. The table takes ownership.
+    /// The row to show; usually one from dequeueReusableCellWithIdentifier,
+    /// set up for this index. The table takes ownership.
     virtual TableViewCell *cellForRowAtIndexPath(TableView *tableView, const IndexPath &indexPath) = 0;
-    // The table's rowHeight unless given.
+    /// The table's rowHeight unless given.
     virtual double heightForRowAtIndexPath(TableView *tableView, const IndexPath &indexPath);
-    // Whether a swipe may put the row into editing; false unless given.
+    /// Whether a swipe may put the row into editing; false unless given.
     virtual bool canEditRowAtIndexPath(TableView *tableView, const IndexPath &indexPath);
     virtual void commitEditingStyle(TableView *tableView, EditingStyle style, const IndexPath &indexPath);
     virtual void didSelectRowAtIndexPath(TableView *tableView, const IndexPath &indexPath);

@@ -14,12 +14,12 @@ class NavigationItem;
 class Storyboard;
 class StoryboardSegue;
 
-// A screen: a widget with the phone platform's lifecycle. viewDidLoad runs
-// exactly once, before the first appearance (or on loadViewIfNeeded()); the
-// appearance calls come in will/did pairs from the container that shows the
-// controller: its navigation controller, or, for a controller outside any
-// navigation controller, its own showing and hiding. viewWillLayoutSubviews
-// runs on every layout pass (a resize or a layout request) of a loaded view.
+/// A screen: a widget with the phone platform's lifecycle. viewDidLoad runs
+/// exactly once, before the first appearance (or on loadViewIfNeeded()); the
+/// appearance calls come in will/did pairs from the container that shows the
+/// controller: its navigation controller, or, for a controller outside any
+/// navigation controller, its own showing and hiding. viewWillLayoutSubviews
+/// runs on every layout pass (a resize or a layout request) of a loaded view.
 class ViewController : public QWidget
 {
     Q_OBJECT
@@ -36,30 +36,30 @@ public:
     NavigationController *navigationController() const;
     NavigationItem *navigationItem() const { return m_navigationItem; }
 
-    // Setting the title also titles the navigation item.
+    /// Setting the title also titles the navigation item.
     QString title() const { return m_title; }
     void setTitle(const QString &title);
 
-    // The registry this controller's segues are looked up in; the shared one
-    // unless set. A destination made by a segue inherits its source's.
+    /// The registry this controller's segues are looked up in; the shared one
+    /// unless set. A destination made by a segue inherits its source's.
     Storyboard *storyboard() const;
     void setStoryboard(Storyboard *storyboard);
 
-    // Looks the identifier up, creates the destination, lets this controller
-    // prepare it and pushes it on this controller's navigation controller.
-    // An unknown identifier or a controller outside any navigation
-    // controller is logged and nothing happens.
+    /// Looks the identifier up, creates the destination, lets this controller
+    /// prepare it and pushes it on this controller's navigation controller.
+    /// An unknown identifier or a controller outside any navigation
+    /// controller is logged and nothing happens.
     void performSegueWithIdentifier(const QString &identifier, QObject *sender);
 
-    // Shows the alert over this controller's window; the window owns it from
-    // then on and it deletes itself once dismissed. One alert at a time: a
-    // second one while the first is shown is logged and dropped.
+    /// Shows the alert over this controller's window; the window owns it from
+    /// then on and it deletes itself once dismissed. One alert at a time: a
+    /// second one while the first is shown is logged and dropped.
     void presentAlert(Alert *alert, bool animated, std::function<void()> completion = {});
     Alert *presentedAlert() const;
 
-    // The appearance calls, for containers. Each begin is matched by an end;
-    // repeated or out-of-order calls are ignored, so a controller never
-    // appears twice in a row.
+    /// The appearance calls, for containers. Each begin is matched by an end;
+    /// repeated or out-of-order calls are ignored, so a controller never
+    /// appears twice in a row.
     void beginAppearanceTransition(bool isAppearing, bool animated);
     void endAppearanceTransition();
     Appearance appearance() const { return m_appearance; }

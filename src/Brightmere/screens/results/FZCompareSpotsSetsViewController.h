@@ -12,13 +12,13 @@ namespace Brightmere {
 class Switch;
 }
 
-// Two saved sets side by side, one row per spot name; sortable by name, with
-// a switch that hides the rows measured alike in both sets.
-//
-// The heading of column 1 names the comparison's set index 0 and that of
-// column 2 its index 1, and the comparison answers index 1 with the first
-// set: so column 1 is headed by the second set's name while its cells hold
-// the first set's records. Hosts rely on that order; it stays.
+/// Two saved sets side by side, one row per spot name; sortable by name, with
+/// a switch that hides the rows measured alike in both sets.
+///
+/// The heading of column 1 names the comparison's set index 0 and that of
+/// column 2 its index 1, and the comparison answers index 1 with the first
+/// set: so column 1 is headed by the second set's name while its cells hold
+/// the first set's records. Hosts rely on that order; it stays.
 class FZCompareSpotsSetsViewController : public FZBaseCollectionViewController
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ class FZCompareSpotsSetsViewController : public FZBaseCollectionViewController
 public:
     explicit FZCompareSpotsSetsViewController(QWidget *parent = nullptr);
 
-    // Set before the screen appears; the screen keeps it for its lifetime.
+    /// Set before the screen appears; the screen keeps it for its lifetime.
     std::shared_ptr<FZResultSpotsSetsComparison> spotsSetsComparison() const { return m_spotsSetsComparison; }
     void setSpotsSetsComparison(const std::shared_ptr<FZResultSpotsSetsComparison> &comparison)
     {
@@ -46,19 +46,19 @@ public:
     FZAttributedText titleForColumnWithIndex(int index) const override;
     void columnSelected(int column) override;
 
-    // The text in bold 12.
+    /// The text in bold 12.
     static FZAttributedText headerColumnAttributedString(const QString &text);
-    // Speed, network, access point and date of one record; empty for none.
+    /// Speed, network, access point and date of one record; empty for none.
     static FZAttributedText textForRecord(const WifiTestResult::Ptr &record);
 
     void sortButtonTapped();
-    // Acts only when the switch's state differs from the one last applied.
+    /// Acts only when the switch's state differs from the one last applied.
     void hideIdenticalDataToggled(Brightmere::Switch *sender);
 
     bool hideIdenticalSwitchIsOn() const { return m_hideIdenticalSwitchIsOn; }
-    // The bottom of the grid: the screen's bottom less the room of the switch.
+    /// The bottom of the grid: the screen's bottom less the room of the switch.
     int collectionViewMaxY() const { return height() - kSwitchAreaHeight; }
-    // The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
+    /// The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
     QString sortImageName() const;
 
     QWidget *headerView() const { return headerRow(); }

@@ -16,17 +16,17 @@ class BarButtonItem;
 class TableView;
 } // namespace Brightmere
 
-// Every saved spots set, newest first, one row each. In normal mode a tap
-// opens the set ("viewSpotsSegue") and a swipe deletes it from the store
-// without asking. The options button switches to compare mode, where the
-// user picks two sets: the first pick narrows the list to the sets sharing a
-// spot label with it (itself included), the forward button appears once two
-// are picked and opens their comparison ("compareSpotsSegue"). Unpicking the
-// first while a second is picked makes the second the first.
-//
-// The store is read at the first appearance (and whenever the list is still
-// empty); later appearances keep the list as it was, since deletions and
-// mode changes refresh it themselves.
+/// Every saved spots set, newest first, one row each. In normal mode a tap
+/// opens the set ("viewSpotsSegue") and a swipe deletes it from the store
+/// without asking. The options button switches to compare mode, where the
+/// user picks two sets: the first pick narrows the list to the sets sharing a
+/// spot label with it (itself included), the forward button appears once two
+/// are picked and opens their comparison ("compareSpotsSegue"). Unpicking the
+/// first while a second is picked makes the second the first.
+///
+/// The store is read at the first appearance (and whenever the list is still
+/// empty); later appearances keep the list as it was, since deletions and
+/// mode changes refresh it themselves.
 class FZSavedSpotsViewController : public BMSDKUIBaseViewController, public Brightmere::TableViewDataSource
 {
     Q_OBJECT
@@ -55,34 +55,34 @@ public:
     FZHistoricalResultSpotsSet::Ptr secondSpotsSetToCompre() const { return m_secondSpotsSetToCompre; }
     bool readyToCompareSpotsSets() const { return m_firstSpotsSetToCompare && m_secondSpotsSetToCompre; }
 
-    // Null when none was given or it is gone.
+    /// Null when none was given or it is gone.
     BMWifiScanVCEditSpotsSetSetter *editSpotsSetSetter() const;
     QObject *editSpotsSetSetterObject() const { return m_editSpotsSetSetter.data(); }
     void setEditSpotsSetSetterObject(QObject *setter) { m_editSpotsSetSetter = setter; }
 
-    // With a first pick, the stored sets sharing a label with it; otherwise
-    // every stored set. The table is not reloaded here.
+    /// With a first pick, the stored sets sharing a label with it; otherwise
+    /// every stored set. The table is not reloaded here.
     void updateAllSpotsSets();
-    // Null (logged) out of range; -1 when the set is not listed. Sets are
-    // found by name and SSID, as the store tells them apart.
+    /// Null (logged) out of range; -1 when the set is not listed. Sets are
+    /// found by name and SSID, as the store tells them apart.
     FZHistoricalResultSpotsSet::Ptr spotsSetAtIndex(qsizetype index) const;
     qsizetype indexOfSpotsSet(const FZHistoricalResultSpotsSet::Ptr &spotsSet) const;
 
-    // Entries of the host's own in the options popup, between "compare
-    // sets" and "cancel" (a host's backup and restore, say): the screen
-    // owns that popup, so a host cannot add to it otherwise. chosen gets
-    // the entry's index in titles.
+    /// Entries of the host's own in the options popup, between "compare
+    /// sets" and "cancel" (a host's backup and restore, say): the screen
+    /// owns that popup, so a host cannot add to it otherwise. chosen gets
+    /// the entry's index in titles.
     using HostOptionChosen = std::function<void(int index)>;
     void setHostOptions(const QStringList &titles, HostOptionChosen chosen);
     QStringList hostOptions() const { return m_hostOptionTitles; }
 
-    // The bar's actions.
+    /// The bar's actions.
     void showSetsOptions(QObject *sender);
     void compareSelectedSpotsSets(QObject *sender);
     void cancelCompare(QObject *sender);
 
-    // Picking in compare mode. A pick is refused (false) when two sets are
-    // already picked.
+    /// Picking in compare mode. A pick is refused (false) when two sets are
+    /// already picked.
     bool setSpotsSetToCompare(const FZHistoricalResultSpotsSet::Ptr &spotsSet);
     void unsetSpotsSetToCompare(const FZHistoricalResultSpotsSet::Ptr &spotsSet);
     void enableCompareSetsMode();
@@ -91,9 +91,9 @@ public:
     void updateTitle();
     void updateRightBarButton();
 
-    // Whether the row shows as picked; rows are picked only in compare mode.
+    /// Whether the row shows as picked; rows are picked only in compare mode.
     bool isRowSelected(const Brightmere::IndexPath &indexPath) const;
-    // A tap on a picked row in compare mode is its deselection.
+    /// A tap on a picked row in compare mode is its deselection.
     void didDeselectRowAtIndexPath(Brightmere::TableView *tableView, const Brightmere::IndexPath &indexPath);
 
     int numberOfRowsInSection(Brightmere::TableView *tableView, int section) override;
@@ -105,8 +105,8 @@ public:
                             const Brightmere::IndexPath &indexPath) override;
     void didSelectRowAtIndexPath(Brightmere::TableView *tableView, const Brightmere::IndexPath &indexPath) override;
 
-    // The bar's items, for hosts and tests: the options button (normal
-    // mode), the cancel button and the forward button (compare mode).
+    /// The bar's items, for hosts and tests: the options button (normal
+    /// mode), the cancel button and the forward button (compare mode).
     Brightmere::BarButtonItem *optionsButton() const { return m_optionsItem; }
     Brightmere::BarButtonItem *cancelCompareButton() const { return m_cancelItem; }
     Brightmere::BarButtonItem *forwardButton() const { return m_forwardItem; }

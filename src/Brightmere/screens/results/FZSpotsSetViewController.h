@@ -9,14 +9,14 @@
 class BMMainButton;
 class QLabel;
 
-// One saved set as a grid: each spot's name and date, and its speed with the
-// network it was measured on; sortable, and able to hand the set back to the
-// test screen to go on recording.
-//
-// The headings sit in the grid's heading cells: spot and date (with the sort
-// arrow) over column 0, speed and network over column 1. A tap on the first
-// heading cycles the set's order; the arrow points up only while the order
-// is "labels ascending" (2), down for the other two.
+/// One saved set as a grid: each spot's name and date, and its speed with the
+/// network it was measured on; sortable, and able to hand the set back to the
+/// test screen to go on recording.
+///
+/// The headings sit in the grid's heading cells: spot and date (with the sort
+/// arrow) over column 0, speed and network over column 1. A tap on the first
+/// heading cycles the set's order; the arrow points up only while the order
+/// is "labels ascending" (2), down for the other two.
 class FZSpotsSetViewController : public FZBaseCollectionViewController
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     FZHistoricalResultSpotsSet::Ptr spotsSet() const { return m_spotsSet; }
     void setSpotsSet(const FZHistoricalResultSpotsSet::Ptr &spotsSet) { m_spotsSet = spotsSet; }
 
-    // Null when none was given or it is gone.
+    /// Null when none was given or it is gone.
     BMWifiScanVCEditSpotsSetSetter *editSpotsSetSetter() const;
     QObject *editSpotsSetSetterObject() const { return m_editSpotsSetSetter.data(); }
     void setEditSpotsSetSetterObject(QObject *setter) { m_editSpotsSetSetter = setter; }
@@ -47,22 +47,22 @@ public:
     FZAttributedText titleForColumnWithIndex(int index) const override;
     void columnSelected(int column) override;
 
-    // Cycles the set's order, turns the arrow and reloads.
+    /// Cycles the set's order, turns the arrow and reloads.
     void sortButtonTapped();
-    // Hands the set to the test screen (when there is one) and goes back to it.
+    /// Hands the set to the test screen (when there is one) and goes back to it.
     void editSpotsSet(QObject *sender = nullptr);
 
-    // The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
+    /// The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
     QString sortImageName() const;
 
-    // The column styles: bold black first line, small grey second line
-    // (italic in column 0); column 1 centred.
+    /// The column styles: bold black first line, small grey second line
+    /// (italic in column 0); column 1 centred.
     static void setupFirstColumnStyle(FZAttributedText &text);
     static void setupSecondColumnStyle(FZAttributedText &text);
     static void addTextAttributes(FZAttributedText &text, qsizetype start, qsizetype length, const QFont &font,
                                   const QColor &color);
 
-    // The headings over the grid (null before the screen has loaded).
+    /// The headings over the grid (null before the screen has loaded).
     QLabel *spotLabel() const;
     QLabel *dateLabel() const;
     QLabel *sortImage() const;

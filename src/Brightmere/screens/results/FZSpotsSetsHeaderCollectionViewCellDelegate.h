@@ -2,7 +2,7 @@
 
 class FZSpotsSetsHeaderCollectionViewCell;
 
-// Told when a heading cell of a grid is tapped.
+/// Told when a heading cell of a grid is tapped.
 class FZSpotsSetsHeaderCollectionViewCellDelegate
 {
 public:

@@ -8,15 +8,15 @@ namespace Brightmere {
 class Switch;
 }
 
-// Which changes to a recorded spot ask first: replacing its measurement,
-// copying it, deleting it. A switch on means "ask first"; it shows the
-// negation of the matching "always" preference of BMSDKUISettings, and a
-// change is written at once (there is no save or cancel).
-//
-// Replace and copy lock each other: each is enabled only while the other is
-// on, so at most one of the two can be turned off. When both "always"
-// preferences were set elsewhere, both switches show off and both stay
-// locked until the preferences change. Deletion is never locked.
+/// Which changes to a recorded spot ask first: replacing its measurement,
+/// copying it, deleting it. A switch on means "ask first"; it shows the
+/// negation of the matching "always" preference of BMSDKUISettings, and a
+/// change is written at once (there is no save or cancel).
+///
+/// Replace and copy lock each other: each is enabled only while the other is
+/// on, so at most one of the two can be turned off. When both "always"
+/// preferences were set elsewhere, both switches show off and both stay
+/// locked until the preferences change. Deletion is never locked.
 class FZMiscellaneousSettingsViewController : public BMSDKUIBaseViewController
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ public:
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
     void refreshUITexts() override;
 
-    // The value-change actions of the three switches.
+    /// The value-change actions of the three switches.
     void confirmReplacementOfMeasurementChanged(Brightmere::Switch *sender);
     void confirmCopyOfMeasurementChanged(Brightmere::Switch *sender);
     void confirmDeletionOfMeasurementChanged(Brightmere::Switch *sender);

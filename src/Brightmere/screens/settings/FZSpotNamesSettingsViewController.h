@@ -19,29 +19,29 @@ namespace Brightmere {
 struct Notification;
 }
 
-// The user's remembered spot names as one text, one name a line, to read,
-// edit and share by mail (where nothing takes mail, FZShareController says
-// so and offers the clipboard or a file).
-//
-// Under the navigation bar, view mode shows Edit and Share, each with its
-// icon; Edit switches to edit mode, with Cancel and Save in their places and
-// the back button hidden. Cancel puts back the text as it was when Edit was
-// pressed. Save stores the lines as the names (empty ones dropped) only
-// when the text differs from the one the screen opened with, so an edit
-// that returns to the opening text stores nothing.
-//
-// Return does not insert a bare line break: it drops the lines that are
-// blank or white space only, above and below the cursor, keeps every other
-// line as typed, and leaves the cursor at the start of a new empty line.
+/// The user's remembered spot names as one text, one name a line, to read,
+/// edit and share by mail (where nothing takes mail, FZShareController says
+/// so and offers the clipboard or a file).
+///
+/// Under the navigation bar, view mode shows Edit and Share, each with its
+/// icon; Edit switches to edit mode, with Cancel and Save in their places and
+/// the back button hidden. Cancel puts back the text as it was when Edit was
+/// pressed. Save stores the lines as the names (empty ones dropped) only
+/// when the text differs from the one the screen opened with, so an edit
+/// that returns to the opening text stores nothing.
+///
+/// Return does not insert a bare line break: it drops the lines that are
+/// blank or white space only, above and below the cursor, keeps every other
+/// line as typed, and leaves the cursor at the start of a new empty line.
 class FZSpotNamesSettingsViewController : public BMSDKUIBaseViewController
 {
     Q_OBJECT
 
 public:
-    // Whether mail can be sent here; MailComposer::canSendMail unless set.
+    /// Whether mail can be sent here; MailComposer::canSendMail unless set.
     using MailAvailability = std::function<bool()>;
 
-    // The text a Return leaves and where the cursor goes in it.
+    /// The text a Return leaves and where the cursor goes in it.
     struct ReturnResult
     {
         QString text;
@@ -54,10 +54,10 @@ public:
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
     void refreshUITexts() override;
 
-    // The remembered names joined with "\n".
+    /// The remembered names joined with "\n".
     static QString spotNamesAsString();
-    // The text view's text split at "\n", as it is (a trailing line break
-    // gives an empty last name).
+    /// The text view's text split at "\n", as it is (a trailing line break
+    /// gives an empty last name).
     QStringList spotNamesAsArray() const;
 
     bool isEditing() const { return m_editing; }
@@ -73,11 +73,11 @@ public:
     void keyboardWillShow(const Brightmere::Notification &notification);
     void keyboardWillHide(const Brightmere::Notification &notification);
 
-    // False when the screen made the change itself (a Return); true to let
-    // the text view apply it.
+    /// False when the screen made the change itself (a Return); true to let
+    /// the text view apply it.
     bool textViewShouldChangeTextInRange(QPlainTextEdit *textView, int location, int length,
                                          const QString &replacementText);
-    // The text after a Return typed at the position (clamped to the text).
+    /// The text after a Return typed at the position (clamped to the text).
     static ReturnResult textAfterReturn(const QString &text, int position);
 
     void mailComposeControllerDidFinishWithResult(Brightmere::MailComposer *controller,
@@ -90,9 +90,9 @@ public:
     QToolButton *rightButton() const { return m_rightButton; }
     bool isEditIconShown() const;
     bool isShareIconShown() const;
-    // The text view's content and scroll-indicator inset.
+    /// The text view's content and scroll-indicator inset.
     QMargins contentInset() const { return m_contentInset; }
-    // The composer being shown, until it finishes.
+    /// The composer being shown, until it finishes.
     Brightmere::MailComposer *presentedMailComposer() const { return m_mailComposer.data(); }
 
 protected:
