@@ -21,12 +21,16 @@ class BMBaseNotification : public QObject
     Q_OBJECT
 
 public:
+    /// What a subscriber runs for each notification it hears.
     using Operation = std::function<void(BMBaseNotification *notification)>;
 
+    /// A notification named name carrying properties; post() delivers it.
     BMBaseNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
     ~BMBaseNotification() override;
 
+    /// The notification's name ("kScreenChange").
     QString name() const { return m_name; }
+    /// The notification's properties (its user info).
     QVariantMap properties() const { return m_properties; }
 
     /// Properties keyed by numbers keep the number's decimal text as key.

@@ -5,9 +5,12 @@
 /// A latitude/longitude pair in degrees.
 struct BMLocationCoordinate2D
 {
+    /// Degrees north, from -90 to 90.
     double latitude = 0.0;
+    /// Degrees east, from -180 to 180.
     double longitude = 0.0;
 
+    /// Whether both figures are in range.
     bool isValid() const
     {
         return latitude >= -90.0 && latitude <= 90.0 && longitude >= -180.0 && longitude <= 180.0;

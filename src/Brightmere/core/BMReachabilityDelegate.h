@@ -11,5 +11,6 @@ class BMReachabilityDelegate
 public:
     virtual ~BMReachabilityDelegate() = default;
 
+    /// The status changed; see the class comment for the arguments.
     virtual void reachabilityHasChanged(int status, const QString &withBSSID, const QString &withSSID) = 0;
 };

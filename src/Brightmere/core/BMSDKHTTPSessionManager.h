@@ -32,12 +32,17 @@ class BMSDKHTTPSessionManager : public QObject
     Q_OBJECT
 
 public:
+    /// Called on the network thread with the task and the answer's JSON object.
     using SuccessBlock = std::function<void(const BMSDKRestRequestTask &task, const QVariantMap &response)>;
+    /// Called on the network thread with the task (when one was sent) and why it failed.
     using FailureBlock = std::function<void(const std::optional<BMSDKRestRequestTask> &task, const BMError &error)>;
 
+    /// Seconds a request may take when no other timeout is set.
     static constexpr double kDefaultTimeoutInterval = 30.0;
+    /// Largest body, in bytes, accepted when no other cap is set.
     static constexpr qint64 kDefaultMaximumResponseSize = 4 * 1024 * 1024;
 
+    /// An HTTP client on the shared network thread.
     explicit BMSDKHTTPSessionManager(QObject *parent = nullptr);
     ~BMSDKHTTPSessionManager() override;
 
@@ -52,15 +57,19 @@ public:
     /// Seconds from the start of a request to its end; 0 or less restores the
     /// default.
     double timeoutInterval() const;
+    /// Sets the timeout of later requests.
     void setTimeoutInterval(double seconds);
 
     /// Largest body accepted, in bytes; 0 or less restores the default.
     qint64 maximumResponseSize() const;
+    /// Sets the size cap of later answers.
     void setMaximumResponseSize(qint64 bytes);
 
     /// Sent as "Authorization: Bearer <token>"; kept in memory only.
     bool hasAuthorizationToken() const;
+    /// Holds the token sent with later requests.
     void setAuthorizationToken(const QString &token);
+    /// Forgets the token; later requests go without it.
     void clearAuthorizationToken();
 
     /// True for failures that say the service could not be reached.

@@ -11,10 +11,14 @@ class BMSDKRestRequestTask
 {
 public:
     BMSDKRestRequestTask() = default;
+    /// The request numbered taskIdentifier to url, answered with statusCode.
     BMSDKRestRequestTask(quint64 taskIdentifier, const QUrl &url, int statusCode = 0);
 
+    /// The request's number, unique in the process.
     quint64 taskIdentifier() const { return m_taskIdentifier; }
+    /// The address asked.
     QUrl url() const { return m_url; }
+    /// The answer's HTTP status; 0 when none arrived.
     int statusCode() const { return m_statusCode; }
 
     friend bool operator==(const BMSDKRestRequestTask &, const BMSDKRestRequestTask &) = default;

@@ -32,10 +32,10 @@ inline constexpr char kRestServiceConnectivityErrorNotification[] = "kRestServic
 inline constexpr char kRestServiceErrorDomain[] = "BMSDKRestServiceErrorDomain";
 enum BMSDKRestServiceErrorCode {
     kRestServiceErrorNotConnected = -1,      ///< refused, unreachable, cut off, network down
-    kRestServiceErrorTimedOut = -2,
-    kRestServiceErrorResponseTooLarge = -3,
+    kRestServiceErrorTimedOut = -2, ///< the request took longer than the timeout
+    kRestServiceErrorResponseTooLarge = -3, ///< the body is larger than the size cap
     kRestServiceErrorMalformedResponse = -4, ///< not JSON, not an object, no token
-    kRestServiceErrorBadURL = -5,
+    kRestServiceErrorBadURL = -5, ///< the address is not a valid URL
     kRestServiceErrorNoApplication = -6,     ///< no application object to run the network on
     kRestServiceErrorTransport = -7,         ///< any other transport failure (TLS, protocol, redirects)
 };
@@ -52,29 +52,37 @@ class BMSDKRestServiceManager : public QObject
     Q_OBJECT
 
 public:
+    /// Called on the network thread with the task and the answer's JSON object.
     using SuccessBlock = BMSDKHTTPSessionManager::SuccessBlock;
+    /// Called on the network thread with the task (when one was sent) and why it failed.
     using FailureBlock = BMSDKHTTPSessionManager::FailureBlock;
+    /// Called on the network thread once the token is held.
     using TokenSuccessBlock = std::function<void()>;
 
     /// The default base address when neither the host nor the environment
     /// variable BRIGHTMERE_SERVER_URL gives one.
     static constexpr const char *kDefaultServerURL = "http://127.0.0.1:8787";
 
+    /// A client of the service at brightmereServerURL().
     explicit BMSDKRestServiceManager(QObject *parent = nullptr);
     ~BMSDKRestServiceManager() override;
 
+    /// The process-wide client of the service, created on first use.
     static BMSDKRestServiceManager *sharedInstance();
 
     /// The service's base address, without a trailing slash. Process-wide: the
     /// kit talks to one service. An empty text restores the default.
     static QString brightmereServerURL();
+    /// Sets the service's base address for every client of the process.
     static void setBrightmereServerURL(const QString &url);
 
     /// The identifier the token is asked for ("appId"); the application's
     /// name unless the host sets one. An empty text restores that default.
     static QString applicationIdentifier();
+    /// Sets the identifier the token is asked for.
     static void setApplicationIdentifier(const QString &identifier);
 
+    /// The HTTP client that sends this client's requests; owned by it.
     BMSDKHTTPSessionManager *manager() const { return m_manager; }
 
     /// Makes sure the application's authorisation token is held, then calls
@@ -85,7 +93,9 @@ public:
                                                               FailureBlock andErrorBlock,
                                                               bool postConnectivityError);
 
+    /// Whether the application's authorisation token is held.
     bool hasAuthorizationToken() const;
+    /// Forgets the token, so the next request asks for a fresh one.
     void clearAuthorizationToken();
 
     /// "<base>/api/v2/auth/token"; the appId goes in the query.

@@ -14,6 +14,7 @@ class BMTesterFactory
 public:
     BMTesterFactory() = delete;
 
+    /// A tester for the customer's account, not yet started; the password is kept in its memory only.
     static std::unique_ptr<BMWiFiTester> createWiFiTesterWithSDKCustomer(const QString &customer,
                                                                          const QString &password,
                                                                          bool useProductionServer);

@@ -18,6 +18,7 @@
 class BMI18NBundleFile
 {
 public:
+    /// Texts by key.
     using Texts = QHash<QString, QString>;
 
     /// Keys that cannot stand in the format (holding "=" or a line feed) are

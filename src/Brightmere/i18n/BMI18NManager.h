@@ -57,8 +57,11 @@ inline constexpr char kReplacePlaceholder[] = "%@";
 class BMI18NManager : public std::enable_shared_from_this<BMI18NManager>
 {
 public:
+    /// Texts by key.
     using Texts = BMI18NBundleFile::Texts;
+    /// Handler of a successful answer of the service.
     using SuccessBlock = BMSDKRestServiceManager::SuccessBlock;
+    /// Handler of a failed request to the service.
     using FailureBlock = BMSDKRestServiceManager::FailureBlock;
 
     ~BMI18NManager();
@@ -90,7 +93,9 @@ public:
     /// Numbers for display in the manager's language (see BMI18NNumberFormatter):
     /// cut toward zero, "2,7" for 2.79 with one digit in "es".
     static QString formatNumber(double number);
+    /// The same with at most maxFractionDigits digits after the separator.
     static QString formatNumber(double number, int maxFractionDigits);
+    /// The same with at least minFractionDigits digits after the separator.
     static QString formatNumber(double number, int maxFractionDigits, int minFractionDigits);
 
     /// Asks the service for its bundle list and downloads the bundles whose
@@ -146,12 +151,16 @@ public:
     /// Handlers for the service's answers; each holds the manager weakly and
     /// does nothing once it is gone.
     SuccessBlock requestBundleInfoSuccessBlock();
+    /// Handles a downloaded bundle.
     SuccessBlock requestBundleDataSuccessBlock();
+    /// Handles a failed bundle download.
     FailureBlock requestBundleDataErrorBlock();
 
     /// What the manager holds, for hosts and tests.
     QString languageCode() const;
+    /// The downloaded texts held for a language.
     Texts bundleTextsForLanguage(const QString &code) const;
+    /// The time stamp of the bundle held for a language, when one is.
     std::optional<double> timestampForLanguage(const QString &code) const;
 
 private:

@@ -20,6 +20,7 @@ class BMI18NNotification : public BMBaseNotification
     Q_OBJECT
 
 public:
+    /// A notification named name; posted by the post functions below.
     BMI18NNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
     /// Registers notifyTextBundleAvailable for "kTextBundleAvailable" and
@@ -30,6 +31,8 @@ public:
     /// Removes the subscriber from both names. Call it before the subscriber goes away.
     static void unsubscribe(BMI18NNotificationSubscriber *subscriber);
 
+    /// Posts "kTextBundleAvailable" on this thread.
     static void postTextBundleAvailable();
+    /// Posts "kTextBundleNotAvailable" on this thread.
     static void postTextBundleNotAvailable();
 };

@@ -14,13 +14,16 @@ class BMLanguageChangeNotification : public BMBaseNotification
     Q_OBJECT
 
 public:
+    /// A notification named name; posted by postLanguageChange().
     BMLanguageChangeNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
     /// Registers notifyLanguageChange for "kLanguageChange"; subscribing again
     /// replaces the earlier registration (and its delivery).
     static void subscribe(BMLanguageChangeSubscriber *subscriber,
                           BMNotificationDelivery delivery = BMNotificationDelivery::PostingThread);
+    /// Removes the subscriber; call it before the subscriber goes away.
     static void unsubscribe(BMLanguageChangeSubscriber *subscriber);
 
+    /// Posts "kLanguageChange" on this thread.
     static void postLanguageChange();
 };

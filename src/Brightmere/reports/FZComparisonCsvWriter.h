@@ -13,7 +13,9 @@
 class FZComparisonCsvWriter
 {
 public:
+    /// The CSV text of a comparison; with hideIdentical, labels whose speeds are equal are left out.
     static QByteArray csvForComparison(const FZResultSpotsSetsComparison &comparison, bool hideIdentical);
+    /// Writes csvForComparison() to path, all or nothing.
     static FZReportResult writeComparison(const FZResultSpotsSetsComparison &comparison, bool hideIdentical,
                                           const QString &path);
 };

@@ -9,8 +9,9 @@
 class FZReportResult
 {
 public:
+    /// Kinds of failure.
     enum class Error {
-        None,
+        None, ///< no failure
         InvalidInput,     ///< an absent set or comparison
         FileNotWritten,   ///< the target file could not be written; nothing was left half-written
         FileNotReadable,  ///< the backup file could not be opened or is too large
@@ -20,11 +21,16 @@ public:
         StoreNotWritten,  ///< the merged sets could not be stored; the store is as it was
     };
 
+    /// A result without failure.
     static FZReportResult success();
+    /// A failure of that kind with a message for the developer.
     static FZReportResult failure(Error error, const QString &message);
 
+    /// Whether the operation succeeded.
     bool isOk() const { return m_error == Error::None; }
+    /// The kind of failure; Error::None on success.
     Error error() const { return m_error; }
+    /// The developer's message of a failure; empty on success.
     QString message() const { return m_message; }
 
     /// Restore only: titles as stored, in the file's order.
@@ -33,8 +39,11 @@ public:
     QStringList skippedTitles() const { return m_skippedTitles; }
     /// Sets whose title was taken by other content: "Title" -> "Title (2)".
     QStringList renamedTitles() const { return m_renamedTitles; }
+    /// Records a set the restore added.
     void addAdded(const QString &title) { m_addedTitles.append(title); }
+    /// Records a set the restore skipped.
     void addSkipped(const QString &title) { m_skippedTitles.append(title); }
+    /// Records a set the restore stored under a new title.
     void addRenamed(const QString &title) { m_renamedTitles.append(title); }
 
 private:

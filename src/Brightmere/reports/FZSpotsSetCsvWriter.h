@@ -14,5 +14,6 @@ class FZSpotsSetCsvWriter
 public:
     /// An absent set gives the header row alone (logged).
     static QByteArray csvForSet(const FZHistoricalResultSpotsSet::Ptr &set);
+    /// Writes csvForSet() to path, all or nothing.
     static FZReportResult writeSet(const FZHistoricalResultSpotsSet::Ptr &set, const QString &path);
 };

@@ -20,20 +20,26 @@
 class FZSpotsSetsBackup
 {
 public:
+    /// The "format" field of every backup document.
     static constexpr const char *kFormatName = "brightmere.spots-sets-backup";
+    /// Version of the document this kit writes; newer ones are refused.
     static constexpr int kFormatVersion = 1;
     /// Larger files are refused before they are read.
     static constexpr qint64 kMaximumFileSize = 256LL * 1024 * 1024;
 
+    /// The backup document of sets.
     static QByteArray backupJson(const FZHistoricalResultSpotsSet::Dictionary &sets);
     /// The store's sets, as backupJson.
     static QByteArray backupJsonOfStore();
+    /// Writes backupJsonOfStore() to path, all or nothing.
     static FZReportResult writeBackup(const QString &path);
 
     /// The sets of a backup document, in the file's order; nullopt with the
     /// failure in *result when it is refused.
     static std::optional<FZHistoricalResultSpotsSet::List> readBackupJson(const QByteArray &json, FZReportResult *result);
+    /// Merges the sets of a backup document into the store; see the class comment.
     static FZReportResult restoreBackupJson(const QByteArray &json);
+    /// Reads the file at path and merges it as restoreBackupJson() does.
     static FZReportResult restoreBackup(const QString &path);
 
     /// Same title, SSID, date and spots (in order, value by value).

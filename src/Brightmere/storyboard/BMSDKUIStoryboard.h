@@ -17,9 +17,11 @@ public:
     static constexpr const char *kShowSavedSpotsSegue = "showSavedSpotsSegue";
     /// From the list: one set, and two sets compared.
     static constexpr const char *kViewSpotsSegue = "viewSpotsSegue";
+    /// The list's way to two sets compared.
     static constexpr const char *kCompareSpotsSegue = "compareSpotsSegue";
     /// The settings screens, for hosts that open them by identifier.
     static constexpr const char *kShowMiscellaneousSettingsSegue = "showMiscellaneousSettingsSegue";
+    /// The screen of the remembered spot names.
     static constexpr const char *kShowSpotNamesSettingsSegue = "showSpotNamesSettingsSegue";
 
     /// Registers every identifier above on the storyboard (the shared one
