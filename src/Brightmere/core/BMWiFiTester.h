@@ -65,7 +65,7 @@ public:
     /// Whether a test runs (between start() and stop() or a failure).
     bool isRunning() const { return m_running; }
 
-    /// Records whether the tester may make sound (logged; the test screen plays the clicks).
+    /// Records whether the tester may make sound (logged; the test session plays the feedback sound).
     void setSoundEnabled(bool enabled);
     /// Whether the tester may make sound.
     bool isSoundEnabled() const { return m_soundEnabled; }

@@ -18,11 +18,14 @@ class Archive
 {
 public:
     static constexpr quint32 kMagic = 0x424D4152; ///< "BMAR"
+    /// Version of the header and body layout this build writes.
     static constexpr quint16 kFormatVersion = 1;
+    /// The QDataStream version bodies are written and read with.
     static constexpr QDataStream::Version kStreamVersion = QDataStream::Qt_6_0;
 
+    /// Why a blob was refused.
     enum class Error {
-        None,
+        None, ///< the blob was read
         Empty,         ///< no bytes at all
         Foreign,       ///< not an archive of ours (wrong magic)
         FutureVersion, ///< written by a newer format than this build reads
@@ -30,20 +33,25 @@ public:
         Corrupt,       ///< digest mismatch, trailing bytes, or a body that does not parse
     };
 
+    /// Writes the body.
     using Writer = std::function<void(QDataStream &)>;
     /// Reads the body; returns false when the content makes no sense.
     using Reader = std::function<bool(QDataStream &)>;
 
+    /// An archive of what body writes.
     static QByteArray write(const Writer &body);
+    /// Checks the header, then reads the body with body; Error::None when both succeeded.
     static Error read(const QByteArray &blob, const Reader &body);
 
     template<typename T>
+    /// An archive of one value that QDataStream can write.
     static QByteArray archive(const T &value)
     {
         return write([&value](QDataStream &stream) { stream << value; });
     }
 
     template<typename T>
+    /// The value archived in blob; std::nullopt, with the reason in *error, when refused.
     static std::optional<T> unarchive(const QByteArray &blob, Error *error = nullptr)
     {
         T value{};
@@ -58,6 +66,7 @@ public:
         return value;
     }
 
+    /// The reason as text, for log lines.
     static QString errorString(Error error);
 };
 

@@ -38,13 +38,17 @@ public:
     /// Larger binary values are kept in files of their own.
     static constexpr qsizetype kLargeValueBytes = 4096;
 
+    /// A store kept in filePath.
     explicit UserDefaults(const QString &filePath);
     ~UserDefaults();
     UserDefaults(const UserDefaults &) = delete;
     UserDefaults &operator=(const UserDefaults &) = delete;
 
+    /// The process-wide store.
     static UserDefaults &standard();
+    /// Moves the process-wide store's file; call it before the kit first uses the store.
     static void setStandardFilePath(const QString &filePath);
+    /// "BrightmereDefaults.ini" in the application's config folder.
     static QString defaultStandardFilePath();
     /// Where the large values of a defaults file live.
     static QString valuesFolderPath(const QString &filePath);
@@ -52,28 +56,43 @@ public:
     /// what was there: the copy opens as the original does.
     static bool copyFile(const QString &fromFilePath, const QString &toFilePath);
 
+    /// The INI file this store keeps.
     QString filePath() const;
     /// Moves this store to another file; what was not synchronised is written first.
     void setFilePath(const QString &filePath);
 
     /// An invalid QVariant means the key holds nothing.
     QVariant objectForKey(const QString &key) const;
+    /// Sets a value; an invalid QVariant removes the key.
     void setObject(const QVariant &value, const QString &key);
+    /// Removes the key and its value.
     void removeObjectForKey(const QString &key);
+    /// Whether the key holds a value.
     bool contains(const QString &key) const;
+    /// Every key that holds a value.
     QStringList allKeys() const;
 
+    /// The value as a bool; false when the key holds nothing.
     bool boolForKey(const QString &key) const;
+    /// Sets a bool.
     void setBool(bool value, const QString &key);
+    /// The value as an integer; 0 when the key holds nothing.
     qint64 integerForKey(const QString &key) const;
+    /// Sets an integer.
     void setInteger(qint64 value, const QString &key);
+    /// The value as a number; 0 when the key holds nothing.
     double doubleForKey(const QString &key) const;
+    /// Sets a number.
     void setDouble(double value, const QString &key);
     /// A null QString when the key holds nothing.
     QString stringForKey(const QString &key) const;
+    /// The value as a list of texts; empty when the key holds nothing.
     QStringList stringArrayForKey(const QString &key) const;
+    /// The value as bytes, wherever they are kept; empty when the key holds nothing.
     QByteArray dataForKey(const QString &key) const;
+    /// Sets bytes; a large value goes to a file of its own.
     void setData(const QByteArray &value, const QString &key);
+    /// The value as a map; empty when the key holds nothing.
     QVariantMap dictionaryForKey(const QString &key) const;
 
     /// Writes what was set to the file and reads what others wrote; false (and

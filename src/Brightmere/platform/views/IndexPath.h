@@ -10,14 +10,18 @@ class IndexPath
 {
 public:
     constexpr IndexPath() = default;
+    /// The place of row in section.
     constexpr IndexPath(int row, int section)
         : m_row(row)
         , m_section(section)
     {
     }
 
+    /// The row within its section.
     constexpr int row() const { return m_row; }
+    /// The section.
     constexpr int section() const { return m_section; }
+    /// Whether it names a row.
     constexpr bool isValid() const { return m_row >= 0 && m_section >= 0; }
 
     friend constexpr bool operator==(const IndexPath &, const IndexPath &) = default;

@@ -34,28 +34,41 @@ class NavigationController : public QWidget
     Q_OBJECT
 
 public:
+    /// A stack holding rootViewController, which it owns.
     explicit NavigationController(ViewController *rootViewController, QWidget *parent = nullptr);
     ~NavigationController() override;
 
+    /// Puts viewController on top of the stack and takes ownership of it.
     void pushViewController(ViewController *viewController, bool animated);
     /// Each returns what left the stack (nothing at the root, or when the
     /// call had to wait for a running transition).
     ViewController *popViewControllerAnimated(bool animated);
+    /// Pops every screen above the root.
     QList<ViewController *> popToRootViewControllerAnimated(bool animated);
+    /// Pops the screens above viewController.
     QList<ViewController *> popToViewController(ViewController *viewController, bool animated);
 
+    /// The stack, root first.
     QList<ViewController *> viewControllers() const { return m_stack; }
+    /// The screen on top; null for an empty stack.
     ViewController *topViewController() const { return m_stack.isEmpty() ? nullptr : m_stack.last(); }
+    /// The bar above the screens.
     NavigationBar *navigationBar() const { return m_bar; }
 
+    /// Whether the bar is hidden.
     bool isNavigationBarHidden() const;
+    /// Hides or shows the bar.
     void setNavigationBarHidden(bool hidden, bool animated);
 
+    /// The top screen's size hint with the bar's height; phone-sized for a screen without a layout.
     QSize sizeHint() const override;
 
 protected:
+    /// Tells the top screen it appears.
     void showEvent(QShowEvent *event) override;
+    /// Tells the top screen it disappears.
     void hideEvent(QHideEvent *event) override;
+    /// Lays out the bar and the screens.
     void resizeEvent(QResizeEvent *event) override;
     /// Tab goes through the bar's buttons left to right, then the top
     /// screen's controls in the screen's own order, then on to whatever

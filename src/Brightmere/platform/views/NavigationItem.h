@@ -24,33 +24,47 @@ class NavigationItem : public QObject
     Q_OBJECT
 
 public:
+    /// An item with no title and no buttons.
     explicit NavigationItem(QObject *parent = nullptr);
     ~NavigationItem() override;
 
+    /// The title shown in the bar's middle.
     QString title() const { return m_title; }
+    /// Changes the title.
     void setTitle(const QString &title);
 
+    /// The custom title widget shown instead of the title; null when none.
     QWidget *titleView() const;
+    /// Shows titleView in place of the title (adopted; null goes back to the title).
     void setTitleView(QWidget *titleView);
 
+    /// The button on the bar's left; null for the back button.
     BarButtonItem *leftBarButtonItem() const;
+    /// Sets the left button; null gives the back button again.
     void setLeftBarButtonItem(BarButtonItem *item);
 
     /// The first item is the rightmost, as the platform orders them.
     QList<BarButtonItem *> rightBarButtonItems() const;
+    /// Sets the right buttons, rightmost first.
     void setRightBarButtonItems(const QList<BarButtonItem *> &items);
+    /// The rightmost button; null when none.
     BarButtonItem *rightBarButtonItem() const;
+    /// Makes item the only right button (none for null).
     void setRightBarButtonItem(BarButtonItem *item);
 
     /// What assistive tools call the back button that leads to this item
     /// ("Back to ..."); empty: the title.
     QString backAccessibleName() const { return m_backAccessibleName; }
+    /// Sets the back button's name for assistive tools.
     void setBackAccessibleName(const QString &name);
 
+    /// Whether the back button is left out.
     bool hidesBackButton() const { return m_hidesBackButton; }
+    /// Leaves the back button out or shows it again.
     void setHidesBackButton(bool hides);
 
 Q_SIGNALS:
+    /// Something the bar shows changed.
     void changed();
 
 private:

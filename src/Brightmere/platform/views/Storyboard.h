@@ -19,8 +19,10 @@ class Storyboard : public QObject
     Q_OBJECT
 
 public:
+    /// Creates a new destination screen.
     using Factory = std::function<ViewController *()>;
 
+    /// An empty registry; hosts use main().
     explicit Storyboard(QObject *parent = nullptr);
 
     /// The registry shared by the process.
@@ -28,8 +30,11 @@ public:
 
     /// Registering an identifier again replaces its factory.
     void registerSegue(const QString &identifier, Factory factory);
+    /// Forgets an identifier.
     void unregisterSegue(const QString &identifier);
+    /// Whether an identifier is registered.
     bool hasSegue(const QString &identifier) const;
+    /// Every registered identifier.
     QStringList segueIdentifiers() const;
 
     /// A new destination for the identifier, or null (logged) when the
