@@ -12,15 +12,21 @@
 class BMSDKUISettings
 {
 public:
+    /// User-defaults key of the "always delete" switch.
     static constexpr const char *kAlwaysDeleteSpotKey = "kAlwaysDeleteSpotKey";
+    /// User-defaults key of the "always replace" switch.
     static constexpr const char *kAlwaysReplaceSpotKey = "kAlwaysReplaceSpotKey";
+    /// User-defaults key of the "always copy" switch.
     static constexpr const char *kAlwaysCopySpotKey = "kAlwaysCopySpotKey";
+    /// User-defaults key of the user's spot names.
     static constexpr const char *kSavedSpotsKey = "kSavedSpotsKey";
+    /// User-defaults key that records the presets were merged.
     static constexpr const char *kPresetSpotsAlreadySavedKey = "kPresetSpotsAlreadySavedKey";
     /// Posted through the default notification centre when highContrast
     /// changes; the user info's "highContrast" holds the new value.
     static constexpr const char *kHighContrastChangeNotification = "kHighContrastChange";
 
+    /// The process-wide settings.
     static BMSDKUISettings &sharedInstance();
 
     BMSDKUISettings(const BMSDKUISettings &) = delete;
@@ -28,13 +34,20 @@ public:
 
     /// False when the key holds nothing.
     bool booleanWithKey(const QString &key) const;
+    /// Stores a switch under a key and synchronises.
     void setBoolean(bool value, const QString &withKey);
 
+    /// Whether a recorded spot is deleted without asking.
     bool alwaysDeleteRecording() const;
+    /// Sets whether a recorded spot is deleted without asking.
     void setAlwaysDeleteRecording(bool always);
+    /// Whether a recorded spot is replaced without asking.
     bool alwaysReplaceRecording() const;
+    /// Sets whether a recorded spot is replaced without asking.
     void setAlwaysReplaceRecording(bool always);
+    /// Whether a recorded spot is copied without asking.
     bool alwaysCopyRecording() const;
+    /// Sets whether a recorded spot is copied without asking.
     void setAlwaysCopyRecording(bool always);
 
     /// The user's spot names. The first call of an installation appends the
@@ -52,6 +65,7 @@ public:
     /// nearest colours of the same hue that are readable on their backgrounds.
     /// A host binds it to its system's high-contrast preference.
     bool highContrast() const;
+    /// Turns high contrast on or off and posts kHighContrastChangeNotification when it changes.
     void setHighContrast(bool on);
 
 private:

@@ -22,12 +22,16 @@
 class FZHistoricalResultSpotsSet
 {
 public:
+    /// A set as shared by the screens and the store.
     using Ptr = std::shared_ptr<FZHistoricalResultSpotsSet>;
+    /// A list of shared sets.
     using List = QList<Ptr>;
     /// Title -> set. Ordered by title, so the archive of a store is repeatable.
     using Dictionary = QMap<QString, Ptr>;
 
+    /// User-defaults key of the archived sets.
     static constexpr const char *kSetsDictionaryKey = "kSetsDictionaryKey";
+    /// User-defaults key of the kit's data version of the last save.
     static constexpr const char *kLastDataVersionKey = "kLastDataVersionKey";
     /// An unreadable store is kept under this prefix followed by the UTC time
     /// it was set aside ("kSetsDictionaryKey.backup.20250314T093000").
@@ -36,32 +40,47 @@ public:
     static constexpr int kMaxTitleLength = 200;
 
     FZHistoricalResultSpotsSet() = default;
+    /// A set titled name, measured on ssid at date, holding spots.
     FZHistoricalResultSpotsSet(const QString &name, const QString &ssid, const QDateTime &date,
                                const WifiTestResult::List &spots);
+    /// A shared set; see the constructor.
     static Ptr create(const QString &name, const QString &ssid, const QDateTime &date,
                       const WifiTestResult::List &spots);
 
     /// Whether another saved set shares a spot label with this one; set by the
     /// listings, never stored.
     bool isComparable() const { return m_comparable; }
+    /// Marks the set comparable or not.
     void setComparable(bool comparable) { m_comparable = comparable; }
+    /// The set's title, unique in the store.
     QString name() const { return m_name; }
+    /// Changes the title; the store sees it at the next save.
     void setName(const QString &name) { m_name = name; }
+    /// The network the set was measured on.
     QString ssid() const { return m_ssid; }
+    /// Changes the network's name.
     void setSsid(const QString &ssid) { m_ssid = ssid; }
+    /// When the set was measured.
     QDateTime date() const { return m_date; }
+    /// Changes the date.
     void setDate(const QDateTime &date) { m_date = date; }
     /// The order of sortedSpots(): 0 newest measurement first, 1 labels
     /// descending, 2 labels ascending. Not stored: 0 after loading.
     qint64 isSortedAscending() const { return m_sorting; }
+    /// Sets the order of sortedSpots().
     void setSorting(qint64 sorting) { m_sorting = sorting; }
+    /// The spots, in recording order, to change in place.
     WifiTestResult::List &mutableSpots() { return m_mutableSpots; }
+    /// The spots, in recording order.
     const WifiTestResult::List &mutableSpots() const { return m_mutableSpots; }
+    /// Replaces the spots.
     void setMutableSpots(const WifiTestResult::List &spots) { m_mutableSpots = spots; }
 
     /// A copy of the spot list: adding to it leaves the set alone.
     WifiTestResult::List spots() const { return m_mutableSpots; }
+    /// How many spots the set holds.
     qsizetype spotsCount() const { return m_mutableSpots.size(); }
+    /// The spots in the order isSortedAscending() names.
     WifiTestResult::List sortedSpots() const;
     /// 0 -> 1 -> 2 -> 0.
     void toggleSorting();
@@ -73,6 +92,7 @@ public:
     /// nested archive blob. decode() leaves the set untouched and returns
     /// false when the values or the nested blob cannot be read.
     void encode(QDataStream &stream) const;
+    /// Reads a set written by encode().
     bool decode(QDataStream &stream);
 
     /// The store. Every operation that writes reads the stored dictionary
@@ -87,7 +107,9 @@ public:
                                 const WifiTestResult::List &andWifiTestResults);
     /// Stores the set under its name, replacing any set of that title.
     static bool saveSpotSet(const Ptr &set);
+    /// A fresh copy of the stored set titled name; null when none is.
     static Ptr spotsSetWithName(const QString &name);
+    /// Removes the stored set of that title; false when the store could not be written.
     static bool deleteSpotsSet(const Ptr &set);
     /// Removes the stored sets; the data version and any set-aside copy stay.
     static void deleteAllSpotsSets();
@@ -95,10 +117,11 @@ public:
     /// A change made under the store's lock: the sets to store (by key,
     /// replacing) and the keys to remove.
     using ConstDictionary = QMap<QString, std::shared_ptr<const FZHistoricalResultSpotsSet>>;
+    /// What changeStoredSets() stores.
     struct Change
     {
-        Dictionary put;
-        QStringList remove;
+        Dictionary put; ///< sets to store, replacing those of their key
+        QStringList remove; ///< keys to remove
     };
     /// Hands the stored sets, read afresh under the store's lock, to change and
     /// stores what it returns before the lock is let go. Nothing is written
@@ -122,7 +145,9 @@ public:
     static Dictionary allSpotsSetsDictionary();
     /// The stored archive, only when a data version is stored too.
     static std::optional<QByteArray> savedSpotsSetsDictionary();
+    /// Stores the whole dictionary with the current data version; false when it could not be written.
     static bool saveAllSpotsSetDicitionary(const Dictionary &dictionary);
+    /// The data version stored with the sets; std::nullopt when none is.
     static std::optional<QString> savedDataVersion();
     /// "<short version>.<build>" of the kit's bundle.
     static QString currentDataVersion();
@@ -131,6 +156,7 @@ public:
     /// of the one earlier versions wrote); std::nullopt (with the reason in
     /// *error) when it cannot be read.
     static QByteArray archiveDictionary(const Dictionary &dictionary);
+    /// Reads an archive of a whole dictionary; see archiveDictionary().
     static std::optional<Dictionary> unarchiveDictionary(const QByteArray &blob, QString *error = nullptr);
 
 private:

@@ -8,12 +8,16 @@ class BMGAScreenClass
 {
 public:
     BMGAScreenClass() = default;
+    /// The screen that reports screenName and is of class screenClass.
     BMGAScreenClass(const QString &screenName, const QMetaObject *screenClass);
 
+    /// The name the analytics report.
     QString screenName() const { return m_screenName; }
+    /// Changes the reported name.
     void setScreenName(const QString &screenName) { m_screenName = screenName; }
     /// Null when no class was given.
     const QMetaObject *screenClass() const { return m_screenClass; }
+    /// Changes the screen's class.
     void setScreenClass(const QMetaObject *screenClass) { m_screenClass = screenClass; }
 
 private:

@@ -18,6 +18,7 @@ class Alert;
 class BMSDKUIAlertView
 {
 public:
+    /// What a button runs; may be empty.
     using Handler = std::function<void()>;
 
     /// "ok", which only closes; with a handler, also "cancel", which calls it.

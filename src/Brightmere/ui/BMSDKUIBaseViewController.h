@@ -34,12 +34,17 @@ public:
     /// The platform's status-bar styles; the kit's screens are light on dark.
     enum StatusBarStyle { StatusBarStyleDefault = 0, StatusBarStyleLightContent = 1 };
 
+    /// A screen whose view is built on its first appearance.
     explicit BMSDKUIBaseViewController(QWidget *parent = nullptr);
     ~BMSDKUIBaseViewController() override;
 
+    /// Whether this screen hides the status bar.
     bool statusBarHidden() const { return m_statusBarHidden; }
+    /// Hides or shows the status bar while this screen is on top.
     void setStatusBarHidden(bool hidden);
+    /// Whether the status bar is hidden while this screen is on top; statusBarHidden() unless a screen says otherwise.
     virtual bool prefersStatusBarHidden() const { return m_statusBarHidden; }
+    /// The status-bar style this screen asks for (a StatusBarStyle).
     virtual int preferredStatusBarStyle() const { return StatusBarStyleLightContent; }
     /// Asks the window to read the status-bar wishes again.
     void setNeedsStatusBarAppearanceUpdate();
@@ -53,17 +58,23 @@ public:
     /// Kept for screens that ask for it: logs, and changes nothing.
     void setScreenBackground(bool background);
 
+    /// Shows the window-wide loading overlay; may be called from any thread.
     void showLoading();
+    /// Shows the round loading overlay; may be called from any thread.
     void showCircleLoading();
+    /// Hides the loading overlay.
     void hideLoading();
 
+    /// Makes the navigation bar see-through (logged and nothing else outside a stack).
     void setNavigationBarTransparent();
+    /// Gives the navigation bar its own drawing back.
     void resetNavigationBarToDefault();
 
     /// The uppermost screen of the navigation stack that is of the class or
     /// a subclass; null when none is or the screen is in no stack.
     ViewController *findViewControllerOfClass(const QMetaObject &cls) const;
     template<typename T>
+    /// The same, for the class T.
     T *findViewControllerOfClass() const
     {
         return static_cast<T *>(findViewControllerOfClass(T::staticMetaObject));
@@ -73,16 +84,21 @@ public:
     void prepareHeaderViewForTitle(const QString &title);
     /// The kit's "iconBack" arrow in place of the bar's own back button.
     void replaceNativeBackButton();
+    /// What the back arrow does: pops this screen.
     void backAction(QObject *sender);
 
     /// True, with the localised "no connection" alert, when the network
     /// cannot be reached; false, showing nothing, otherwise.
     bool showNoConnectivity();
 
+    /// An alert with "ok" only.
     void alertControllerWithTitle(const QString &title, const QString &message);
+    /// An alert with "ok" and, with a handler, "cancel"; see BMSDKUIAlertView.
     void alertControllerWithTitleOnCancel(const QString &title, const QString &message,
                                           BMSDKUIAlertView::Handler onCancel);
+    /// An alert whose "ok" calls onOK.
     void alertControllerWithTitleOnOK(const QString &title, const QString &message, BMSDKUIAlertView::Handler onOK);
+    /// An alert with the given buttons.
     void alertControllerWithTitle(const QString &title, const QString &message,
                                   const QList<Brightmere::AlertAction> &actions);
     /// An alert without buttons, closed after the given seconds; onFinish runs
@@ -95,6 +111,7 @@ public:
     void setClock(Brightmere::Clock *clock);
 
 Q_SIGNALS:
+    /// The status-bar wishes changed; the window reads them again.
     void statusBarAppearanceUpdateRequested();
 
 protected:

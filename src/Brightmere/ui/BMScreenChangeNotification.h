@@ -20,16 +20,20 @@ class BMScreenChangeNotification : public BMBaseNotification
     Q_OBJECT
 
 public:
+    /// A notification named name; posted by postScreenChange().
     BMScreenChangeNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
     /// Registers notifyScreenChange for "kScreenChange"; subscribing again
     /// replaces the earlier registration.
     static void subscribe(BMScreenChangeSubscriber *subscriber);
+    /// Removes the subscriber; call it before the subscriber goes away.
     static void unsubscribe(BMScreenChangeSubscriber *subscriber);
 
+    /// Posts "kScreenChange" for the screen on this thread.
     static void postScreenChange(const BMGAScreenClass &screen);
 
     /// The two entries, read back; empty or null when missing.
     QString screenName() const;
+    /// The class of the screen (the "1" entry).
     const QMetaObject *screenClass() const;
 };
