@@ -48,19 +48,23 @@ class BMWifiScanVC : public BMSDKUIBaseViewController, public BMWifiScanVCEditSp
     Q_OBJECT
 
 public:
+    /// The test screen, not yet loaded; the host sets its customer, password and delegate next.
     explicit BMWifiScanVC(QWidget *parent = nullptr);
     ~BMWifiScanVC() override;
 
     /// Set by the host before the screen is shown.
     QString sdkCustomer() const { return m_sdkCustomer; }
+    /// Sets the customer's name the tester is made for.
     void setSdkCustomer(const QString &customer) { m_sdkCustomer = customer; }
     /// Used once, when the screen loads; no getter on purpose.
     void setSdkPassword(const QString &password);
     /// Held weakly; must be a QObject (anything else is refused with a log line).
     BMWifiScanVCDelegate *fzDelegate() const;
+    /// Sets the delegate (a QObject; held weakly).
     void setFzDelegate(BMWifiScanVCDelegate *delegate);
     /// Height of the host's advertisement strip at the bottom of the window.
     double adHeight() const { return m_adHeight; }
+    /// Sets the height of the strip kept free for the host's advertisement.
     void setAdHeight(double height) { m_adHeight = height; }
     /// Loaded at the next appearance, replacing the run.
     FZHistoricalResultSpotsSet::Ptr spotsSetToEdit() const { return m_spotsSetToEdit; }
@@ -82,87 +86,132 @@ public:
     /// The parts the screen is made of. The spots table exists once the
     /// screen has loaded; the others from the start.
     BMWifiTestSession *session() const { return m_session; }
+    /// The list of recorded spots; null until the screen has loaded.
     BMSpotsTableController *spotsTable() const { return m_spotsTable; }
+    /// The save flow of the run.
     BMSpotsSetSaveFlow *saveFlow() const { return m_saveFlow; }
 
     /// The test.
     void startTesting();
+    /// Stops the test (see BMWifiTestSession).
     void stopTesting() { m_session->stopTesting(); }
+    /// Redraws the chart from the run's results.
     void reloadPlot();
+    /// Shows the current network's name.
     void updateSSID();
+    /// Takes one result as if the tester had sent it.
     void updateUIWithResult(const WifiTestResult::Ptr &result) { m_session->acceptResult(result); }
+    /// Titles the record/reset control for the current state.
     void updateRecordResetLabel() { m_view->updateRecordResetLabel(m_session->isScanning()); }
+    /// Shows the "no Wi-Fi" alert.
     void showNoWifiAlert();
+    /// Shows the "no Wi-Fi" alert when a test runs off Wi-Fi.
     void showNoWifiPopupIfNeeded();
+    /// The same as showNoWifiPopupIfNeeded().
     void showNoWifiPopup() { showNoWifiPopupIfNeeded(); }
+    /// Starts the feedback sound's pacing.
     void startSound() { m_session->startSound(); }
+    /// Plays the feedback sound once.
     void playSound() { m_session->playSound(); }
 
     /// What the controls do.
     void actStartStop();
+    /// The record/reset control went down: recording starts while testing.
     void actRecordResetTouchDown();
+    /// The record/reset control came up inside it.
     void actRecordResetTouchUpInside() { actRecordResetTouchUp(true); }
+    /// The record/reset control came up outside it.
     void actRecordResetTouchUpOutside() { actRecordResetTouchUp(false); }
+    /// The record/reset control came up: while testing the spot is kept; when stopped, a release inside resets the run.
     void actRecordResetTouchUp(bool inside);
+    /// Turns the feedback sound on or off.
     void actSoundOnOff();
+    /// The menu control on the bar: tells the delegate.
     void menuButtonTapped();
     /// The speed as readers hear it, at most once a second unless atOnce
     /// (a stop or a reset shows 0.0 at once).
     void announceSpeed(double shown, bool atOnce = false);
+    /// The left control on the bar: ends a spot-name edit first, then tells the delegate.
     void leftMenuBtnTapped();
     /// The history control on the bar: the saving menu.
     virtual void menuHistoricalResultsTapped();
 
     /// Saving the run as a spots set (see BMSpotsSetSaveFlow).
     void showHistoricalResultsOptions(QObject *) { m_saveFlow->showHistoricalResultsOptions(); }
+    /// Opens the title prompt of the save flow.
     void showSaveCurrentSpotSetScreen() { m_saveFlow->showSaveCurrentSpotSetScreen(); }
+    /// Saves the run under the title typed in the prompt.
     void saveCurrentSpotSet() { m_saveFlow->saveCurrentSpotSet(); }
+    /// Saves the run under name.
     void saveCurrentSpotSetWithName(const QString &name) { m_saveFlow->saveCurrentSpotSetWithName(name); }
+    /// Tells the user a title is needed.
     void showTitleCannotBeNil() { m_saveFlow->showTitleCannotBeNil(); }
+    /// Asks whether to replace the set saved as name.
     void showSpotsSetAlreadyExistsDialogWithName(const QString &name)
     {
         m_saveFlow->showSpotsSetAlreadyExistsDialogWithName(name);
     }
+    /// Opens the list of saved sets.
     void showSavedSpots() { m_saveFlow->showSavedSpots(); }
     /// The title field while the title prompt is open; null otherwise.
     QLineEdit *spotNameTextField() const { return m_saveFlow->spotNameTextField(); }
 
     /// Recording spots (see BMWifiTestSession).
     void startRecording() { m_session->startRecording(); }
+    /// Ends recording without keeping the spot.
     void stopRecording() { m_session->stopRecording(); }
+    /// Keeps the spot being recorded and ends recording.
     void saveRecordAndStopRecording() { m_session->saveRecordAndStopRecording(); }
+    /// The same, only while recording.
     void saveRecordAndStopRecordingIfNeeded() { m_session->saveRecordAndStopRecordingIfNeeded(); }
+    /// Whether a spot is being recorded.
     bool isRecording() const { return m_session->isRecording(); }
+    /// Gives the controls their recording look.
     void setRecordingUI() { if (m_view) m_view->setRecording(true); }
+    /// Gives the controls their normal look.
     void setNormalUI() { if (m_view) m_view->setRecording(false); }
+    /// Clears the run: results, spots and chart.
     void reset() { m_session->reset(); }
+    /// Clears the run and starts from speeds (a set opened for editing), or from nothing.
     void resetWithNewRecordedSpeeds(const std::optional<WifiTestResult::List> &speeds)
     {
         m_session->resetWithNewRecordedSpeeds(speeds);
     }
+    /// Numbers the next default spot name after the highest in the run.
     void updateSpeedIndex() { m_session->updateSpeedIndex(); }
+    /// Remembers the names the user gave the run's spots among the saved spot names.
     void saveSpotsLocally() { m_session->saveSpotsLocally(); }
+    /// Loads the set given to setSpotsSetToEdit(); true when one was loaded.
     bool setupForEditIfNeeded();
+    /// Removes a recorded spot from the run.
     void deleteRecord(const WifiTestResult::Ptr &record) { m_session->deleteRecord(record); }
 
     /// The tutorial (see BMWifiScanView).
     void setupTutorial();
+    /// Removes the tutorial pages.
     void removeTutorial();
+    /// The tutorial stopped scrolling: its page indicator follows.
     void scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView)
     {
         m_view->scrollViewDidEndDecelerating(scrollView);
     }
+    /// The tutorial's animated scroll ended: its page indicator follows.
     void scrollViewDidEndScrollingAnimation(Brightmere::ScrollView *scrollView)
     {
         m_view->scrollViewDidEndScrollingAnimation(scrollView);
     }
+    /// The page indicator was tapped: the tutorial scrolls to its page.
     void pageControlValueChanged() { m_view->pageControlValueChanged(); }
 
     /// The platform's notifications.
     void keyboardDidShow(const Brightmere::Notification &notification);
+    /// The keyboard goes: the spots table gets its space back.
     void keyboardWillHide(const Brightmere::Notification &notification);
+    /// The application goes inactive: a spot being recorded is kept; the test goes on.
     void appWillResignActive(const Brightmere::Notification &notification);
+    /// The application is active again: the loading overlay goes and the network's name is read again.
     void appDidBecomeActive(const Brightmere::Notification &notification);
+    /// The application went to the background: the loading overlay goes and the test stops.
     void applicationDidEnterBackground(const Brightmere::Notification &notification);
 
     /// The tester's and reachability's reports go to the session.
@@ -170,14 +219,17 @@ public:
     {
         m_session->wiFiTesterDidFinishSetupWithError(tester, error);
     }
+    /// A result of the tester (see BMWiFiTesterDelegate).
     void wiFiTesterDidUpdateWithTestResult(BMWiFiTester *tester, const WifiTestResult::Ptr &result)
     {
         m_session->wiFiTesterDidUpdateWithTestResult(tester, result);
     }
+    /// The tester ended with an error, or stopped (see BMWiFiTesterDelegate).
     void wiFiTesterDidFinishWithError(BMWiFiTester *tester, const std::optional<BMError> &error)
     {
         m_session->wiFiTesterDidFinishWithError(tester, error);
     }
+    /// The reachability changed (see BMReachabilityDelegate).
     void reachabilityHasChanged(int status, const QString &withBSSID, const QString &withSSID)
     {
         m_session->reachabilityHasChanged(status, withBSSID, withSSID);
@@ -189,26 +241,31 @@ public:
         if (m_spotsTable)
             m_spotsTable->didBeginEditingSpeedRecord(cell);
     }
+    /// A spot-name edit ended.
     void didEndEditingSpeedRecord(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
             m_spotsTable->didEndEditingSpeedRecord(cell);
     }
+    /// A spot's re-record control went down.
     void didStartTapReRecordView(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
             m_spotsTable->didStartTapReRecordView(cell);
     }
+    /// A spot's re-record control came up inside it: the spot is measured again.
     void didFinishTapReRecordView(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
             m_spotsTable->didFinishTapReRecordView(cell);
     }
+    /// A spot's re-record control came up outside it: nothing changes.
     void didCancelTapReRecordView(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
             m_spotsTable->didCancelTapReRecordView(cell);
     }
+    /// A spot row went into edit mode.
     void didEnterInEditMode(BMSpeedRecordCell *cell)
     {
         if (m_spotsTable)
@@ -217,24 +274,43 @@ public:
 
     /// The screen's views; null until the screen has loaded.
     Brightmere::ScrollView *contentScrollView() const { return m_contentScrollView; }
+    /// The bordered box around the speed figure.
     QWidget *viewBordered() const { return m_view ? m_view->viewBordered() : nullptr; }
+    /// The chart's outer holder.
     QWidget *viewPlotHolderContainer() const { return m_view ? m_view->viewPlotHolderContainer() : nullptr; }
+    /// The chart's holder.
     QWidget *viewPlotHolder() const { return m_view ? m_view->viewPlotHolder() : nullptr; }
+    /// The live speed chart.
     RealTimePlot *charPlot() const;
+    /// The start/stop control.
     BMImageButton *btnStartStop() const { return m_view ? m_view->btnStartStop() : nullptr; }
+    /// The record/reset control.
     BMImageButton *btnRecordReset() const { return m_view ? m_view->btnRecordReset() : nullptr; }
+    /// The sound control.
     BMImageButton *btnSound() const { return m_view ? m_view->btnSound() : nullptr; }
+    /// The "hold to average" note.
     BMLabel *lblHoldToAverage() const { return m_view ? m_view->lblHoldToAverage() : nullptr; }
+    /// The "preparing" note shown until the first result.
     BMLabel *lblPreparing() const { return m_view ? m_view->lblPreparing() : nullptr; }
+    /// The big speed figure.
     BMLabel *lblWifiSpeed() const { return m_view ? m_view->lblWifiSpeed() : nullptr; }
+    /// The unit under the figure ("Mbps").
     BMLabel *lblUnit() const { return m_view ? m_view->lblUnit() : nullptr; }
+    /// The network's name.
     BMLabel *lblSSID() const { return m_view ? m_view->lblSSID() : nullptr; }
+    /// The background behind the speed figure.
     QLabel *wifiCounterBackground() const { return m_view ? m_view->wifiCounterBackground() : nullptr; }
+    /// The table of recorded spots.
     Brightmere::TableView *tblRecords() const { return m_view ? m_view->tblRecords() : nullptr; }
+    /// The tutorial's paged view.
     Brightmere::ScrollView *scrollTutorial() const { return m_view ? m_view->scrollTutorial() : nullptr; }
+    /// The tutorial's page indicator.
     Brightmere::PageControl *pageResults() const { return m_view ? m_view->pageResults() : nullptr; }
+    /// The bar's left control.
     Brightmere::BarButtonItem *leftMenuButton() const { return m_leftMenuItem; }
+    /// The bar's menu control.
     Brightmere::BarButtonItem *menuButton() const { return m_menuItem; }
+    /// The bar's history control.
     Brightmere::BarButtonItem *historyButton() const { return m_historyItem; }
 
     /// The name of the image a view shows now ("buttonStop.png"), as set by
@@ -247,6 +323,7 @@ protected:
     void viewDidAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
     void viewWillLayoutSubviews() override;
+    /// Gives a screen opened from here the way to hand a saved set back for editing.
     void prepareForSegue(Brightmere::StoryboardSegue &segue, QObject *sender) override;
 
 private:
