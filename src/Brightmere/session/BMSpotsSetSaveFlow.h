@@ -23,17 +23,24 @@ public:
     /// The screen shows the alerts and opens the saved list.
     BMSpotsSetSaveFlow(BMWifiTestSession *session, BMSDKUIBaseViewController *screen, QObject *parent = nullptr);
 
+    /// The saving menu: save, or the saved list; with no spots the saved list at once.
     void showHistoricalResultsOptions();
+    /// The prompt for the title.
     void showSaveCurrentSpotSetScreen();
     /// The title typed, trimmed: refused when blank, a question when taken.
     void saveCurrentSpotSet();
+    /// Saves the run under name (trimmed): refused when blank, a question when taken.
     void saveCurrentSpotSetWithName(const QString &name);
+    /// The note that a title is needed.
     void showTitleCannotBeNil();
+    /// The question before the set saved as name is replaced.
     void showSpotsSetAlreadyExistsDialogWithName(const QString &name);
+    /// Opens the list of saved sets.
     void showSavedSpots();
 
     /// The title prompt and its field while it is open; null otherwise.
     FZTextViewOptionsPopup *saveCurrentSpotAlert() const;
+    /// The title prompt's field while it is open; null otherwise.
     QLineEdit *spotNameTextField() const { return m_spotNameTextField.data(); }
 
     /// The list of saved sets, "showSavedSpotsSegue".

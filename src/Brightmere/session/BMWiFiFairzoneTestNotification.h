@@ -13,10 +13,13 @@ class BMWiFiFairzoneTestNotification : public BMBaseNotification
     Q_OBJECT
 
 public:
+    /// A notification named name; posted by postWiFiFairzoneTestStarted().
     BMWiFiFairzoneTestNotification(const QString &name, const QVariantMap &properties, QObject *parent = nullptr);
 
     /// Registers notifyWiFiFairzoneTestStarted for "kWiFiFairzoneTestStarted".
     static void subscribe(BMWiFiFairzoneTestSubscriber *subscriber);
+    /// Removes the subscriber; call it before the subscriber goes away.
     static void unsubscribe(BMWiFiFairzoneTestSubscriber *subscriber);
+    /// Posts "kWiFiFairzoneTestStarted" on this thread.
     static void postWiFiFairzoneTestStarted();
 };

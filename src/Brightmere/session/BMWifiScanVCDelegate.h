@@ -26,12 +26,14 @@ public:
     virtual void wifiScanVCActStop(BMWifiScanVC *vc) {}
     /// At the end of every start and of every stop, whatever caused it.
     virtual void wifiScanVCStartTesting(BMWifiScanVC *vc) {}
+    /// See wifiScanVCStartTesting().
     virtual void wifiScanVCStopTesting(BMWifiScanVC *vc) {}
     /// Wi-Fi went missing during a test, just before the alert.
     virtual void wifiScanVCShowNoWifiPopup(BMWifiScanVC *vc) {}
 
     /// The record/reset control went down, and came up (inside or outside).
     virtual void wifiScanVCActResetTouchDown(BMWifiScanVC *vc) {}
+    /// See wifiScanVCActResetTouchDown().
     virtual void wifiScanVCActResetTouchUpInside(BMWifiScanVC *vc) {}
     /// The run was reset.
     virtual void wifiScanVCActReset(BMWifiScanVC *vc) {}
@@ -45,6 +47,7 @@ public:
     /// The user paged the tutorial; page counts from 1.
     virtual void wifiScanVCScanScreenTutorialView(BMWifiScanVC *vc, int page) {}
 
+    /// The menu control on the bar was tapped.
     virtual void wifiScanVCMenuButtonTapped(BMWifiScanVC *vc) {}
     /// An open spot-name keyboard was dismissed first.
     virtual void wifiScanVCleftMenuBtnTapped(BMWifiScanVC *vc) {}
