@@ -104,6 +104,7 @@ public:
     void setupTutorial();
     /// True when it was still there.
     bool removeTutorial();
+    /// The tutorial came to rest after a drag: the dots follow.
     void scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView);
     /// The tutorial's animated scroll ended: the dots follow.
     void scrollViewDidEndScrollingAnimation(Brightmere::ScrollView *scrollView);

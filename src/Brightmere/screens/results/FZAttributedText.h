@@ -13,10 +13,14 @@ class FZAttributedText
 {
 public:
     FZAttributedText() = default;
+    /// Plain text, without formats, aligned left.
     explicit FZAttributedText(const QString &text);
 
+    /// The text.
     QString string() const { return m_text; }
+    /// The text's length in characters.
     qsizetype length() const { return m_text.size(); }
+    /// Whether the text is empty.
     bool isEmpty() const { return m_text.isEmpty(); }
 
     /// A range reaching outside the text is cut to it (logged); an empty one
@@ -25,9 +29,12 @@ public:
     /// The colour over the whole text, on top of every other range.
     void addForegroundOverAll(const QColor &color);
 
+    /// How a cell aligns the text.
     Qt::Alignment alignment() const { return m_alignment; }
+    /// Sets how a cell aligns the text.
     void setAlignment(Qt::Alignment alignment) { m_alignment = alignment; }
 
+    /// The formatted ranges, in the order added.
     const QList<QTextLayout::FormatRange> &formats() const { return m_formats; }
     /// Every range covering the position merged in order; empty outside the text.
     QTextCharFormat formatAt(qsizetype position) const;

@@ -42,24 +42,36 @@ class FZBaseCollectionViewController : public BMSDKUIBaseViewController,
     Q_OBJECT
 
 public:
+    /// A grid screen; subclasses give its columns, rows and texts.
     explicit FZBaseCollectionViewController(QWidget *parent = nullptr);
 
+    /// The scrolling area of the grid.
     QScrollArea *collectionView() const { return m_collectionView; }
+    /// The bordered frame around the grid.
     BMBorderedView *borderedView() const { return m_borderedView; }
     /// The strip of heading cells above the grid (hidden when there are none).
     QWidget *headerRow() const { return m_headerRow; }
 
     /// 0 until the widths are computed.
     double totalWidth() const { return m_totalWidth; }
+    /// The columns' widths in pixels, from the proportions and the grid's width.
     QList<double> columnWidths() const { return m_columnWidths; }
 
+    /// The name of the grid's cells.
     virtual QString cellIdentifier() const = 0;
+    /// The name of the heading's cells; cellIdentifier() unless given.
     virtual QString headerCellIdentifier() const { return cellIdentifier(); }
+    /// How many columns.
     virtual int numberOfColumns() const = 0;
+    /// How many rows, without the heading.
     virtual int numberOfRows() const = 0;
+    /// The share of the width a column takes (all adding up to 1).
     virtual double columnWidthProportionWithIndex(int index) const = 0;
+    /// A row's height in pixels.
     virtual int rowHeight() const = 0;
+    /// The text of a cell.
     virtual FZAttributedText textForCellWithIndexPath(const Brightmere::IndexPath &indexPath) const = 0;
+    /// The heading of a column.
     virtual FZAttributedText titleForColumnWithIndex(int index) const = 0;
     /// A tap on a heading cell; reloads the grid.
     virtual void columnSelected(int column);
@@ -74,6 +86,7 @@ public:
 
     /// The cell at a grid row and column, or null.
     FZSpotsSetsCollectionViewCell *cellAt(int section, int column) const;
+    /// How many cells are built now.
     int visibleCellCount() const { return int(m_cells.size()); }
     /// The cell the keyboard is on (kept across reloads); null without cells.
     FZSpotsSetsCollectionViewCell *currentCell() const;
@@ -94,13 +107,16 @@ public:
 protected:
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
+    /// Draws and resizes what the grid watches.
     bool eventFilter(QObject *watched, QEvent *event) override;
+    /// A heading was tapped; nothing unless a screen sorts by it.
     void viewCellTouchUpInside(FZSpotsSetsHeaderCollectionViewCell *cell) override;
 
     /// Runs first in every reloadData, before any cell is asked for.
     virtual void willReloadData() {}
     /// Whether a row of heading cells sits above the grid; none by default.
     virtual bool showsHeaderRow() const { return false; }
+    /// The heading's height in pixels.
     virtual int headerRowHeight() const { return 44; }
     /// Lets a subclass fill a heading cell after its title was set from
     /// titleForColumnWithIndex (icon, detail, or a title of its own).

@@ -24,10 +24,12 @@ class FZCompareSpotsSetsViewController : public FZBaseCollectionViewController
     Q_OBJECT
 
 public:
+    /// The compare screen, without a comparison until one is set.
     explicit FZCompareSpotsSetsViewController(QWidget *parent = nullptr);
 
     /// Set before the screen appears; the screen keeps it for its lifetime.
     std::shared_ptr<FZResultSpotsSetsComparison> spotsSetsComparison() const { return m_spotsSetsComparison; }
+    /// Sets the comparison shown.
     void setSpotsSetsComparison(const std::shared_ptr<FZResultSpotsSetsComparison> &comparison)
     {
         m_spotsSetsComparison = comparison;
@@ -36,13 +38,21 @@ public:
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
     void refreshUITexts() override;
 
+    /// The grid's cells.
     QString cellIdentifier() const override { return QStringLiteral("compareCollectionViewCell"); }
+    /// The heading's cells.
     QString headerCellIdentifier() const override { return QStringLiteral("compareHeaderCollectionViewCell"); }
+    /// Label, first set, second set.
     int numberOfColumns() const override { return 3; }
+    /// One row per compared label.
     int numberOfRows() const override;
+    /// The label's column takes a fifth, each set two fifths.
     double columnWidthProportionWithIndex(int index) const override { return index == 0 ? 0.2 : 0.4; }
+    /// A row's height in pixels.
     int rowHeight() const override { return 65; }
+    /// The label, or a set's speed, of a row.
     FZAttributedText textForCellWithIndexPath(const Brightmere::IndexPath &indexPath) const override;
+    /// The label heading and the two sets' titles.
     FZAttributedText titleForColumnWithIndex(int index) const override;
     void columnSelected(int column) override;
 
@@ -51,24 +61,34 @@ public:
     /// Speed, network, access point and date of one record; empty for none.
     static FZAttributedText textForRecord(const WifiTestResult::Ptr &record);
 
+    /// Reverses the row order.
     void sortButtonTapped();
     /// Acts only when the switch's state differs from the one last applied.
     void hideIdenticalDataToggled(Brightmere::Switch *sender);
 
+    /// Whether identical pairs are hidden.
     bool hideIdenticalSwitchIsOn() const { return m_hideIdenticalSwitchIsOn; }
     /// The bottom of the grid: the screen's bottom less the room of the switch.
     int collectionViewMaxY() const { return height() - kSwitchAreaHeight; }
     /// The name of the arrow shown: "arrowUpIcon" or "arrowDownIcon".
     QString sortImageName() const;
 
+    /// The heading row.
     QWidget *headerView() const { return headerRow(); }
+    /// The sort heading.
     QLabel *sortLabel() const;
+    /// The sort arrow.
     QLabel *sortImage() const;
+    /// The first set's title.
     QLabel *set1Label() const;
+    /// The second set's title.
     QLabel *set2Label() const;
+    /// The "hide identical data" switch.
     Brightmere::Switch *hideIdenticalSwitch() const { return m_hideIdenticalSwitch; }
+    /// The switch's label.
     BMLabel *hideIdenticalDataLabel() const { return m_hideIdenticalDataLabel; }
 
+    /// Height of the switch's strip under the grid.
     static constexpr int kSwitchAreaHeight = 80;
 
 protected:

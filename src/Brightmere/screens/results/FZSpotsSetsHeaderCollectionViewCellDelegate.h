@@ -8,5 +8,6 @@ class FZSpotsSetsHeaderCollectionViewCellDelegate
 public:
     virtual ~FZSpotsSetsHeaderCollectionViewCellDelegate() = default;
 
+    /// The heading cell was tapped.
     virtual void viewCellTouchUpInside(FZSpotsSetsHeaderCollectionViewCell *cell) = 0;
 };

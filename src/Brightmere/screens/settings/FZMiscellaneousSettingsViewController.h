@@ -22,6 +22,7 @@ class FZMiscellaneousSettingsViewController : public BMSDKUIBaseViewController
     Q_OBJECT
 
 public:
+    /// The settings screen of the confirmations.
     explicit FZMiscellaneousSettingsViewController(QWidget *parent = nullptr);
 
     BMGAScreenClass screenNameAndClassForEventTracker() const override;
@@ -29,16 +30,25 @@ public:
 
     /// The value-change actions of the three switches.
     void confirmReplacementOfMeasurementChanged(Brightmere::Switch *sender);
+    /// The copy switch changed: stored as the "always copy" setting.
     void confirmCopyOfMeasurementChanged(Brightmere::Switch *sender);
+    /// The deletion switch changed: stored as the "always delete" setting.
     void confirmDeletionOfMeasurementChanged(Brightmere::Switch *sender);
 
+    /// Enables the copy and replace switches as the settings allow.
     void updateCopyAndReplaceSwitchesEnabled();
 
+    /// The replacement switch's label.
     BMLabel *confirmReplacementLabel() const { return m_confirmReplacementLabel; }
+    /// The copy switch's label.
     BMLabel *confirmCopyLabel() const { return m_confirmCopyLabel; }
+    /// The deletion switch's label.
     BMLabel *confirmDeletionOfRecordingLabel() const { return m_confirmDeletionOfRecordingLabel; }
+    /// The replacement switch.
     Brightmere::Switch *confirmReplacementSwitch() const { return m_confirmReplacementSwitch; }
+    /// The copy switch.
     Brightmere::Switch *confirmCopySwitch() const { return m_confirmCopySwitch; }
+    /// The deletion switch.
     Brightmere::Switch *confirmDeletionSwitch() const { return m_confirmDeletionSwitch; }
 
 protected:

@@ -44,10 +44,11 @@ public:
     /// The text a Return leaves and where the cursor goes in it.
     struct ReturnResult
     {
-        QString text;
-        int cursorPosition = 0;
+        QString text; ///< the text after the Return
+        int cursorPosition = 0; ///< where the cursor goes in it
     };
 
+    /// The screen of the remembered spot names, one a line.
     explicit FZSpotNamesSettingsViewController(QWidget *parent = nullptr);
     ~FZSpotNamesSettingsViewController() override;
 
@@ -60,17 +61,27 @@ public:
     /// gives an empty last name).
     QStringList spotNamesAsArray() const;
 
+    /// Whether the names are being edited.
     bool isEditing() const { return m_editing; }
+    /// The text when editing began; std::nullopt when not editing.
     std::optional<QString> stringBeforeEdit() const { return m_stringBeforeEdit; }
+    /// The names as stored when the screen loaded.
     QString originalString() const { return m_originalString; }
 
+    /// Shows the names and the controls for the current state.
     void updateUI();
+    /// Starts or ends editing; ending stores the names.
     void toggleEditing();
+    /// The left control: edit, or done.
     void leftButtonAction(QObject *sender);
+    /// The right control: share, or cancel.
     void rightButtonAction(QObject *sender);
+    /// Shares the names by mail, or copies or saves them where there is no mail.
     void shareViaEmail();
 
+    /// The keyboard comes: the text moves above it.
     void keyboardWillShow(const Brightmere::Notification &notification);
+    /// The keyboard goes: the text gets its space back.
     void keyboardWillHide(const Brightmere::Notification &notification);
 
     /// False when the screen made the change itself (a Return); true to let
@@ -80,15 +91,22 @@ public:
     /// The text after a Return typed at the position (clamped to the text).
     static ReturnResult textAfterReturn(const QString &text, int position);
 
+    /// The mail composer ended.
     void mailComposeControllerDidFinishWithResult(Brightmere::MailComposer *controller,
                                                   Brightmere::MailComposer::Result result);
 
+    /// Sets how the screen learns whether mail can be sent.
     void setMailAvailability(MailAvailability availability);
 
+    /// The text of the names.
     QPlainTextEdit *spotNamesTextView() const { return m_spotNamesTextView; }
+    /// The left control.
     QToolButton *leftButton() const { return m_leftButton; }
+    /// The right control.
     QToolButton *rightButton() const { return m_rightButton; }
+    /// Whether the left control shows the edit icon.
     bool isEditIconShown() const;
+    /// Whether the right control shows the share icon.
     bool isShareIconShown() const;
     /// The text view's content and scroll-indicator inset.
     QMargins contentInset() const { return m_contentInset; }
@@ -97,6 +115,7 @@ public:
 
 protected:
     void viewDidLoad() override;
+    /// Handles keys and focus of the text view.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
