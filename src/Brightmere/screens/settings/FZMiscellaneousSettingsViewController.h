@@ -30,12 +30,12 @@ public:
 
     /// The value-change actions of the three switches.
     void confirmReplacementOfMeasurementChanged(Brightmere::Switch *sender);
-    /// The copy switch changed: stored as the "always copy" setting.
+    /// The copy switch changed: off means "always copy" without asking.
     void confirmCopyOfMeasurementChanged(Brightmere::Switch *sender);
-    /// The deletion switch changed: stored as the "always delete" setting.
+    /// The deletion switch changed: off means "always delete" without asking.
     void confirmDeletionOfMeasurementChanged(Brightmere::Switch *sender);
 
-    /// Enables the copy and replace switches as the settings allow.
+    /// Only one of copy and replace may be the silent answer: each switch is enabled while the other is on.
     void updateCopyAndReplaceSwitchesEnabled();
 
     /// The replacement switch's label.

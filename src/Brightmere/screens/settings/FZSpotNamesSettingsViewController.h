@@ -70,11 +70,11 @@ public:
 
     /// Shows the names and the controls for the current state.
     void updateUI();
-    /// Starts or ends editing; ending stores the names.
+    /// Starts or ends editing.
     void toggleEditing();
-    /// The left control: edit, or done.
+    /// The left control: starts or ends editing.
     void leftButtonAction(QObject *sender);
-    /// The right control: share, or cancel.
+    /// The right control: shares the names, or, while editing, stores the changed names and ends the edit.
     void rightButtonAction(QObject *sender);
     /// Shares the names by mail, or copies or saves them where there is no mail.
     void shareViaEmail();
