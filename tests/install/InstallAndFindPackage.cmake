@@ -1,8 +1,13 @@
 # cmake -DBUILD_DIR=... -DHOST_SOURCE_DIR=... -DWORK_DIR=... -DGENERATOR=... -P InstallAndFindPackage.cmake
+cmake_policy(VERSION 3.25)
 
-file(REMOVE_RECURSE "${WORK_DIR}")
+# The prefix and the host's build are kept between runs: the host compiles
+# every installed header on its own (half a minute on two cores), and a run
+# after a change recompiles only what the change touched.
+set(fresh "${WORK_DIR}/fresh")
 set(prefix "${WORK_DIR}/prefix")
 set(host_build "${WORK_DIR}/host-build")
+file(REMOVE_RECURSE "${fresh}")
 
 function(run step)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
@@ -13,7 +18,22 @@ function(run step)
     set(last_output "${out}" PARENT_SCOPE)
 endfunction()
 
-run("install the kit" ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
+run("install the kit" ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${fresh}")
+# Into the kept prefix: what the install no longer has goes, and a file the
+# same as before keeps its time.
+file(GLOB_RECURSE installed RELATIVE "${fresh}" LIST_DIRECTORIES false "${fresh}/*")
+file(GLOB_RECURSE kept RELATIVE "${prefix}" LIST_DIRECTORIES false "${prefix}/*")
+foreach(file IN LISTS kept)
+    if(NOT file IN_LIST installed)
+        file(REMOVE "${prefix}/${file}")
+    endif()
+endforeach()
+foreach(file IN LISTS installed)
+    get_filename_component(folder "${prefix}/${file}" DIRECTORY)
+    file(MAKE_DIRECTORY "${folder}")
+    file(COPY_FILE "${fresh}/${file}" "${prefix}/${file}" ONLY_IF_DIFFERENT)
+endforeach()
+file(REMOVE_RECURSE "${fresh}")
 # What a host uses is installed; what only the kit uses is not.
 foreach(header session/BMWifiScanVC.h platform/foundation/UserDefaults.h resources/FrameworkBundle.h)
     if(NOT EXISTS "${prefix}/include/Brightmere/${header}")
@@ -37,4 +57,3 @@ run("run the host" "${host_build}/brightmere_host")
 if(NOT last_output MATCHES "BrightmereMobileSDKUI [0-9]+\\.[0-9]+\\.[0-9]+")
     message(FATAL_ERROR "the host printed an unexpected line: ${last_output}")
 endif()
-file(REMOVE_RECURSE "${WORK_DIR}")
