@@ -54,6 +54,6 @@ run("configure the host" ${CMAKE_COMMAND} -S "${HOST_SOURCE_DIR}" -B "${host_bui
     "-DCMAKE_PREFIX_PATH=${prefix}" ${host_options})
 run("build the host" ${CMAKE_COMMAND} --build "${host_build}")
 run("run the host" "${host_build}/brightmere_host")
-if(NOT last_output MATCHES "BrightmereMobileSDKUI [0-9]+\\.[0-9]+\\.[0-9]+")
+if(NOT last_output MATCHES "BrightmereMobileSDKUI [0-9]+\\.[0-9]+\\.[0-9]+: saved 'Ground floor' with 1 spot")
     message(FATAL_ERROR "the host printed an unexpected line: ${last_output}")
 endif()

@@ -1,22 +1,76 @@
-// A host application as a customer writes one: it links the installed kit
-// and uses a class from each of its three libraries.
-#include <Brightmere/core/WifiTestResult.h>
+// A host application as a customer writes one, as doc/embedding-guide.md
+// says: it links the installed kit, shows the test screen in a navigation
+// stack on the simulated backend, runs a test, records a spot, saves the run
+// as a spots set and reads it back from the store.
+#include <Brightmere/core/BMSDKBackend.h>
+#include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 #include <Brightmere/platform/foundation/UserDefaults.h>
+#include <Brightmere/platform/views/KeyWindow.h>
+#include <Brightmere/platform/views/NavigationController.h>
 #include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/session/BMWifiTestSession.h>
+#include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QTemporaryDir>
 #include <QTextStream>
+
+namespace {
+
+// Lets the screen work until the condition holds; false after ten seconds.
+template<typename Condition>
+bool waitFor(Condition condition)
+{
+    for (QDeadlineTimer bound(10000); !condition(); QCoreApplication::processEvents(QEventLoop::AllEvents, 20))
+        if (bound.hasExpired())
+            return false;
+    return true;
+}
+
+int fail(const char *what)
+{
+    QTextStream(stderr) << "host: " << what << '\n';
+    return 1;
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    QTemporaryDir dir;
-    Brightmere::UserDefaults defaults(dir.filePath(QStringLiteral("host.ini")));
-    defaults.setObject(WifiTestResult::archiveList({WifiTestResult::create(42.5)}), QStringLiteral("spots"));
-    const auto spots = WifiTestResult::unarchiveList(defaults.dataForKey(QStringLiteral("spots")));
-    if (!spots || spots->size() != 1 || spots->first()->speedInMbps() != 42.5)
-        return 1;
-    QTextStream(stdout) << "BrightmereMobileSDKUI " << Brightmere::FrameworkBundle::shortVersion() << '\n';
+    QTemporaryDir home;
+    Brightmere::UserDefaults::setStandardFilePath(home.filePath(QStringLiteral("host.ini")));
+    BMSDKBackend::setSampleInterval(0.05); // a quick walk
+
+    BMSDKUIStoryboard::registerSegues();
+    auto *scan = new BMWifiScanVC;
+    scan->setSdkCustomer(QStringLiteral("acme"));
+    scan->setSdkPassword(qEnvironmentVariable("BRIGHTMERE_PASSWORD"));
+    Brightmere::NavigationController navigation(scan);
+    navigation.resize(375, 667);
+    navigation.show();
+    Brightmere::KeyWindow::makeKeyWindow(&navigation);
+
+    scan->actStartStop();
+    BMWifiTestSession *session = scan->session();
+    if (!waitFor([session] { return session->isScanning() && !session->testedSpeeds().isEmpty(); }))
+        return fail("no speed arrived");
+    scan->actRecordResetTouchDown();
+    const qsizetype before = session->testedSpeeds().size();
+    if (!waitFor([session, before] { return session->testedSpeeds().size() > before; }))
+        return fail("no speed arrived while recording");
+    scan->actRecordResetTouchUpInside();
+    scan->actStartStop();
+    if (session->recordedSpeeds().size() != 1)
+        return fail("the spot was not recorded");
+
+    scan->saveCurrentSpotSetWithName(QStringLiteral("Ground floor"));
+    const FZHistoricalResultSpotsSet::Ptr saved = FZHistoricalResultSpotsSet::spotsSetWithName(QStringLiteral("Ground floor"));
+    if (!saved || saved->spots().size() != 1)
+        return fail("the saved set did not read back");
+    QTextStream(stdout) << "BrightmereMobileSDKUI " << Brightmere::FrameworkBundle::shortVersion() << ": saved '"
+                        << saved->name() << "' with " << saved->spots().size() << " spot\n";
     return 0;
 }
