@@ -413,6 +413,18 @@ private Q_SLOTS:
             QCOMPARE(QFontInfo(View::kitFont(QFont())).family(), QStringLiteral("DejaVu Sans"));
     }
 
+    // A user's larger text reaches the kit's fonts, and a change of it at once.
+    void fontsFollowTheApplicationFont()
+    {
+        const QFont system = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+        for (const qreal scale : {1.5, 2.0, 1.0}) { // back to the system's at the end
+            QFont font = system;
+            font.setPointSizeF(system.pointSizeF() * scale);
+            QApplication::setFont(font);
+            QCOMPARE(View::fontOfSize(20).pixelSize(), qRound(20 * scale));
+        }
+    }
+
     void imagesAreFoundByNameWithOrWithoutAnExtension()
     {
         // Drawn from the vector image at any size: sharp, in proportion, not blank.

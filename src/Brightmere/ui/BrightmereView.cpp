@@ -8,11 +8,10 @@
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <QHash>
-#include <QPalette>
-#include <QPointer>
-#include <QThread>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QPalette>
+#include <QThread>
 
 #include <atomic>
 #include <cmath>
@@ -117,44 +116,27 @@ qreal pointSizeOf(const QFont &font)
 }
 
 // The application's font against the platform's, 1 when either is unknown.
+// Asking the platform for its font is costly and this is asked for every
+// font made and for round titles on every paint, so on the main thread the
+// answer is kept while the application's font stays the same; other threads
+// ask afresh.
 qreal userFontScale()
 {
+    const QFont application = QGuiApplication::font();
+    const bool mainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
+    static QString keptFont; // the application font's key
+    static qreal keptScale = 0; // 0: not known
+    if (mainThread && keptScale > 0 && application.key() == keptFont)
+        return keptScale;
     const qreal platform = pointSizeOf(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
-    const qreal application = pointSizeOf(QGuiApplication::font());
-    return platform > 0 && application > 0 ? application / platform : 1.0;
+    const qreal points = pointSizeOf(application);
+    const qreal scale = platform > 0 && points > 0 ? points / platform : 1.0;
+    if (mainThread) {
+        keptFont = application.key();
+        keptScale = scale;
+    }
+    return scale;
 }
-
-// Asking the platform for its font is costly and textScale() is asked for
-// every font made and for round titles on every paint, so the user's scale is
-// kept until the application's font changes. Main thread only; other threads
-// ask afresh.
-class UserFontScaleCache : public QObject
-{
-public:
-    explicit UserFontScaleCache(QObject *application)
-        : QObject(application)
-    {
-        application->installEventFilter(this);
-    }
-
-    qreal scale()
-    {
-        if (m_scale <= 0)
-            m_scale = userFontScale();
-        return m_scale;
-    }
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::ApplicationFontChange && watched == parent())
-            m_scale = 0;
-        return false;
-    }
-
-private:
-    qreal m_scale = 0; // 0: not known
-};
 
 } // namespace
 
@@ -162,17 +144,9 @@ qreal textScale()
 {
     qreal scale = s_textScaleFactor.load();
     // Without a GUI application there is no user's font to follow.
-    auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
-    if (!application)
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
         return scale;
-    if (QThread::currentThread() == application->thread()) {
-        static QPointer<UserFontScaleCache> cache;
-        if (!cache || cache->parent() != application)
-            cache = new UserFontScaleCache(application);
-        scale *= cache->scale();
-    } else {
-        scale *= userFontScale();
-    }
+    scale *= userFontScale();
     return qBound(kMinimumTextScaleFactor, scale, kMaximumTextScaleFactor);
 }
 

@@ -294,7 +294,7 @@ void FZBaseCollectionViewController::layoutCells()
         return;
     }
     if (!m_cells.isEmpty()) {
-        sizeForItemAtIndexPath(IndexPath(0, 0));
+        sizeForItemAtIndexPath(IndexPath(0, 0)); // fixes the columns at the first width the grid has
         fitColumnsToText();
     }
     int top = 0;
