@@ -1,5 +1,4 @@
 #include "LayoutChecks.h"
-#include "LogCapture.h"
 #include <Brightmere/platform/views/KeyboardNotifications.h>
 #include <Brightmere/platform/views/KeyWindow.h>
 #include <Brightmere/popups/FZConfirmSpotModificationPopup.h>
@@ -71,10 +70,8 @@ FZOptionsPopup *tst_FZOptionsPopup::make(const QString &kind, const QStringList 
 void tst_FZOptionsPopup::withoutKeyWindowItIsLetGo()
 {
     m_window->hide();
-    LogCapture log;
     QPointer<FZOptionsPopup> lost = FZOptionsPopup::popupWithOptions({"Title", "ok"});
     lost->show();
-    QVERIFY(log.contains("no key window"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!lost);
 }
