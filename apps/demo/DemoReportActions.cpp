@@ -10,10 +10,10 @@
 #include <Brightmere/platform/views/Storyboard.h>
 #include <Brightmere/platform/views/TableView.h>
 #include <Brightmere/reports/FZComparisonReportRows.h>
-#include <Brightmere/resources/FrameworkBundle.h>
 #include <Brightmere/screens/results/FZCompareSpotsSetsViewController.h>
 #include <Brightmere/screens/results/FZSavedSpotsViewController.h>
 #include <Brightmere/screens/results/FZSpotsSetViewController.h>
+#include <Brightmere/session/BMWifiScanVC.h>
 #include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 #include <Brightmere/ui/BMSDKUIAlertView.h>
 
@@ -90,7 +90,7 @@ void DemoReportActions::attach(Brightmere::ViewController *screen)
     if (!qobject_cast<FZSpotsSetViewController *>(screen) && !qobject_cast<FZCompareSpotsSetsViewController *>(screen))
         return;
     QPointer<Brightmere::ViewController> guard(screen);
-    auto *item = new Brightmere::BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconShare")),
+    auto *item = new Brightmere::BarButtonItem(BMWifiScanVC::imageNamed(QStringLiteral("iconShare")),
                                                Brightmere::BarButtonItem::Style::Plain, {}, screen);
     item->setObjectName(QStringLiteral("demoShareButton"));
     item->setAction([self, guard] {

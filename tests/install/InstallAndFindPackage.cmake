@@ -45,6 +45,24 @@ foreach(header core/BMSeededRandom.h platform/foundation/TaskList.h i18n/BMSubsc
         message(FATAL_ERROR "an internal header is installed: ${header}")
     endif()
 endforeach()
+# A library's dynamic symbols are its exported API: a class a host uses is
+# there, a class only the kit uses is not.
+find_program(NM nm REQUIRED)
+foreach(check IN ITEMS "MobileSDKUI BMWifiScanVC DragTracker" "MobileSDKUI FZHistoricalResultSpotsSet FZReportFile"
+                       "MobileSDK BMTesterFactory BMSeededRandom" "Foundation UserDefaults StringTable")
+    separate_arguments(check)
+    list(GET check 0 name)
+    list(GET check 1 exported)
+    list(GET check 2 internal)
+    set(library "${prefix}/lib/libBrightmere${name}.so")
+    execute_process(COMMAND ${NM} -D -C --defined-only "${library}" OUTPUT_VARIABLE symbols RESULT_VARIABLE result)
+    if(NOT result EQUAL 0 OR NOT symbols MATCHES "[ :]${exported}::")
+        message(FATAL_ERROR "${library} does not export ${exported}")
+    endif()
+    if(symbols MATCHES "[ :]${internal}::")
+        message(FATAL_ERROR "${library} exports the internal class ${internal}")
+    endif()
+endforeach()
 # A kit built with sanitizers needs their runtimes in the host too.
 set(host_options "-DCMAKE_CXX_COMPILER=${HOST_CXX_COMPILER}")
 if(HOST_SANITIZE)

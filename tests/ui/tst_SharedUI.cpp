@@ -11,7 +11,7 @@
 #include <Brightmere/platform/views/NavigationBar.h>
 #include <Brightmere/platform/views/NavigationController.h>
 #include <Brightmere/platform/views/NavigationItem.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMLoadingView.h>
 #include <Brightmere/ui/BMMainButton.h>
 #include <Brightmere/ui/BMScreenChangeNotification.h>
@@ -429,12 +429,12 @@ private Q_SLOTS:
     {
         // Drawn from the vector image at any size: sharp, in proportion, not blank.
         for (const QString name : {"buttonStart", "buttonRecord.png", "wifiCounterRecording", "fairzones_scroll_4"}) {
-            const QImage image = FrameworkBundle::imageNamed(name).pixmap(QSize(400, 100), 2.0).toImage();
+            const QImage image = Brightmere::Image::named(name).pixmap(QSize(400, 100), 2.0).toImage();
             QCOMPARE(image.height(), 200);
             QCOMPARE(double(image.width()) / image.height(), name.startsWith("fairzones") ? 1.6 : 1.0);
             QVERIFY2(qAlpha(image.pixel(image.width() / 2, image.height() / 3)) > 0, qPrintable(name));
         }
-        QVERIFY(FrameworkBundle::imageNamed(QStringLiteral("buttonPause.png")).isNull());
+        QVERIFY(Brightmere::Image::named(QStringLiteral("buttonPause.png")).isNull());
     }
 
     // The border a style sets, and the background a real press and release show.

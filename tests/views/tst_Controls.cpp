@@ -4,6 +4,7 @@
 #include "PointerInput.h"
 #include "TestEnvironment.h"
 #include <Brightmere/platform/views/Alert.h>
+#include <Brightmere/platform/views/ColorContrast.h>
 #include <Brightmere/platform/views/PageControl.h>
 #include <Brightmere/platform/views/ScrollAnimator.h>
 #include <Brightmere/platform/views/ScrollView.h>
@@ -256,6 +257,29 @@ private Q_SLOTS:
             QTest::mouseClick(&control, Qt::LeftButton, {}, control.dotCentre(current).toPoint() + QPoint(clickX, 0));
             QCOMPARE(control.currentPage(), page);
             QCOMPARE(changed.size(), page == current ? 0 : 1);
+        }
+    }
+
+    // Without the caller's tints the dots take the widget's palette, made to
+    // stand out from the page even where the palette's own grey does not.
+    void untintedDotsStandOutFromThePage()
+    {
+        for (const QColor page : {QColor(Qt::white), QColor(0x20, 0x20, 0x20)}) {
+            PageControl control;
+            QPalette palette = control.palette();
+            palette.setColor(QPalette::Window, page);
+            palette.setColor(QPalette::Mid, page.lighter(110));
+            control.setPalette(palette);
+            control.setAutoFillBackground(true);
+            control.setNumberOfPages(3);
+            control.setCurrentPage(1);
+            control.resize(100, 20);
+            const QImage image = control.grab().toImage();
+            const QColor dot = image.pixelColor(control.dotCentre(0).toPoint());
+            const QColor current = image.pixelColor(control.dotCentre(1).toPoint());
+            QVERIFY2(Color::contrastRatio(dot, page) >= Color::kLargeContrast, qPrintable(dot.name()));
+            QVERIFY2(Color::contrastRatio(current, page) >= Color::kLargeContrast, qPrintable(current.name()));
+            QVERIFY(current != dot);
         }
     }
 

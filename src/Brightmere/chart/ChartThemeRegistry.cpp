@@ -1,5 +1,7 @@
 #include "ChartThemeRegistry.h"
 
+#include "DarkGradientTheme.h"
+#include "_CPTBMClearTheme.h"
 #include <Brightmere/core/BMLogger.h>
 
 #include <QMutex>
@@ -11,14 +13,23 @@ namespace {
 
 const QString kModule = QStringLiteral("ChartThemeRegistry");
 
+// The kit's own themes are in it from the start, whichever parts of the kit
+// a program links; a theme registered under one of their names replaces it.
 struct Registry
 {
+    Registry()
+    {
+        factories[QString::fromLatin1(kCPTBMClearTheme)] = [] { return std::make_shared<const _CPTBMClearTheme>(); };
+        factories[QString::fromLatin1(kCPTDarkGradientTheme)] = [] {
+            return std::make_shared<const DarkGradientTheme>();
+        };
+    }
+
     QMutex mutex;
     std::map<QString, ChartThemeRegistry::Factory> factories;
 };
 
-// Filled while the library's static objects are made, so it must exist
-// before any of them asks: a function-local static.
+// Made on first use, which may come while other static objects are made.
 Registry &registry()
 {
     static Registry instance;

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// The themes a chart can be asked for by name. A theme class registers
-// itself when the kit's library is loaded; a host may add its own.
+// The themes a chart can be asked for by name: the kit's own ("BM Clear" and
+// "Dark Gradients") from the first call on, and any a host adds.
 class ChartThemeRegistry
 {
 public:

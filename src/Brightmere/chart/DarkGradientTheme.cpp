@@ -1,15 +1,11 @@
 #include "DarkGradientTheme.h"
 
-#include "ChartThemeRegistry.h"
 #include "XYGraph.h"
 #include <Brightmere/ui/BrightmereColor.h>
 
 #include <QLinearGradient>
 
 namespace {
-
-[[maybe_unused]] const bool registered = ChartThemeRegistry::registerTheme(
-    QString::fromLatin1(kCPTDarkGradientTheme), [] { return std::make_shared<const DarkGradientTheme>(); });
 
 QColor grey(uint level)
 {

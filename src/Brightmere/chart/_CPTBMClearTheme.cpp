@@ -1,13 +1,9 @@
 #include "_CPTBMClearTheme.h"
 
-#include "ChartThemeRegistry.h"
 #include "XYGraph.h"
 #include <Brightmere/ui/BrightmereColor.h>
 
 namespace {
-
-[[maybe_unused]] const bool registered = ChartThemeRegistry::registerTheme(
-    QString::fromLatin1(kCPTBMClearTheme), [] { return std::make_shared<const _CPTBMClearTheme>(); });
 
 QColor clearColor()
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
@@ -16,7 +18,7 @@
 /// without their subscribers hearing each other. Subclasses put typed
 /// subscribe / unsubscribe / post class operations on top of
 /// associateSelector() and removeSubscriber().
-class BMBaseNotification : public QObject
+class BRIGHTMERE_SDK_EXPORT BMBaseNotification : public QObject
 {
     Q_OBJECT
 

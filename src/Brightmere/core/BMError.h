@@ -1,11 +1,13 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QMetaType>
 #include <QString>
 
 /// An error as the core library reports it: a domain, a code and a text for
 /// people. Converts to QString (and so prints with "%@").
-class BMError
+class BRIGHTMERE_SDK_EXPORT BMError
 {
 public:
     BMError() = default;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QDataStream>
 
 /// A latitude/longitude pair in degrees.
-struct BMLocationCoordinate2D
+struct BRIGHTMERE_SDK_EXPORT BMLocationCoordinate2D
 {
     /// Degrees north, from -90 to 90.
     double latitude = 0.0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <Brightmere/platform/foundation/StringFormat.h>
 
 #include <QLoggingCategory>
@@ -14,7 +16,7 @@
 // 3 error; each line is written through the QLoggingCategory of its module
 // ("brightmere.<module>") as debug, info or warning, and handed to every
 // observer (tests capture lines that way, whatever the logging rules enable).
-class BMLogger
+class BRIGHTMERE_SDK_EXPORT BMLogger
 {
 public:
     using Observer = std::function<void(const QString &module, int level, const QString &message)>;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMSDKBackend.h"
 #include "BMSimulatedNetwork.h"
 
@@ -21,7 +23,7 @@ class BMReachabilityDelegate;
 // the next time it is asked or a source reports: from then on only the new
 // backend's changes reach the subscribers, and they hear the new status if it
 // differs from the last one they were told.
-class BMReachabilityManager : public QObject
+class BRIGHTMERE_SDK_EXPORT BMReachabilityManager : public QObject
 {
     Q_OBJECT
 

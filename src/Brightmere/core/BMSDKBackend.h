@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QList>
 #include <QUrl>
 
@@ -14,7 +16,7 @@ class Clock;
 /// system's (real reachability, the real Wi-Fi network and real HTTP download
 /// throughput). The host chooses before it creates a tester; tests inject a
 /// clock, a rate and a trace so that runs are fast and repeatable.
-class BMSDKBackend
+class BRIGHTMERE_SDK_EXPORT BMSDKBackend
 {
 public:
     /// The two worlds the core library can measure.

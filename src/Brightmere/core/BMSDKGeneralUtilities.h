@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <Brightmere/platform/foundation/StringFormat.h>
 
 #include <QDateTime>
@@ -8,7 +10,7 @@
 
 // Small services of the core library: the device language, the language the
 // kit shows, addresses built from formats, and date texts.
-class BMSDKGeneralUtilities
+class BRIGHTMERE_SDK_EXPORT BMSDKGeneralUtilities
 {
 public:
     // The device's preferred language in the "en-US" form, from the system

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMError.h"
 #include "BMSDKRestRequestTask.h"
 
@@ -27,7 +29,7 @@ class QThread;
 ///
 /// The network thread is shut down when the application object goes away;
 /// requests still running then are dropped without calling their handlers.
-class BMSDKHTTPSessionManager : public QObject
+class BRIGHTMERE_SDK_EXPORT BMSDKHTTPSessionManager : public QObject
 {
     Q_OBJECT
 

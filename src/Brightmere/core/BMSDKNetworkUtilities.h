@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QString>
 
 #include <optional>
@@ -10,7 +12,7 @@
 // point (through nmcli), none when nmcli is missing, fails or nothing is
 // active. Screens ask on every result, so the system's answer is kept for a
 // few seconds (timed by BMSDKBackend::clock()).
-class BMSDKNetworkUtilities
+class BRIGHTMERE_SDK_EXPORT BMSDKNetworkUtilities
 {
 public:
     static constexpr double kSystemAnswerLifetime = 3.0; // seconds

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include <QMetaType>
 #include <QUrl>
 
@@ -7,7 +9,7 @@
 /// (a number unique in the process), the address asked and the HTTP status of
 /// the answer (0 when no HTTP answer arrived: refused, timed out, cut off
 /// before the headers).
-class BMSDKRestRequestTask
+class BRIGHTMERE_SDK_EXPORT BMSDKRestRequestTask
 {
 public:
     BMSDKRestRequestTask() = default;

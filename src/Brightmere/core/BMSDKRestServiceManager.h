@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMError.h"
 #include "BMSDKHTTPSessionManager.h"
 
@@ -47,7 +49,7 @@ enum BMSDKRestServiceErrorCode {
 ///
 /// Every handler runs on the shared network thread (see
 /// BMSDKHTTPSessionManager), never on the caller's thread, exactly once.
-class BMSDKRestServiceManager : public QObject
+class BRIGHTMERE_SDK_EXPORT BMSDKRestServiceManager : public QObject
 {
     Q_OBJECT
 

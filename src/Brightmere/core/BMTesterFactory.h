@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMWiFiTester.h"
 
 #include <QString>
@@ -9,7 +11,7 @@
 /// Makes the testers of the core library, of the backend BMSDKBackend::kind()
 /// chooses. The customer's password is handed to the tester and kept in its
 /// memory for its lifetime only: it is never written to a file or a log.
-class BMTesterFactory
+class BRIGHTMERE_SDK_EXPORT BMTesterFactory
 {
 public:
     BMTesterFactory() = delete;

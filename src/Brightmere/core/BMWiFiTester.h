@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMError.h"
 #include "BMLocationCoordinate2D.h"
 
@@ -24,7 +26,7 @@ class Clock;
 /// The tester belongs to the thread that created it (the main thread in the
 /// kit): its delegate is called there only. start() and stop() called from
 /// another thread are forwarded to that thread.
-class BMWiFiTester : public QObject
+class BRIGHTMERE_SDK_EXPORT BMWiFiTester : public QObject
 {
     Q_OBJECT
 

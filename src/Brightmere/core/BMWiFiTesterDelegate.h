@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMBaseTesterDelegate.h"
 #include "BMError.h"
 #include "WifiTestResult.h"
@@ -12,7 +14,7 @@ class BMWiFiTester;
 /// tester, in this order for one test: setup finished, then results, then
 /// (only when the test ends by itself) finished. A delegate may stop, restart
 /// or delete the tester from inside any of these calls.
-class BMWiFiTesterDelegate : public BMBaseTesterDelegate
+class BRIGHTMERE_SDK_EXPORT BMWiFiTesterDelegate : public BMBaseTesterDelegate
 {
 public:
     /// The tester is ready to measure; an error means it never will in this

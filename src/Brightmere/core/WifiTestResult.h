@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKExport.h>
+
 #include "BMLocationCoordinate2D.h"
 #include <Brightmere/platform/foundation/Archive.h>
 
@@ -13,7 +15,7 @@
 /// One measurement of the Wi-Fi tester. A spot of a run or of a saved set is
 /// one such object, so it is shared by pointer: the list of tested results and
 /// the list of spots hold the very same object.
-class WifiTestResult
+class BRIGHTMERE_SDK_EXPORT WifiTestResult
 {
 public:
     /// A result as shared between the tested list and the spots.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -15,7 +17,7 @@
 /// may hold "=") and lets a later line win over an earlier one with its key.
 /// A leading U+FEFF is kept as part of the first key, so a file reads back
 /// exactly as it was written.
-class BMI18NBundleFile
+class BRIGHTMERE_SDKUI_EXPORT BMI18NBundleFile
 {
 public:
     /// Texts by key.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMI18NBundleFile.h"
 #include <Brightmere/core/BMSDKRestServiceManager.h>
 
@@ -54,7 +56,7 @@ inline constexpr char kReplacePlaceholder[] = "%@";
 ///
 /// Nothing is thrown: bad answers, files or arguments give a log line (module
 /// "BMI18NManager") and leave the texts held usable.
-class BMI18NManager : public std::enable_shared_from_this<BMI18NManager>
+class BRIGHTMERE_SDKUI_EXPORT BMI18NManager : public std::enable_shared_from_this<BMI18NManager>
 {
 public:
     /// Texts by key.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMI18NNotificationSubscriber.h"
 #include "BMNotificationDelivery.h"
 #include <Brightmere/core/BMBaseNotification.h>
@@ -15,7 +17,7 @@ inline constexpr char kTextBundleNotAvailable[] = "kTextBundleNotAvailable";
 /// The localisation manager posts them from the thread its service answers
 /// arrive on; a subscriber that touches views subscribes with
 /// BMNotificationDelivery::MainThread.
-class BMI18NNotification : public BMBaseNotification
+class BRIGHTMERE_SDKUI_EXPORT BMI18NNotification : public BMBaseNotification
 {
     Q_OBJECT
 

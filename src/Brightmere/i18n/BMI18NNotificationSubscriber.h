@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMI18NNotification;
 
 /// What a subscriber of BMI18NNotification implements: one operation per name.
 /// The notification passed in lives only for the call.
-class BMI18NNotificationSubscriber
+class BRIGHTMERE_SDKUI_EXPORT BMI18NNotificationSubscriber
 {
 public:
     virtual ~BMI18NNotificationSubscriber() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMLanguageChangeSubscriber.h"
 #include "BMNotificationDelivery.h"
 #include <Brightmere/core/BMBaseNotification.h>
@@ -9,7 +11,7 @@ inline constexpr char kLanguageChange[] = "kLanguageChange";
 /// Tells the kit and the host that the current language was changed
 /// (BMI18NManager::setCurrentLanguage). Carries an empty properties map and is
 /// posted on the thread that changed the language.
-class BMLanguageChangeNotification : public BMBaseNotification
+class BRIGHTMERE_SDKUI_EXPORT BMLanguageChangeNotification : public BMBaseNotification
 {
     Q_OBJECT
 

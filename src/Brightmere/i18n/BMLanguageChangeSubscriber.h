@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMLanguageChangeNotification;
 
 /// What a subscriber of BMLanguageChangeNotification implements. The
 /// notification passed in lives only for the call.
-class BMLanguageChangeSubscriber
+class BRIGHTMERE_SDKUI_EXPORT BMLanguageChangeSubscriber
 {
 public:
     virtual ~BMLanguageChangeSubscriber() = default;

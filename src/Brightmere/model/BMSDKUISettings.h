@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QString>
 #include <QStringList>
 
@@ -9,7 +11,7 @@
 /// installation. Every call reads or writes the standard user defaults at once,
 /// and every write is synchronised; only the high-contrast switch lives in
 /// memory, since the host follows its system's preference on every start.
-class BMSDKUISettings
+class BRIGHTMERE_SDKUI_EXPORT BMSDKUISettings
 {
 public:
     /// User-defaults key of the "always delete" switch.

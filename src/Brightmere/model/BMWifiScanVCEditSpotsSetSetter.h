@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZHistoricalResultSpotsSet.h"
 
 /// The test screen as the saved-results screens see it: they can hand it a
@@ -7,7 +9,7 @@
 /// that take it along declare the QObject property "editSpotsSetSetter"; the
 /// test screen sets it on every destination of its segues, and they pass it
 /// on to theirs.
-class BMWifiScanVCEditSpotsSetSetter
+class BRIGHTMERE_SDKUI_EXPORT BMWifiScanVCEditSpotsSetSetter
 {
 public:
     virtual ~BMWifiScanVCEditSpotsSetSetter() = default;

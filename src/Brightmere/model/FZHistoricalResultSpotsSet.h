@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/core/WifiTestResult.h>
 
 #include <QDataStream>
@@ -19,7 +21,7 @@
 /// value of the standard user defaults. Sets are values: a change to a loaded
 /// set reaches the store only through saveSpotSet(). They are shared by
 /// pointer because a listing marks `comparable` on the very objects it returns.
-class FZHistoricalResultSpotsSet
+class BRIGHTMERE_SDKUI_EXPORT FZHistoricalResultSpotsSet
 {
 public:
     /// A set as shared by the screens and the store.
@@ -170,4 +172,4 @@ private:
     WifiTestResult::List m_mutableSpots;
 };
 
-size_t qHash(const FZHistoricalResultSpotsSet &set, size_t seed = 0);
+BRIGHTMERE_SDKUI_EXPORT size_t qHash(const FZHistoricalResultSpotsSet &set, size_t seed = 0);

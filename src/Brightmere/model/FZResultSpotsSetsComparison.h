@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZHistoricalResultSpotsSet.h"
 
 #include <memory>
@@ -9,7 +11,7 @@
 /// set holds it more than once, optionally without pairs that are the very
 /// same measurement, ordered by label (numerically). Both lists always have
 /// the same length and equal labels at every row.
-class FZResultSpotsSetsComparison
+class BRIGHTMERE_SDKUI_EXPORT FZResultSpotsSetsComparison
 {
 public:
     /// The comparison of firstSet with secondeSet, labels descending, identical pairs left out; an absent set counts as empty (logged).

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZReportResult.h"
 #include <Brightmere/model/FZResultSpotsSetsComparison.h>
 
@@ -10,7 +12,7 @@
 /// with the speed in each set, the change in Mbps and in percent. A side that
 /// lacks the label leaves its speed and both changes empty; a first speed of
 /// 0 leaves the percent empty.
-class FZComparisonCsvWriter
+class BRIGHTMERE_SDKUI_EXPORT FZComparisonCsvWriter
 {
 public:
     /// The CSV text of a comparison; with hideIdentical, labels whose speeds are equal are left out.

@@ -7,7 +7,7 @@
 #include <Brightmere/platform/foundation/Clock.h>
 #include <Brightmere/platform/foundation/StringFormat.h>
 #include <Brightmere/ui/BrightmereColor.h>
-#include <Brightmere/ui/BrightmereView.h>
+#include <Brightmere/ui/BrightmereFont.h>
 
 #include <QBuffer>
 #include <QFontMetricsF>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZReportResult.h"
 #include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 #include <Brightmere/model/FZResultSpotsSetsComparison.h>
@@ -19,7 +21,7 @@
 ///
 /// Needs a QGuiApplication (fonts), not widgets. Page size by the locale:
 /// Letter where that is the usual paper, A4 elsewhere.
-class FZReportPdfWriter
+class BRIGHTMERE_SDKUI_EXPORT FZReportPdfWriter
 {
 public:
     /// Where each table row was drawn, in points within the page's printable area.

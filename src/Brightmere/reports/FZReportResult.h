@@ -1,12 +1,14 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QString>
 #include <QStringList>
 
 /// What a report or backup operation tells its host: success, or which kind
 /// of failure with a message for the developer (the same text is logged).
 /// A restore also says what it did with each set of the file.
-class FZReportResult
+class BRIGHTMERE_SDKUI_EXPORT FZReportResult
 {
 public:
     /// Kinds of failure.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZReportResult.h"
 #include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 
@@ -9,7 +11,7 @@
 /// One saved set as a spreadsheet: a row per spot in the set's current order
 /// (label, speed in Mbps with two decimals, averaged, averaging seconds, SSID,
 /// BSSID, ISO 8601 time in UTC), under a localised header row.
-class FZSpotsSetCsvWriter
+class BRIGHTMERE_SDKUI_EXPORT FZSpotsSetCsvWriter
 {
 public:
     /// An absent set gives the header row alone (logged).

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZReportResult.h"
 #include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 
@@ -17,7 +19,7 @@
 /// stored is replaced or removed, so restoring a file twice adds nothing. The
 /// merge reads and writes the store under its lock, in time linear in the
 /// number of sets whatever their titles.
-class FZSpotsSetsBackup
+class BRIGHTMERE_SDKUI_EXPORT FZSpotsSetsBackup
 {
 public:
     /// The "format" field of every backup document.

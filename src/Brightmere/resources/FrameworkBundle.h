@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QIcon>
+#include <Brightmere/SDKUIExport.h>
+
 #include <QString>
 #include <QVariant>
 
@@ -8,7 +9,7 @@ namespace Brightmere {
 
 /// The kit's own bundle: its info dictionary (version and build) and the path
 /// of its resources, as the host's bundle is told apart from the framework's.
-class FrameworkBundle
+class BRIGHTMERE_SDKUI_EXPORT FrameworkBundle
 {
 public:
     /// Info key of the kit's version ("1.0.0").
@@ -30,12 +31,6 @@ public:
     /// The resource path of a bundled file, for example "sounds/click.wav" ->
     /// ":/sounds/click.wav".
     static QString resourcePath(const QString &relativePath);
-
-    /// One of the kit's images by name, with or without an extension
-    /// ("buttonStart.png" and "buttonStart" are the same image, drawn from
-    /// images/buttonStart.svg). A null icon for an empty name; an unknown
-    /// name is logged and gives a null icon.
-    static QIcon imageNamed(const QString &name);
 };
 
 } // namespace Brightmere

@@ -1,6 +1,6 @@
 #include "BMFairzoneTutorialPageView.h"
 
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
 #include <Brightmere/ui/BrightmereView.h>
 
@@ -74,7 +74,7 @@ void BMFairzoneTutorialPageView::initialize()
 
 void BMFairzoneTutorialPageView::configureWithImageName(const QString &imageName, const QString &text)
 {
-    m_image = Brightmere::FrameworkBundle::imageNamed(imageName);
+    m_image = Brightmere::Image::named(imageName);
     m_lblText->setText(text);
     fitPicture();
 }

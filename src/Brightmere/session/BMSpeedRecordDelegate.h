@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMSpeedRecordCell;
 
 /// What a spot row tells the screen that lists it: name edits, the hold on
 /// its re-record control, and a swipe into editing.
-class BMSpeedRecordDelegate
+class BRIGHTMERE_SDKUI_EXPORT BMSpeedRecordDelegate
 {
 public:
     virtual ~BMSpeedRecordDelegate() = default;

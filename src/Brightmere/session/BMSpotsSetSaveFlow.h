@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QLineEdit>
 #include <QObject>
 #include <QPointer>
@@ -15,7 +17,7 @@ class FZTextViewOptionsPopup;
 /// note when the title is blank, and a question before a set of that title
 /// is replaced. Nothing here stops the test or changes the run; a failed
 /// write keeps the run on screen and says so.
-class BMSpotsSetSaveFlow : public QObject
+class BRIGHTMERE_SDKUI_EXPORT BMSpotsSetSaveFlow : public QObject
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMWiFiFairzoneTestSubscriber.h"
 #include <Brightmere/core/BMBaseNotification.h>
 
@@ -8,7 +10,7 @@ inline constexpr char kWiFiFairzoneTestStarted[] = "kWiFiFairzoneTestStarted";
 /// Posted on the main thread at every start of a test on the test screen,
 /// with no properties, so the host can react (pause its own work, count
 /// tests).
-class BMWiFiFairzoneTestNotification : public BMBaseNotification
+class BRIGHTMERE_SDKUI_EXPORT BMWiFiFairzoneTestNotification : public BMBaseNotification
 {
     Q_OBJECT
 

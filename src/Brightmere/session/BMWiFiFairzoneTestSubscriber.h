@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMWiFiFairzoneTestNotification;
 
 /// What a subscriber of BMWiFiFairzoneTestNotification implements. The
 /// notification passed in lives only for the call.
-class BMWiFiFairzoneTestSubscriber
+class BRIGHTMERE_SDKUI_EXPORT BMWiFiFairzoneTestSubscriber
 {
 public:
     virtual ~BMWiFiFairzoneTestSubscriber() = default;

@@ -20,7 +20,7 @@
 #include <Brightmere/platform/views/PageControl.h>
 #include <Brightmere/platform/views/ScrollView.h>
 #include <Brightmere/platform/views/StoryboardSegue.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMImageButton.h>
 #include <Brightmere/ui/BMLabel.h>
 #include <Brightmere/ui/BMLoadingView.h>
@@ -101,7 +101,7 @@ QColor BMWifiScanVC::recordingColor()
 
 QIcon BMWifiScanVC::imageNamed(const QString &name)
 {
-    return FrameworkBundle::imageNamed(name);
+    return Brightmere::Image::named(name);
 }
 
 QString BMWifiScanVC::canBeClearedAttributedStringWithMessageString(const QString &message)

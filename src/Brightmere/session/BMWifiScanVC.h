@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMSpotsSetSaveFlow.h"
 #include "BMSpotsTableController.h"
 #include "BMWifiScanVCDelegate.h"
@@ -43,7 +45,7 @@ struct Notification;
 ///
 /// The password is handed to the tester when the screen loads and is then
 /// forgotten; it is never written anywhere, logs included.
-class BMWifiScanVC : public BMSDKUIBaseViewController, public BMWifiScanVCEditSpotsSetSetter
+class BRIGHTMERE_SDKUI_EXPORT BMWifiScanVC : public BMSDKUIBaseViewController, public BMWifiScanVCEditSpotsSetSetter
 {
     Q_OBJECT
 

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMWifiScanVC;
 
 /// What the test screen tells its host, each with the screen as the first
 /// argument. Every operation has an empty default, so a host implements only
 /// what it follows. The screen holds its delegate weakly: a delegate that is
 /// a QObject may go away at any time and the screen stops telling it.
-class BMWifiScanVCDelegate
+class BRIGHTMERE_SDKUI_EXPORT BMWifiScanVCDelegate
 {
 public:
     virtual ~BMWifiScanVCDelegate() = default;

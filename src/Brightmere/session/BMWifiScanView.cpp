@@ -7,7 +7,7 @@
 #include <Brightmere/platform/views/PageControl.h>
 #include <Brightmere/platform/views/ScrollView.h>
 #include <Brightmere/platform/views/TableView.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMBorderedView.h>
 #include <Brightmere/ui/BMImageButton.h>
 #include <Brightmere/ui/BMLabel.h>
@@ -509,9 +509,9 @@ void BMWifiScanView::showImage(QWidget *view, const QString &name)
         return;
     view->setProperty(kImageNameProperty, name);
     if (auto *button = qobject_cast<BMImageButton *>(view))
-        button->setBackgroundImage(FrameworkBundle::imageNamed(name));
+        button->setBackgroundImage(Brightmere::Image::named(name));
     else if (auto *label = qobject_cast<QLabel *>(view)) {
-        const QIcon image = FrameworkBundle::imageNamed(name);
+        const QIcon image = Brightmere::Image::named(name);
         label->setPixmap(image.isNull() ? QPixmap() : image.pixmap(label->size(), label->devicePixelRatioF()));
     }
 }

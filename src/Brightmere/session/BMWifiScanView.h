@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QIcon>
 #include <QPointer>
 #include <QWidget>
@@ -24,7 +26,7 @@ inline constexpr int kTutorialPages = 4;
 /// counter and the record control; the network's name) and under it the list
 /// of spots, which takes the rest of the height. The panel keeps its phone
 /// height and follows the window's width; the counter stays centred.
-class BMWifiScanView : public QWidget
+class BRIGHTMERE_SDKUI_EXPORT BMWifiScanView : public QWidget
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/core/BMReachabilityDelegate.h>
 #include <Brightmere/core/BMWiFiTesterDelegate.h>
 #include <Brightmere/core/WifiTestResult.h>
@@ -29,7 +31,9 @@ class Clock;
 /// recording (a spot being collected). A test runs on Wi-Fi only: a result
 /// or the tester's finish without it stops the test, keeping what was
 /// measured and recorded.
-class BMWifiTestSession : public QObject, public BMWiFiTesterDelegate, public BMReachabilityDelegate
+class BRIGHTMERE_SDKUI_EXPORT BMWifiTestSession : public QObject,
+                                                  public BMWiFiTesterDelegate,
+                                                  public BMReachabilityDelegate
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QString>
 
 namespace Brightmere {
@@ -10,7 +12,7 @@ class Storyboard;
 /// identifier with the factory of its destination, so the screens name
 /// identifiers only and never include each other. A host calls
 /// registerSegues() once at start, before showing the test screen.
-class BMSDKUIStoryboard
+class BRIGHTMERE_SDKUI_EXPORT BMSDKUIStoryboard
 {
 public:
     /// The test screen's way to the list of saved sets.

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QMetaObject>
 #include <QString>
 
 /// A screen as the host's analytics see it: the name it reports and its class.
-class BMGAScreenClass
+class BRIGHTMERE_SDKUI_EXPORT BMGAScreenClass
 {
 public:
     BMGAScreenClass() = default;

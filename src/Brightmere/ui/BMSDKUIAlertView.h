@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/platform/views/AlertAction.h>
 
 #include <QList>
@@ -15,7 +17,7 @@ class Alert;
 /// buttons. Building only: the caller presents the alert
 /// (ViewController::presentAlert) or deletes it. Every button has the default
 /// style; none takes the platform's cancel style.
-class BMSDKUIAlertView
+class BRIGHTMERE_SDKUI_EXPORT BMSDKUIAlertView
 {
 public:
     /// What a button runs; may be empty.

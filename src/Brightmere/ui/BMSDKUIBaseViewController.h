@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMGAScreenClass.h"
 #include "BMSDKUIAlertView.h"
 #include <Brightmere/i18n/BMI18NNotificationSubscriber.h>
@@ -24,9 +26,9 @@ class Clock;
 /// The alert helpers may be called from any thread: the alert is built and
 /// presented on the main thread after the current work, and not at all when
 /// the screen is gone by then (its handlers are then never called).
-class BMSDKUIBaseViewController : public Brightmere::ViewController,
-                                  private BMLanguageChangeSubscriber,
-                                  private BMI18NNotificationSubscriber
+class BRIGHTMERE_SDKUI_EXPORT BMSDKUIBaseViewController : public Brightmere::ViewController,
+                                                          private BMLanguageChangeSubscriber,
+                                                          private BMI18NNotificationSubscriber
 {
     Q_OBJECT
 

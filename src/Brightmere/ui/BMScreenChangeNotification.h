@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "BMGAScreenClass.h"
 #include "BMScreenChangeSubscriber.h"
 #include <Brightmere/core/BMBaseNotification.h>
@@ -15,7 +17,7 @@ inline constexpr int kBMScreenChangeNotificationClass = 1;
 /// Posted on the main thread each time a screen of the kit is about to
 /// appear, before the screen's own appearance work, so a host's analytics
 /// count every screen view once.
-class BMScreenChangeNotification : public BMBaseNotification
+class BRIGHTMERE_SDKUI_EXPORT BMScreenChangeNotification : public BMBaseNotification
 {
     Q_OBJECT
 

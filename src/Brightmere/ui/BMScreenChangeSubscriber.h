@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class BMScreenChangeNotification;
 
 /// What a subscriber of BMScreenChangeNotification implements. The
 /// notification passed in lives only for the call.
-class BMScreenChangeSubscriber
+class BRIGHTMERE_SDKUI_EXPORT BMScreenChangeSubscriber
 {
 public:
     virtual ~BMScreenChangeSubscriber() = default;

@@ -1,10 +1,12 @@
 #include "BMTableViewCell.h"
 
 #include <Brightmere/core/BMLogger.h>
+#include <Brightmere/ui/BrightmereColor.h>
 
 BMTableViewCell::BMTableViewCell(QWidget *parent)
     : Brightmere::TableViewCell(parent)
 {
+    setDeleteStripColor(Brightmere::Color::named(QStringLiteral("norva_red_1")));
 }
 
 QString BMTableViewCell::cellIdentifier() const

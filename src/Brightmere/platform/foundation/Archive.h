@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QByteArray>
 #include <QDataStream>
 #include <QString>
@@ -14,7 +16,7 @@ namespace Brightmere {
 /// the body). Reading checks the header before a single byte of the body is
 /// parsed, so a truncated, foreign or garbled blob is refused with an error
 /// and never yields a partial object.
-class Archive
+class BRIGHTMERE_FOUNDATION_EXPORT Archive
 {
 public:
     static constexpr quint32 kMagic = 0x424D4152; ///< "BMAR"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <functional>
 
 namespace Brightmere {
@@ -8,7 +10,7 @@ namespace Brightmere {
 // "seconds since the reference date" and repeating ticks. Code that reads the
 // time takes a Clock so tests can drive it with a ManualClock instead of
 // sleeping.
-class Clock
+class BRIGHTMERE_FOUNDATION_EXPORT Clock
 {
 public:
     // 1 January 2001, 00:00:00 UTC, in seconds since the Unix epoch.

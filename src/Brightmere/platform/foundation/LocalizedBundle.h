@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include "StringTable.h"
 
 #include <QHash>
@@ -27,7 +29,7 @@ namespace Brightmere {
 // shared immutable values; a lookup never waits for a file read by another
 // thread. setRoot() forgets everything read so far, also when the root is
 // unchanged (that is how a test or a host makes the bundle see new files).
-class LocalizedBundle
+class BRIGHTMERE_FOUNDATION_EXPORT LocalizedBundle
 {
 public:
     static constexpr const char *kTableFileName = "Localizable.strings";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QObject>
 
 #include <functional>
@@ -11,7 +13,7 @@ namespace Brightmere {
 // context object is dropped when the context is gone by the time it runs, and
 // delayed work aimed at a context can be cancelled as a whole (the platform's
 // "cancel every delayed perform aimed at this object").
-class MainQueue
+class BRIGHTMERE_FOUNDATION_EXPORT MainQueue
 {
 public:
     static bool isMainThread();

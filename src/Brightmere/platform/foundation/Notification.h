@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
@@ -8,7 +10,7 @@ namespace Brightmere {
 
 // One named event as the notification centre delivers it. `object` is the
 // sender (may be null); it is only guaranteed to live while the delivery runs.
-struct Notification
+struct BRIGHTMERE_FOUNDATION_EXPORT Notification
 {
     QString name;
     QObject *object = nullptr;

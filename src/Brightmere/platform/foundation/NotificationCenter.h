@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include "Notification.h"
 
 #include <QMutex>
@@ -15,7 +17,7 @@ namespace Brightmere {
 // identified by an address (usually `this`), so one call removes all of an
 // observer's registrations. An observer removed while a notification is being
 // delivered is not called afterwards, even by that same delivery.
-class NotificationCenter
+class BRIGHTMERE_FOUNDATION_EXPORT NotificationCenter
 {
 public:
     using Callback = std::function<void(const Notification &)>;

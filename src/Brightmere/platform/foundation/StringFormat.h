@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QString>
 #include <QVariant>
 #include <QVariantList>
@@ -19,7 +21,7 @@ namespace Brightmere {
 // one can make formatting slow or large: a width or precision above
 // kMaxFieldLength counts as that limit, and the text stops growing at
 // kMaxOutputLength characters. Either is logged once per process.
-class StringFormat
+class BRIGHTMERE_FOUNDATION_EXPORT StringFormat
 {
 public:
     static constexpr int kMaxFieldLength = 1000;

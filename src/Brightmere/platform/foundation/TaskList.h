@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QMutex>
 
 #include <deque>
@@ -15,7 +17,7 @@ namespace Brightmere {
 // would be handed over under locks inside Qt's library only, which
 // ThreadSanitizer cannot see unless Qt is built with it, and every queued
 // task would show as a race; the list's own lock makes the hand-over visible.
-class TaskList
+class BRIGHTMERE_FOUNDATION_EXPORT TaskList
 {
 public:
     void add(std::function<void()> task);

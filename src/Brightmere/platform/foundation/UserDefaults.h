@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/FoundationExport.h>
+
 #include <QByteArray>
 #include <QHash>
 #include <QMap>
@@ -32,7 +34,7 @@ namespace Brightmere {
 /// and processes alike, take turns through the lock file "<file>.lock". A
 /// file that holds large values inline, as earlier versions wrote them, moves
 /// to this layout when it is opened. Safe to use from any thread.
-class UserDefaults
+class BRIGHTMERE_FOUNDATION_EXPORT UserDefaults
 {
 public:
     /// Larger binary values are kept in files of their own.

@@ -2,7 +2,7 @@
 
 #include "FocusRing.h"
 #include <Brightmere/core/BMLogger.h>
-#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/platform/views/ColorContrast.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QApplication>

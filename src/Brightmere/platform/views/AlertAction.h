@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QString>
 
 #include <functional>
@@ -8,7 +10,7 @@ namespace Brightmere {
 
 /// One button of an alert: its title, its style and what pressing it does.
 /// The handler runs after the alert has closed.
-class AlertAction
+class BRIGHTMERE_SDKUI_EXPORT AlertAction
 {
 public:
     /// How the alert draws the button: plain, as the way out, or as a warning.

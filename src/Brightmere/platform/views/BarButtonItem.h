@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QIcon>
 #include <QObject>
 #include <QString>
@@ -11,7 +13,7 @@ namespace Brightmere {
 /// A button of the navigation bar: a title or an icon and the action a tap
 /// runs. The bar draws it; the item only describes it, so a screen can change
 /// it at any time and the bar follows.
-class BarButtonItem : public QObject
+class BRIGHTMERE_SDKUI_EXPORT BarButtonItem : public QObject
 {
     Q_OBJECT
 

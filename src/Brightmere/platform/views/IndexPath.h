@@ -1,12 +1,14 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QMetaType>
 
 namespace Brightmere {
 
 /// A row's place in a TableView: its section and its row within the section.
 /// The default value (row -1) stands for "no row".
-class IndexPath
+class BRIGHTMERE_SDKUI_EXPORT IndexPath
 {
 public:
     constexpr IndexPath() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class QWidget;
 
 namespace Brightmere {
@@ -10,7 +12,7 @@ namespace Brightmere {
 /// added to it rather than to a screen, so they stay over every screen of
 /// the stack. A host that embeds the kit in a window of its own makes that
 /// window key.
-class KeyWindow
+class BRIGHTMERE_SDKUI_EXPORT KeyWindow
 {
 public:
     /// Null when there is no window at all (logged by the callers that need one).

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -12,7 +14,7 @@ namespace Brightmere {
 /// as a mailto: URL. Addresses, subject and body are percent-encoded as
 /// UTF-8; line breaks in the body travel as CRLF ("%0D%0A"), and a subject
 /// is kept to one line.
-class MailComposer : public QObject
+class BRIGHTMERE_SDKUI_EXPORT MailComposer : public QObject
 {
     Q_OBJECT
 

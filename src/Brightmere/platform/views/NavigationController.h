@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QList>
 #include <QWidget>
 
@@ -29,7 +31,7 @@ class ViewController;
 /// animated flag is passed through; transitions are instant. A push or pop
 /// asked for from inside a lifecycle call runs once the current transition
 /// has finished.
-class NavigationController : public QWidget
+class BRIGHTMERE_SDKUI_EXPORT NavigationController : public QWidget
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -19,7 +21,7 @@ class BarButtonItem;
 /// item). A bar button item without a parent is adopted the same way; one
 /// that already has a parent stays its parent's, so a screen can keep its
 /// items and swap them in and out.
-class NavigationItem : public QObject
+class BRIGHTMERE_SDKUI_EXPORT NavigationItem : public QObject
 {
     Q_OBJECT
 

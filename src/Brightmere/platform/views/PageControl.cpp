@@ -2,7 +2,7 @@
 
 #include "AccessibleWidget.h"
 #include "FocusRing.h"
-#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/platform/views/ColorContrast.h>
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -64,17 +64,17 @@ void PageControl::paintEvent(QPaintEvent *)
 {
     if (m_numberOfPages <= 0)
         return;
-    // Without a tint of the host's, dots that stand out from the page as a
-    // control's parts must (3:1).
+    // Without a caller's tint the dots take the widget's palette, made to
+    // stand out from the page as a control's parts must (3:1).
     const QColor page = palette().color(QPalette::Window);
     if (!m_pageIndicatorTintColor.isValid() && (!m_readableDot.isValid() || page != m_dotsPage)) {
         m_dotsPage = page;
-        m_readableDot = Color::withContrast(Color::named(QStringLiteral("disable_gray")), page, Color::kLargeContrast);
+        m_readableDot = Color::withContrast(palette().color(QPalette::Mid), page, Color::kLargeContrast);
     }
     const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor : m_readableDot;
     const QColor current = m_currentPageIndicatorTintColor.isValid()
                                ? m_currentPageIndicatorTintColor
-                               : Color::named(QStringLiteral("medium_blue"));
+                               : Color::withContrast(palette().color(QPalette::Highlight), page, Color::kLargeContrast);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

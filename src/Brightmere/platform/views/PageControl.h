@@ -9,8 +9,9 @@ namespace Brightmere {
 // side of the current dot moves one page that way and emits valueChanged;
 // setting currentPage from code emits nothing. Tab reaches it (a click
 // leaves the focus where it was); the arrow keys move a page, Space and
-// Enter go on to the next. Colours not set (invalid)
-// take the kit's defaults: light grey dots, the current one medium blue.
+// Enter go on to the next. Colours are the caller's; those not set (invalid)
+// come from the widget's palette (Mid for the dots, Highlight for the current
+// one), each made to stand out from the page.
 class PageControl : public QWidget
 {
     Q_OBJECT

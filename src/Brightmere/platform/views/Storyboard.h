@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -14,7 +16,7 @@ class ViewController;
 /// The registry of segues: an identifier and the factory that creates its
 /// destination. Screens name identifiers only; the one place that knows every
 /// screen registers them, so screens never include each other.
-class Storyboard : public QObject
+class BRIGHTMERE_SDKUI_EXPORT Storyboard : public QObject
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 #include "Switch.h"
 
 #include "FocusRing.h"
-#include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/platform/views/ColorContrast.h>
 
 #include <QPainter>
 #include <QPainterPath>

@@ -2,7 +2,6 @@
 
 #include "AccessibleWidget.h"
 #include "FocusRingOverlay.h"
-#include <Brightmere/ui/BrightmereColor.h>
 
 #include <QPainter>
 #include <QPainterPath>
@@ -20,10 +19,10 @@ QIcon deleteGlyph()
     constexpr qreal kScale = 2.0;
     QPixmap pixmap(QSize(kSide, kSide) * kScale);
     pixmap.setDevicePixelRatio(kScale);
-    pixmap.fill(Color::system(-1)); // clear
+    pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    QPen pen(Color::system(2), 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    QPen pen(Qt::white, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);
     painter.drawLine(QPointF(4, 6), QPointF(18, 6));
@@ -56,6 +55,23 @@ void TableViewCell::setDeleteAccessibleName(const QString &name)
         m_deleteStrip->setAccessibleName(name);
 }
 
+void TableViewCell::setDeleteStripColor(const QColor &color)
+{
+    if (!color.isValid())
+        return;
+    m_deleteStripColor = color;
+    paintDeleteStrip();
+}
+
+void TableViewCell::paintDeleteStrip()
+{
+    if (!m_deleteStrip)
+        return;
+    m_deleteStrip->setStyleSheet(QStringLiteral("QToolButton { background-color: %1; border: none; }"
+                                                "QToolButton:pressed { background-color: %2; }")
+                                     .arg(m_deleteStripColor.name(), m_deleteStripColor.darker(120).name()));
+}
+
 void TableViewCell::setAccessibleSelected(bool selected)
 {
     if (m_selected == selected)
@@ -82,10 +98,7 @@ void TableViewCell::setEditing(bool editing, bool animated)
         // focus where it was.
         m_deleteStrip->setFocusPolicy(Qt::TabFocus);
         new FocusRingOverlay(m_deleteStrip);
-        m_deleteStrip->setStyleSheet(QStringLiteral("QToolButton { background-color: %1; border: none; }"
-                                                    "QToolButton:pressed { background-color: %2; }")
-                                         .arg(Color::named(QStringLiteral("norva_red_1")).name(),
-                                              Color::named(QStringLiteral("norva_red_1")).darker(120).name()));
+        paintDeleteStrip();
         connect(m_deleteStrip, &QToolButton::clicked, this, &TableViewCell::deleteButtonClicked);
     }
     if (m_deleteStrip) {

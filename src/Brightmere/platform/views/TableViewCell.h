@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <QWidget>
 
@@ -14,7 +15,8 @@ namespace Brightmere {
 // Editing: a swipe to the left on a row, or TableView::setEditing, turns the
 // row's editing on through setEditing(true, animated); subclasses that act on
 // it override setEditing and call the base. While editing, the row shows a
-// red delete strip on its right; a click on it emits deleteButtonClicked,
+// delete strip on its right, in the caller's colour (the platform's
+// destructive red unless set); a click on it emits deleteButtonClicked,
 // which the table turns into its data source's commitEditingStyle.
 // Subclasses that lay out in resizeEvent call the base too.
 class TableViewCell : public QWidget
@@ -36,6 +38,9 @@ public:
     QWidget *deleteStrip() const;
     // What assistive tools call the strip ("Delete Kitchen"); the caller's text.
     void setDeleteAccessibleName(const QString &name);
+    QColor deleteStripColor() const { return m_deleteStripColor; }
+    // An invalid colour is ignored.
+    void setDeleteStripColor(const QColor &color);
 
     // Whether the row is picked, as assistive tools hear it (the look is the
     // subclass's); a change is announced.
@@ -50,11 +55,13 @@ protected:
 
 private:
     void placeDeleteStrip();
+    void paintDeleteStrip();
 
     QString m_reuseIdentifier;
     bool m_editing = false;
     bool m_selected = false;
     QString m_deleteAccessibleName;
+    QColor m_deleteStripColor{0xff, 0x3b, 0x30};
     QToolButton *m_deleteStrip = nullptr;
 };
 

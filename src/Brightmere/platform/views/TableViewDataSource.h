@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "IndexPath.h"
 
 namespace Brightmere {
@@ -10,7 +12,7 @@ class TableViewCell;
 /// What a TableView asks of the screen that fills it: its rows, their
 /// heights, and what happens when the user picks or edits one. Only the row
 /// count and the row itself must be given.
-class TableViewDataSource
+class BRIGHTMERE_SDKUI_EXPORT TableViewDataSource
 {
 public:
     /// What an edit of a row does.

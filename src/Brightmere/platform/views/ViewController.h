@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -20,7 +22,7 @@ class StoryboardSegue;
 /// controller: its navigation controller, or, for a controller outside any
 /// navigation controller, its own showing and hiding. viewWillLayoutSubviews
 /// runs on every layout pass (a resize or a layout request) of a loaded view.
-class ViewController : public QWidget
+class BRIGHTMERE_SDKUI_EXPORT ViewController : public QWidget
 {
     Q_OBJECT
 

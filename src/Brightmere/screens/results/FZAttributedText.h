@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <QList>
 #include <QString>
 #include <QTextCharFormat>
@@ -9,7 +11,7 @@
 /// and one alignment for the whole paragraph: what the grid cells show. A
 /// later range wins where it overlaps an earlier one, but only for the
 /// properties it sets, so a colour laid over everything keeps the fonts.
-class FZAttributedText
+class BRIGHTMERE_SDKUI_EXPORT FZAttributedText
 {
 public:
     FZAttributedText() = default;

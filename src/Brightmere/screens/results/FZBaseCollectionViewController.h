@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZAttributedText.h"
 #include "FZSpotsSetsHeaderCollectionViewCellDelegate.h"
 #include <Brightmere/core/WifiTestResult.h>
@@ -36,8 +38,8 @@ class QVBoxLayout;
 /// the arrow keys move it, Home and End along its row; it shows the focus
 /// ring and is scrolled into sight. A reader hears it as a table cell named
 /// by its row, its column and its text.
-class FZBaseCollectionViewController : public BMSDKUIBaseViewController,
-                                       protected FZSpotsSetsHeaderCollectionViewCellDelegate
+class BRIGHTMERE_SDKUI_EXPORT FZBaseCollectionViewController : public BMSDKUIBaseViewController,
+                                                               protected FZSpotsSetsHeaderCollectionViewCellDelegate
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZBaseCollectionViewController.h"
 #include <Brightmere/model/FZResultSpotsSetsComparison.h>
 
@@ -19,7 +21,7 @@ class Switch;
 /// column 2 its index 1, and the comparison answers index 1 with the first
 /// set: so column 1 is headed by the second set's name while its cells hold
 /// the first set's records. Hosts rely on that order; it stays.
-class FZCompareSpotsSetsViewController : public FZBaseCollectionViewController
+class BRIGHTMERE_SDKUI_EXPORT FZCompareSpotsSetsViewController : public FZBaseCollectionViewController
 {
     Q_OBJECT
 

@@ -5,7 +5,7 @@
 #include <Brightmere/i18n/BMI18NManager.h>
 #include <Brightmere/platform/foundation/StringFormat.h>
 #include <Brightmere/platform/views/FocusRingOverlay.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMLabel.h>
 #include <Brightmere/ui/BrightmereColor.h>
 #include <Brightmere/ui/BrightmereView.h>
@@ -58,7 +58,7 @@ FZSavedSpotsCell::FZSavedSpotsCell(QWidget *parent)
     m_comparableIconImageView = new QLabel(m_content);
     m_comparableIconImageView->setObjectName(QStringLiteral("comparableIconImageView"));
     m_comparableIconImageView->setPixmap(
-        Brightmere::FrameworkBundle::imageNamed(QStringLiteral("iconComparable")).pixmap(kIconSize, kIconSize));
+        Brightmere::Image::named(QStringLiteral("iconComparable")).pixmap(kIconSize, kIconSize));
     m_comparableIconImageView->hide();
     // Reached with Tab: Enter opens the set, Space picks it while sets are
     // being picked, Delete asks to delete it. A click leaves the focus where

@@ -11,7 +11,7 @@
 #include <Brightmere/platform/views/StoryboardSegue.h>
 #include <Brightmere/platform/views/TableView.h>
 #include <Brightmere/popups/FZOptionsPopup.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
 #include <Brightmere/ui/BrightmereView.h>
 
@@ -52,7 +52,7 @@ FZSavedSpotsViewController::FZSavedSpotsViewController(QWidget *parent)
     // Kept by this screen and swapped in and out of the bar as the mode changes.
     QPointer<FZSavedSpotsViewController> self(this);
     const auto makeItem = [this, self](const char *image, void (FZSavedSpotsViewController::*action)(QObject *)) {
-        auto *item = new BarButtonItem(Brightmere::FrameworkBundle::imageNamed(QString::fromLatin1(image)),
+        auto *item = new BarButtonItem(Brightmere::Image::named(QString::fromLatin1(image)),
                                        BarButtonItem::Style::Plain, {}, this);
         item->setObjectName(QString::fromLatin1(image));
         item->setAction([self, item, action] {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/model/BMWifiScanVCEditSpotsSetSetter.h>
 #include <Brightmere/model/FZHistoricalResultSpotsSet.h>
 #include <Brightmere/platform/views/TableViewDataSource.h>
@@ -27,7 +29,8 @@ class TableView;
 /// The store is read at the first appearance (and whenever the list is still
 /// empty); later appearances keep the list as it was, since deletions and
 /// mode changes refresh it themselves.
-class FZSavedSpotsViewController : public BMSDKUIBaseViewController, public Brightmere::TableViewDataSource
+class BRIGHTMERE_SDKUI_EXPORT FZSavedSpotsViewController : public BMSDKUIBaseViewController,
+                                                           public Brightmere::TableViewDataSource
 {
     Q_OBJECT
     // The test screen (a BMWifiScanVCEditSpotsSetSetter), held weakly and

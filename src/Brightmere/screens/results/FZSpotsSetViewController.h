@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include "FZBaseCollectionViewController.h"
 #include <Brightmere/model/BMWifiScanVCEditSpotsSetSetter.h>
 #include <Brightmere/model/FZHistoricalResultSpotsSet.h>
@@ -17,7 +19,7 @@ class QLabel;
 /// arrow) over column 0, speed and network over column 1. A tap on the first
 /// heading cycles the set's order; the arrow points up only while the order
 /// is "labels ascending" (2), down for the other two.
-class FZSpotsSetViewController : public FZBaseCollectionViewController
+class BRIGHTMERE_SDKUI_EXPORT FZSpotsSetViewController : public FZBaseCollectionViewController
 {
     Q_OBJECT
     // The test screen (a BMWifiScanVCEditSpotsSetSetter), held weakly.

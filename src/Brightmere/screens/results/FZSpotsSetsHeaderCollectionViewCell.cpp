@@ -6,7 +6,7 @@
 #include <Brightmere/platform/foundation/StringFormat.h>
 #include <Brightmere/platform/views/AccessibleWidget.h>
 #include <Brightmere/platform/views/FocusRingOverlay.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
 #include <Brightmere/ui/BrightmereView.h>
 
@@ -121,7 +121,7 @@ void FZSpotsSetsHeaderCollectionViewCell::setIconNamed(const QString &name)
 {
     m_iconName = name;
     nameSortButton();
-    const QIcon icon = Brightmere::FrameworkBundle::imageNamed(name);
+    const QIcon icon = Brightmere::Image::named(name);
     // Drawn for the screen's pixel ratio, so the arrow stays sharp.
     m_iconImageView->setPixmap(icon.isNull() ? QPixmap() : icon.pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
     m_iconImageView->setVisible(!icon.isNull());

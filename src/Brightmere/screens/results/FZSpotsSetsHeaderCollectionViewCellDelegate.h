@@ -1,9 +1,11 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 class FZSpotsSetsHeaderCollectionViewCell;
 
 /// Told when a heading cell of a grid is tapped.
-class FZSpotsSetsHeaderCollectionViewCellDelegate
+class BRIGHTMERE_SDKUI_EXPORT FZSpotsSetsHeaderCollectionViewCellDelegate
 {
 public:
     virtual ~FZSpotsSetsHeaderCollectionViewCellDelegate() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/ui/BMSDKUIBaseViewController.h>
 
 class BMLabel;
@@ -17,7 +19,7 @@ class Switch;
 /// on, so at most one of the two can be turned off. When both "always"
 /// preferences were set elsewhere, both switches show off and both stay
 /// locked until the preferences change. Deletion is never locked.
-class FZMiscellaneousSettingsViewController : public BMSDKUIBaseViewController
+class BRIGHTMERE_SDKUI_EXPORT FZMiscellaneousSettingsViewController : public BMSDKUIBaseViewController
 {
     Q_OBJECT
 

@@ -9,7 +9,7 @@
 #include <Brightmere/platform/views/FocusRingOverlay.h>
 #include <Brightmere/platform/views/KeyboardNotifications.h>
 #include <Brightmere/platform/views/NavigationItem.h>
-#include <Brightmere/resources/FrameworkBundle.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
 #include <Brightmere/ui/BrightmereView.h>
 
@@ -61,7 +61,7 @@ QString keptLines(const QString &part)
 // a single colour that only their shape matters for.
 QIcon tintedImage(const QString &name, const QColor &color)
 {
-    const QIcon source = FrameworkBundle::imageNamed(name);
+    const QIcon source = Brightmere::Image::named(name);
     if (source.isNull())
         return {};
     const int side = pixelsForPoints(kIconSize);

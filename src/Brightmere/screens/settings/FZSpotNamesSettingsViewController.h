@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Brightmere/SDKUIExport.h>
+
 #include <Brightmere/platform/views/MailComposer.h>
 #include <Brightmere/ui/BMSDKUIBaseViewController.h>
 
@@ -33,7 +35,7 @@ struct Notification;
 /// Return does not insert a bare line break: it drops the lines that are
 /// blank or white space only, above and below the cursor, keeps every other
 /// line as typed, and leaves the cursor at the start of a new empty line.
-class FZSpotNamesSettingsViewController : public BMSDKUIBaseViewController
+class BRIGHTMERE_SDKUI_EXPORT FZSpotNamesSettingsViewController : public BMSDKUIBaseViewController
 {
     Q_OBJECT
 
