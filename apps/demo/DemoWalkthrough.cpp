@@ -34,7 +34,10 @@
 #include <Brightmere/screens/settings/FZMiscellaneousSettingsViewController.h>
 #include <Brightmere/screens/settings/FZSpotNamesSettingsViewController.h>
 #include <Brightmere/session/BMSpeedRecordCell.h>
+#include <Brightmere/session/BMSpotsSetSaveFlow.h>
+#include <Brightmere/session/BMSpotsTableController.h>
 #include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/session/BMWifiScanView.h>
 
 #include <QAbstractAnimation>
 #include <QApplication>

@@ -40,7 +40,8 @@ foreach(header session/BMWifiScanVC.h platform/foundation/UserDefaults.h resourc
         message(FATAL_ERROR "installed headers lack ${header}")
     endif()
 endforeach()
-foreach(header core/BMSeededRandom.h platform/foundation/TaskList.h i18n/BMSubscriberDelivery.h)
+foreach(header core/BMSeededRandom.h platform/foundation/TaskList.h i18n/BMSubscriberDelivery.h
+               session/BMWifiScanView.h)
     if(EXISTS "${prefix}/include/Brightmere/${header}")
         message(FATAL_ERROR "an internal header is installed: ${header}")
     endif()

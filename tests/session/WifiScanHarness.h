@@ -16,7 +16,10 @@
 #include <Brightmere/platform/views/TableView.h>
 #include <Brightmere/popups/FZConfirmSpotModificationPopup.h>
 #include <Brightmere/session/BMSpeedRecordCell.h>
+#include <Brightmere/session/BMSpotsSetSaveFlow.h>
+#include <Brightmere/session/BMSpotsTableController.h>
 #include <Brightmere/session/BMWifiScanVC.h>
+#include <Brightmere/session/BMWifiScanView.h>
 #include <Brightmere/storyboard/BMSDKUIStoryboard.h>
 #include <Brightmere/ui/BMImageButton.h>
 

@@ -11,12 +11,12 @@
 #include <Brightmere/platform/views/NavigationBar.h>
 #include <Brightmere/platform/views/NavigationController.h>
 #include <Brightmere/platform/views/NavigationItem.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMLoadingView.h>
 #include <Brightmere/ui/BMMainButton.h>
-#include <Brightmere/ui/BMScreenChangeNotification.h>
 #include <Brightmere/ui/BMSDKUIBaseViewController.h>
+#include <Brightmere/ui/BMScreenChangeNotification.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "BMFairzoneTutorialPageView.h"
 
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QBoxLayout>

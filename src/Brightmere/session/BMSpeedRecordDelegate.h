@@ -1,12 +1,10 @@
 #pragma once
 
-#include <Brightmere/SDKUIExport.h>
-
 class BMSpeedRecordCell;
 
 /// What a spot row tells the screen that lists it: name edits, the hold on
 /// its re-record control, and a swipe into editing.
-class BRIGHTMERE_SDKUI_EXPORT BMSpeedRecordDelegate
+class BMSpeedRecordDelegate
 {
 public:
     virtual ~BMSpeedRecordDelegate() = default;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Brightmere/SDKUIExport.h>
-
 #include <QLineEdit>
 #include <QObject>
 #include <QPointer>
@@ -17,7 +15,7 @@ class FZTextViewOptionsPopup;
 /// note when the title is blank, and a question before a set of that title
 /// is replaced. Nothing here stops the test or changes the run; a failed
 /// write keeps the run on screen and says so.
-class BRIGHTMERE_SDKUI_EXPORT BMSpotsSetSaveFlow : public QObject
+class BMSpotsSetSaveFlow : public QObject
 {
     Q_OBJECT
 

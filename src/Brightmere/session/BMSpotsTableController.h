@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Brightmere/SDKUIExport.h>
-
 #include "BMSpeedRecordDelegate.h"
 #include <Brightmere/core/WifiTestResult.h>
 #include <Brightmere/platform/views/TableViewDataSource.h>
@@ -31,9 +29,7 @@ struct Notification;
 /// (asking first), each question skipped once the user made it a standing
 /// answer. A spot saved or deleted changes its own row only, so the cost of
 /// a save does not grow with the list.
-class BRIGHTMERE_SDKUI_EXPORT BMSpotsTableController : public QObject,
-                                                       public Brightmere::TableViewDataSource,
-                                                       public BMSpeedRecordDelegate
+class BMSpotsTableController : public QObject, public Brightmere::TableViewDataSource, public BMSpeedRecordDelegate
 {
     Q_OBJECT
 

@@ -1,5 +1,8 @@
 #include "BMWifiScanVC.h"
 
+#include "BMSpotsSetSaveFlow.h"
+#include "BMSpotsTableController.h"
+#include "BMWifiScanView.h"
 #include <Brightmere/chart/_CPTBMClearTheme.h>
 #include <Brightmere/chart/ChartThemeRegistry.h>
 #include <Brightmere/chart/RealTimePlot.h>
@@ -20,11 +23,11 @@
 #include <Brightmere/platform/views/PageControl.h>
 #include <Brightmere/platform/views/ScrollView.h>
 #include <Brightmere/platform/views/StoryboardSegue.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMImageButton.h>
 #include <Brightmere/ui/BMLabel.h>
 #include <Brightmere/ui/BMLoadingView.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <algorithm>
@@ -635,4 +638,192 @@ void BMWifiScanVC::tellDelegate(void (BMWifiScanVCDelegate::*operation)(BMWifiSc
 {
     if (BMWifiScanVCDelegate *delegate = fzDelegate())
         (delegate->*operation)(this);
+}
+
+void BMWifiScanVC::updateRecordResetLabel()
+{
+    m_view->updateRecordResetLabel(m_session->isScanning());
+}
+
+void BMWifiScanVC::showHistoricalResultsOptions(QObject *)
+{
+    m_saveFlow->showHistoricalResultsOptions();
+}
+
+void BMWifiScanVC::showSaveCurrentSpotSetScreen()
+{
+    m_saveFlow->showSaveCurrentSpotSetScreen();
+}
+
+void BMWifiScanVC::saveCurrentSpotSet()
+{
+    m_saveFlow->saveCurrentSpotSet();
+}
+
+void BMWifiScanVC::saveCurrentSpotSetWithName(const QString &name)
+{
+    m_saveFlow->saveCurrentSpotSetWithName(name);
+}
+
+void BMWifiScanVC::showTitleCannotBeNil()
+{
+    m_saveFlow->showTitleCannotBeNil();
+}
+
+void BMWifiScanVC::showSpotsSetAlreadyExistsDialogWithName(const QString &name)
+{
+    m_saveFlow->showSpotsSetAlreadyExistsDialogWithName(name);
+}
+
+void BMWifiScanVC::showSavedSpots()
+{
+    m_saveFlow->showSavedSpots();
+}
+
+QLineEdit *BMWifiScanVC::spotNameTextField() const
+{
+    return m_saveFlow->spotNameTextField();
+}
+
+void BMWifiScanVC::setRecordingUI()
+{
+    if (m_view)
+        m_view->setRecording(true);
+}
+
+void BMWifiScanVC::setNormalUI()
+{
+    if (m_view)
+        m_view->setRecording(false);
+}
+
+void BMWifiScanVC::scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView)
+{
+    m_view->scrollViewDidEndDecelerating(scrollView);
+}
+
+void BMWifiScanVC::scrollViewDidEndScrollingAnimation(Brightmere::ScrollView *scrollView)
+{
+    m_view->scrollViewDidEndScrollingAnimation(scrollView);
+}
+
+void BMWifiScanVC::pageControlValueChanged()
+{
+    m_view->pageControlValueChanged();
+}
+
+void BMWifiScanVC::didBeginEditingSpeedRecord(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didBeginEditingSpeedRecord(cell);
+}
+
+void BMWifiScanVC::didEndEditingSpeedRecord(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didEndEditingSpeedRecord(cell);
+}
+
+void BMWifiScanVC::didStartTapReRecordView(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didStartTapReRecordView(cell);
+}
+
+void BMWifiScanVC::didFinishTapReRecordView(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didFinishTapReRecordView(cell);
+}
+
+void BMWifiScanVC::didCancelTapReRecordView(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didCancelTapReRecordView(cell);
+}
+
+void BMWifiScanVC::didEnterInEditMode(BMSpeedRecordCell *cell)
+{
+    if (m_spotsTable)
+        m_spotsTable->didEnterInEditMode(cell);
+}
+
+QWidget *BMWifiScanVC::viewBordered() const
+{
+    return m_view ? m_view->viewBordered() : nullptr;
+}
+
+QWidget *BMWifiScanVC::viewPlotHolderContainer() const
+{
+    return m_view ? m_view->viewPlotHolderContainer() : nullptr;
+}
+
+QWidget *BMWifiScanVC::viewPlotHolder() const
+{
+    return m_view ? m_view->viewPlotHolder() : nullptr;
+}
+
+BMImageButton *BMWifiScanVC::btnStartStop() const
+{
+    return m_view ? m_view->btnStartStop() : nullptr;
+}
+
+BMImageButton *BMWifiScanVC::btnRecordReset() const
+{
+    return m_view ? m_view->btnRecordReset() : nullptr;
+}
+
+BMImageButton *BMWifiScanVC::btnSound() const
+{
+    return m_view ? m_view->btnSound() : nullptr;
+}
+
+BMLabel *BMWifiScanVC::lblHoldToAverage() const
+{
+    return m_view ? m_view->lblHoldToAverage() : nullptr;
+}
+
+BMLabel *BMWifiScanVC::lblPreparing() const
+{
+    return m_view ? m_view->lblPreparing() : nullptr;
+}
+
+BMLabel *BMWifiScanVC::lblWifiSpeed() const
+{
+    return m_view ? m_view->lblWifiSpeed() : nullptr;
+}
+
+BMLabel *BMWifiScanVC::lblUnit() const
+{
+    return m_view ? m_view->lblUnit() : nullptr;
+}
+
+BMLabel *BMWifiScanVC::lblSSID() const
+{
+    return m_view ? m_view->lblSSID() : nullptr;
+}
+
+QLabel *BMWifiScanVC::wifiCounterBackground() const
+{
+    return m_view ? m_view->wifiCounterBackground() : nullptr;
+}
+
+Brightmere::TableView *BMWifiScanVC::tblRecords() const
+{
+    return m_view ? m_view->tblRecords() : nullptr;
+}
+
+Brightmere::ScrollView *BMWifiScanVC::scrollTutorial() const
+{
+    return m_view ? m_view->scrollTutorial() : nullptr;
+}
+
+Brightmere::PageControl *BMWifiScanVC::pageResults() const
+{
+    return m_view ? m_view->pageResults() : nullptr;
+}
+
+QString BMWifiScanVC::imageNameOf(const QWidget *view)
+{
+    return BMWifiScanView::imageNameOf(view);
 }

@@ -2,10 +2,7 @@
 
 #include <Brightmere/SDKUIExport.h>
 
-#include "BMSpotsSetSaveFlow.h"
-#include "BMSpotsTableController.h"
 #include "BMWifiScanVCDelegate.h"
-#include "BMWifiScanView.h"
 #include "BMWifiTestSession.h"
 #include <Brightmere/model/BMWifiScanVCEditSpotsSetSetter.h>
 #include <Brightmere/ui/BMSDKUIBaseViewController.h>
@@ -17,10 +14,21 @@
 
 #include <optional>
 
+class BMImageButton;
+class BMLabel;
+class BMSpeedRecordCell;
+class BMSpotsSetSaveFlow;
+class BMSpotsTableController;
+class BMWifiScanView;
+class QLabel;
+class QLineEdit;
 class RealTimePlot;
 
 namespace Brightmere {
 class BarButtonItem;
+class PageControl;
+class ScrollView;
+class TableView;
 struct Notification;
 } // namespace Brightmere
 
@@ -104,7 +112,7 @@ public:
     /// Takes one result as if the tester had sent it.
     void updateUIWithResult(const WifiTestResult::Ptr &result) { m_session->acceptResult(result); }
     /// Titles the record/reset control for the current state.
-    void updateRecordResetLabel() { m_view->updateRecordResetLabel(m_session->isScanning()); }
+    void updateRecordResetLabel();
     /// Shows the "no Wi-Fi" alert.
     void showNoWifiAlert();
     /// Shows the "no Wi-Fi" alert when a test runs off Wi-Fi.
@@ -139,24 +147,21 @@ public:
     virtual void menuHistoricalResultsTapped();
 
     /// Saving the run as a spots set (see BMSpotsSetSaveFlow).
-    void showHistoricalResultsOptions(QObject *) { m_saveFlow->showHistoricalResultsOptions(); }
+    void showHistoricalResultsOptions(QObject *);
     /// Opens the title prompt of the save flow.
-    void showSaveCurrentSpotSetScreen() { m_saveFlow->showSaveCurrentSpotSetScreen(); }
+    void showSaveCurrentSpotSetScreen();
     /// Saves the run under the title typed in the prompt.
-    void saveCurrentSpotSet() { m_saveFlow->saveCurrentSpotSet(); }
+    void saveCurrentSpotSet();
     /// Saves the run under name.
-    void saveCurrentSpotSetWithName(const QString &name) { m_saveFlow->saveCurrentSpotSetWithName(name); }
+    void saveCurrentSpotSetWithName(const QString &name);
     /// Tells the user a title is needed.
-    void showTitleCannotBeNil() { m_saveFlow->showTitleCannotBeNil(); }
+    void showTitleCannotBeNil();
     /// Asks whether to replace the set saved as name.
-    void showSpotsSetAlreadyExistsDialogWithName(const QString &name)
-    {
-        m_saveFlow->showSpotsSetAlreadyExistsDialogWithName(name);
-    }
+    void showSpotsSetAlreadyExistsDialogWithName(const QString &name);
     /// Opens the list of saved sets.
-    void showSavedSpots() { m_saveFlow->showSavedSpots(); }
+    void showSavedSpots();
     /// The title field while the title prompt is open; null otherwise.
-    QLineEdit *spotNameTextField() const { return m_saveFlow->spotNameTextField(); }
+    QLineEdit *spotNameTextField() const;
 
     /// Recording spots (see BMWifiTestSession).
     void startRecording() { m_session->startRecording(); }
@@ -169,9 +174,9 @@ public:
     /// Whether a spot is being recorded.
     bool isRecording() const { return m_session->isRecording(); }
     /// Gives the controls their recording look.
-    void setRecordingUI() { if (m_view) m_view->setRecording(true); }
+    void setRecordingUI();
     /// Gives the controls their normal look.
-    void setNormalUI() { if (m_view) m_view->setRecording(false); }
+    void setNormalUI();
     /// Clears the run: results, spots and chart.
     void reset() { m_session->reset(); }
     /// Clears the run and starts from speeds (a set opened for editing), or from nothing.
@@ -193,17 +198,11 @@ public:
     /// Removes the tutorial pages.
     void removeTutorial();
     /// The tutorial stopped scrolling: its page indicator follows.
-    void scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView)
-    {
-        m_view->scrollViewDidEndDecelerating(scrollView);
-    }
+    void scrollViewDidEndDecelerating(Brightmere::ScrollView *scrollView);
     /// The tutorial's animated scroll ended: its page indicator follows.
-    void scrollViewDidEndScrollingAnimation(Brightmere::ScrollView *scrollView)
-    {
-        m_view->scrollViewDidEndScrollingAnimation(scrollView);
-    }
+    void scrollViewDidEndScrollingAnimation(Brightmere::ScrollView *scrollView);
     /// The page indicator was tapped: the tutorial scrolls to its page.
-    void pageControlValueChanged() { m_view->pageControlValueChanged(); }
+    void pageControlValueChanged();
 
     /// The platform's notifications.
     void keyboardDidShow(const Brightmere::Notification &notification);
@@ -238,76 +237,52 @@ public:
     }
 
     /// The spot rows' reports and the spots table go to the spots table.
-    void didBeginEditingSpeedRecord(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didBeginEditingSpeedRecord(cell);
-    }
+    void didBeginEditingSpeedRecord(BMSpeedRecordCell *cell);
     /// A spot-name edit ended.
-    void didEndEditingSpeedRecord(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didEndEditingSpeedRecord(cell);
-    }
+    void didEndEditingSpeedRecord(BMSpeedRecordCell *cell);
     /// A spot's re-record control went down.
-    void didStartTapReRecordView(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didStartTapReRecordView(cell);
-    }
+    void didStartTapReRecordView(BMSpeedRecordCell *cell);
     /// A spot's re-record control came up inside it: the spot is measured again.
-    void didFinishTapReRecordView(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didFinishTapReRecordView(cell);
-    }
+    void didFinishTapReRecordView(BMSpeedRecordCell *cell);
     /// A spot's re-record control came up outside it: nothing changes.
-    void didCancelTapReRecordView(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didCancelTapReRecordView(cell);
-    }
+    void didCancelTapReRecordView(BMSpeedRecordCell *cell);
     /// A spot row went into edit mode.
-    void didEnterInEditMode(BMSpeedRecordCell *cell)
-    {
-        if (m_spotsTable)
-            m_spotsTable->didEnterInEditMode(cell);
-    }
+    void didEnterInEditMode(BMSpeedRecordCell *cell);
 
     /// The screen's views; null until the screen has loaded.
     Brightmere::ScrollView *contentScrollView() const { return m_contentScrollView; }
     /// The bordered box around the speed figure.
-    QWidget *viewBordered() const { return m_view ? m_view->viewBordered() : nullptr; }
+    QWidget *viewBordered() const;
     /// The chart's outer holder.
-    QWidget *viewPlotHolderContainer() const { return m_view ? m_view->viewPlotHolderContainer() : nullptr; }
+    QWidget *viewPlotHolderContainer() const;
     /// The chart's holder.
-    QWidget *viewPlotHolder() const { return m_view ? m_view->viewPlotHolder() : nullptr; }
+    QWidget *viewPlotHolder() const;
     /// The live speed chart.
     RealTimePlot *charPlot() const;
     /// The start/stop control.
-    BMImageButton *btnStartStop() const { return m_view ? m_view->btnStartStop() : nullptr; }
+    BMImageButton *btnStartStop() const;
     /// The record/reset control.
-    BMImageButton *btnRecordReset() const { return m_view ? m_view->btnRecordReset() : nullptr; }
+    BMImageButton *btnRecordReset() const;
     /// The sound control.
-    BMImageButton *btnSound() const { return m_view ? m_view->btnSound() : nullptr; }
+    BMImageButton *btnSound() const;
     /// The "hold to average" note.
-    BMLabel *lblHoldToAverage() const { return m_view ? m_view->lblHoldToAverage() : nullptr; }
+    BMLabel *lblHoldToAverage() const;
     /// The "preparing" note shown until the first result.
-    BMLabel *lblPreparing() const { return m_view ? m_view->lblPreparing() : nullptr; }
+    BMLabel *lblPreparing() const;
     /// The big speed figure.
-    BMLabel *lblWifiSpeed() const { return m_view ? m_view->lblWifiSpeed() : nullptr; }
+    BMLabel *lblWifiSpeed() const;
     /// The unit under the figure ("Mbps").
-    BMLabel *lblUnit() const { return m_view ? m_view->lblUnit() : nullptr; }
+    BMLabel *lblUnit() const;
     /// The network's name.
-    BMLabel *lblSSID() const { return m_view ? m_view->lblSSID() : nullptr; }
+    BMLabel *lblSSID() const;
     /// The background behind the speed figure.
-    QLabel *wifiCounterBackground() const { return m_view ? m_view->wifiCounterBackground() : nullptr; }
+    QLabel *wifiCounterBackground() const;
     /// The table of recorded spots.
-    Brightmere::TableView *tblRecords() const { return m_view ? m_view->tblRecords() : nullptr; }
+    Brightmere::TableView *tblRecords() const;
     /// The tutorial's paged view.
-    Brightmere::ScrollView *scrollTutorial() const { return m_view ? m_view->scrollTutorial() : nullptr; }
+    Brightmere::ScrollView *scrollTutorial() const;
     /// The tutorial's page indicator.
-    Brightmere::PageControl *pageResults() const { return m_view ? m_view->pageResults() : nullptr; }
+    Brightmere::PageControl *pageResults() const;
     /// The bar's left control.
     Brightmere::BarButtonItem *leftMenuButton() const { return m_leftMenuItem; }
     /// The bar's menu control.
@@ -317,7 +292,7 @@ public:
 
     /// The name of the image a view shows now ("buttonStop.png"), as set by
     /// the screen; empty when none.
-    static QString imageNameOf(const QWidget *view) { return BMWifiScanView::imageNameOf(view); }
+    static QString imageNameOf(const QWidget *view);
 
 protected:
     void viewDidLoad() override;

@@ -7,11 +7,11 @@
 #include <Brightmere/platform/views/PageControl.h>
 #include <Brightmere/platform/views/ScrollView.h>
 #include <Brightmere/platform/views/TableView.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMBorderedView.h>
 #include <Brightmere/ui/BMImageButton.h>
 #include <Brightmere/ui/BMLabel.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QEvent>

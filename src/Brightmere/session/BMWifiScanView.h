@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Brightmere/SDKUIExport.h>
-
 #include <QIcon>
 #include <QPointer>
 #include <QWidget>
@@ -26,7 +24,7 @@ inline constexpr int kTutorialPages = 4;
 /// counter and the record control; the network's name) and under it the list
 /// of spots, which takes the rest of the height. The panel keeps its phone
 /// height and follows the window's width; the counter stays centred.
-class BRIGHTMERE_SDKUI_EXPORT BMWifiScanView : public QWidget
+class BMWifiScanView : public QWidget
 {
     Q_OBJECT
 

@@ -5,9 +5,9 @@
 #include <Brightmere/i18n/BMI18NManager.h>
 #include <Brightmere/platform/foundation/StringFormat.h>
 #include <Brightmere/platform/views/FocusRingOverlay.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BMLabel.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QLabel>

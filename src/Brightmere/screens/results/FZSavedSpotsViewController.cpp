@@ -11,8 +11,8 @@
 #include <Brightmere/platform/views/StoryboardSegue.h>
 #include <Brightmere/platform/views/TableView.h>
 #include <Brightmere/popups/FZOptionsPopup.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QVBoxLayout>

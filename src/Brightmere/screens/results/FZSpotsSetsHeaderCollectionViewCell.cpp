@@ -6,8 +6,8 @@
 #include <Brightmere/platform/foundation/StringFormat.h>
 #include <Brightmere/platform/views/AccessibleWidget.h>
 #include <Brightmere/platform/views/FocusRingOverlay.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QBoxLayout>

@@ -9,8 +9,8 @@
 #include <Brightmere/platform/views/FocusRingOverlay.h>
 #include <Brightmere/platform/views/KeyboardNotifications.h>
 #include <Brightmere/platform/views/NavigationItem.h>
-#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereColor.h>
+#include <Brightmere/ui/BrightmereImage.h>
 #include <Brightmere/ui/BrightmereView.h>
 
 #include <QBoxLayout>
