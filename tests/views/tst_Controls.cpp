@@ -260,26 +260,30 @@ private Q_SLOTS:
         }
     }
 
-    // Without the caller's tints the dots take the widget's palette, made to
-    // stand out from the page even where the palette's own grey does not.
+    // Without the caller's tints the dots take the widget's palette: made to
+    // stand out from the page where its grey does not, kept where it does,
+    // and following a change of it.
     void untintedDotsStandOutFromThePage()
     {
-        for (const QColor page : {QColor(Qt::white), QColor(0x20, 0x20, 0x20)}) {
-            PageControl control;
+        PageControl control;
+        control.setAutoFillBackground(true);
+        control.setNumberOfPages(3);
+        control.setCurrentPage(1);
+        control.resize(100, 20);
+        for (const auto &[page, mid] : {std::pair{QColor(Qt::white), QColor(0xfa, 0xfa, 0xfa)},
+                                        {QColor(0x20, 0x20, 0x20), QColor(Qt::red)}}) {
             QPalette palette = control.palette();
             palette.setColor(QPalette::Window, page);
-            palette.setColor(QPalette::Mid, page.lighter(110));
+            palette.setColor(QPalette::Mid, mid);
             control.setPalette(palette);
-            control.setAutoFillBackground(true);
-            control.setNumberOfPages(3);
-            control.setCurrentPage(1);
-            control.resize(100, 20);
             const QImage image = control.grab().toImage();
             const QColor dot = image.pixelColor(control.dotCentre(0).toPoint());
             const QColor current = image.pixelColor(control.dotCentre(1).toPoint());
             QVERIFY2(Color::contrastRatio(dot, page) >= Color::kLargeContrast, qPrintable(dot.name()));
             QVERIFY2(Color::contrastRatio(current, page) >= Color::kLargeContrast, qPrintable(current.name()));
             QVERIFY(current != dot);
+            if (Color::contrastRatio(mid, page) >= Color::kLargeContrast)
+                QCOMPARE(dot, mid);
         }
     }
 

@@ -65,16 +65,17 @@ void PageControl::paintEvent(QPaintEvent *)
     if (m_numberOfPages <= 0)
         return;
     // Without a caller's tint the dots take the widget's palette, made to
-    // stand out from the page as a control's parts must (3:1).
+    // stand out from the page as a control's parts must (3:1). Worked out
+    // again only when the palette changes.
     const QColor page = palette().color(QPalette::Window);
-    if (!m_pageIndicatorTintColor.isValid() && (!m_readableDot.isValid() || page != m_dotsPage)) {
-        m_dotsPage = page;
-        m_readableDot = Color::withContrast(palette().color(QPalette::Mid), page, Color::kLargeContrast);
+    if (palette().cacheKey() != m_defaultsPalette) {
+        m_defaultsPalette = palette().cacheKey();
+        m_defaultDot = Color::withContrast(palette().color(QPalette::Mid), page, Color::kLargeContrast);
+        m_defaultCurrentDot = Color::withContrast(palette().color(QPalette::Highlight), page, Color::kLargeContrast);
     }
-    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor : m_readableDot;
-    const QColor current = m_currentPageIndicatorTintColor.isValid()
-                               ? m_currentPageIndicatorTintColor
-                               : Color::withContrast(palette().color(QPalette::Highlight), page, Color::kLargeContrast);
+    const QColor dot = m_pageIndicatorTintColor.isValid() ? m_pageIndicatorTintColor : m_defaultDot;
+    const QColor current =
+        m_currentPageIndicatorTintColor.isValid() ? m_currentPageIndicatorTintColor : m_defaultCurrentDot;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

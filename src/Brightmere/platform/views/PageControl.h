@@ -53,10 +53,11 @@ private:
     int m_currentPage = 0;
     QColor m_pageIndicatorTintColor;
     QColor m_currentPageIndicatorTintColor;
-    // The readable dot colour and the page colour it was made for, so a
-    // paint makes it again only when the page changed.
-    QColor m_dotsPage;
-    QColor m_readableDot;
+    // The colours without a tint, and the palette they were made from
+    // (QPalette::cacheKey), so a paint makes them again only after a change.
+    qint64 m_defaultsPalette = -1;
+    QColor m_defaultDot;
+    QColor m_defaultCurrentDot;
 };
 
 } // namespace Brightmere
